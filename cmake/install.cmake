@@ -1,0 +1,16 @@
+# Headers, libraries and a CMake package: a user finds dbapi with find_package(dbapi) and links dbapi::dbapi.
+include(CMakePackageConfigHelpers)
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/dbapi)
+
+foreach(library dbif dbui dbapi)
+    install(TARGETS ${library} EXPORT dbapiTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/${library} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+        FILES_MATCHING PATTERN "*.h")
+endforeach()
+install(EXPORT dbapiTargets NAMESPACE dbapi:: DESTINATION ${package_folder})
+
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/dbapiConfig.cmake.in
+    ${PROJECT_BINARY_DIR}/dbapiConfig.cmake INSTALL_DESTINATION ${package_folder})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/dbapiConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/dbapiConfig.cmake ${PROJECT_BINARY_DIR}/dbapiConfigVersion.cmake
+    DESTINATION ${package_folder})

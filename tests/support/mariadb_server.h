@@ -1,0 +1,59 @@
+#pragma once
+
+#include <string>
+
+/// The MariaDB server that the tests use: the one that ctest started for this run, or, when the
+/// test binary runs by itself, a private one that is started on first use and stopped at exit.
+/// Throws `std::runtime_error` when there is none to be had.
+class MariaDbServer
+{
+public:
+    static MariaDbServer& instance();
+
+    ~MariaDbServer();
+    MariaDbServer(const MariaDbServer&) = delete;
+    MariaDbServer& operator=(const MariaDbServer&) = delete;
+    MariaDbServer(MariaDbServer&&) = delete;
+    MariaDbServer& operator=(MariaDbServer&&) = delete;
+
+    [[nodiscard]] std::string host() const { return "127.0.0.1"; }
+
+    [[nodiscard]] int port() const { return port_; }
+
+    /// An account that may create and use databases, and no more; its password has quotes, blanks,
+    /// a backslash and letters outside ASCII.
+    [[nodiscard]] const std::string& user() const { return user_; }
+
+    [[nodiscard]] const std::string& password() const { return password_; }
+
+    /// Runs one statement with all privileges. Throws `std::runtime_error` with the server's
+    /// message.
+    void execute(const std::string& sql) const;
+
+private:
+    MariaDbServer();
+
+    std::string privateFolder_; // empty when ctest started the server
+    int port_ = 0;
+    std::string user_;
+    std::string password_;
+};
+
+/// A database with a name of its own on the server, dropped with this object whoever created it.
+class MariaDbDatabase
+{
+public:
+    enum class Initially { Empty, Missing };
+
+    explicit MariaDbDatabase(Initially initially = Initially::Empty);
+    ~MariaDbDatabase();
+    MariaDbDatabase(const MariaDbDatabase&) = delete;
+    MariaDbDatabase& operator=(const MariaDbDatabase&) = delete;
+    MariaDbDatabase(MariaDbDatabase&&) = delete;
+    MariaDbDatabase& operator=(MariaDbDatabase&&) = delete;
+
+    [[nodiscard]] const std::string& name() const { return name_; }
+
+private:
+    std::string name_;
+};
