@@ -1,0 +1,289 @@
+#include "dbif/connection.h"
+
+#include "dbif/host_string.h"
+#include "dbif/schema.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QSqlDriver>
+#include <QTimeZone>
+#include <QUuid>
+#include <QVariant>
+
+namespace {
+/// Qt loads its SQL drivers only in a process that has an application object. It lives until the
+/// process ends, as Qt wants it.
+void make_application_if_missing()
+{
+    if (QCoreApplication::instance() == nullptr) {
+        static int argumentCount = 1; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
+        static char name[] = "dbapi"; // NOLINT
+        static char* arguments[] = {name}; // NOLINT
+        static QCoreApplication
+            application( // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
+                argumentCount, arguments);
+    }
+}
+
+QSqlError connection_error(const QString& text)
+{
+    return QSqlError(QString(), text, QSqlError::ConnectionError);
+}
+} // namespace
+
+class DBIF_Connection::ManagedConnection
+{
+public:
+    ManagedConnection(dbif::ConnectionParameters parameters, dbif::MissingFile missingFile)
+        : parameters_(std::move(parameters))
+    {
+        // A blank handle, or a driver that there is not, is an invalid connection like any other.
+        dialect_ = dbif::dialect_for(parameters_.driver);
+        if (dialect_ == nullptr) {
+            lastError_ = connection_error(
+                QStringLiteral(
+                    "The database driver \"%1\" is not known. The drivers are SQLITE and MYSQL.")
+                    .arg(dbif::to_qt(parameters_.driver)));
+            return;
+        }
+        if (!dialect_->isServer() && !isFileUsable(missingFile)) {
+            return;
+        }
+        make_application_if_missing();
+        name_ = QUuid::createUuid().toString();
+        open();
+    }
+
+    ~ManagedConnection()
+    {
+        close();
+        if (!name_.isEmpty()) {
+            QSqlDatabase::removeDatabase(name_);
+        }
+    }
+
+    ManagedConnection(const ManagedConnection&) = delete;
+    ManagedConnection& operator=(const ManagedConnection&) = delete;
+
+    void open()
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase(dbif::to_qt(parameters_.driver), name_);
+        if (!database.isValid()) {
+            lastError_ =
+                connection_error(QStringLiteral("The Qt SQL driver \"%1\" is not installed.")
+                                     .arg(dbif::to_qt(parameters_.driver)));
+            return;
+        }
+        dialect_->configure(database, parameters_);
+        if (!database.open()) {
+            lastError_ = database.lastError();
+            return;
+        }
+        lastError_ = dialect_->startSession(database);
+        if (lastError_.isValid()) {
+            database.close();
+            return;
+        }
+        session_ = dialect_->session(database);
+        fileIdentity_ = dialect_->fileIdentity(parameters_.database);
+        database_ = database;
+    }
+
+    void close()
+    {
+        // Whatever holds prepared statements goes before the connection that they belong to.
+        attachment_.reset();
+        session_.reset();
+        database_ = QSqlDatabase();
+    }
+
+    /// A server that went away is reached anew, once; the caller repeats its statement.
+    bool reopenAfter(const QSqlError& error)
+    {
+        if (dialect_ == nullptr || isInTransaction_ || !dialect_->isConnectionLost(error)) {
+            return false;
+        }
+        close();
+        QSqlDatabase::removeDatabase(name_);
+        open();
+        return isValid();
+    }
+
+    [[nodiscard]] bool isValid() const { return session_ != nullptr; }
+
+    dbif::ConnectionParameters parameters_;
+    const dbif::SqlDialect* dialect_ = nullptr;
+    QString name_;
+    QSqlDatabase database_;
+    QSqlError lastError_;
+    std::string fileIdentity_;
+    std::unique_ptr<dbif::SqlSession> session_;
+    std::unique_ptr<dbif::ConnectionAttachment> attachment_;
+    bool isInTransaction_ = false;
+
+private:
+    bool isFileUsable(dbif::MissingFile missingFile)
+    {
+        const QFileInfo file(dbif::to_qt(parameters_.database));
+        if (parameters_.database.empty()) {
+            lastError_ = connection_error(QStringLiteral("The connection names no SQLite file."));
+        } else if (missingFile == dbif::MissingFile::Fail && !file.exists()) {
+            lastError_ = connection_error(
+                QStringLiteral("The SQLite file \"%1\" does not exist.").arg(file.filePath()));
+        } else if (file.isDir()) {
+            lastError_ = connection_error(
+                QStringLiteral("\"%1\" is a folder, not an SQLite file.").arg(file.filePath()));
+        } else {
+            return true;
+        }
+        return false;
+    }
+};
+
+DBIF_Connection::DBIF_Connection(
+    const char* driver,
+    const char* host,
+    const char* database,
+    const char* user,
+    const char* password,
+    int port,
+    dbif::MissingFile missingFile)
+    : managed_(std::make_shared<ManagedConnection>(
+          dbif::ConnectionParameters{driver, host, database, user, password, port},
+          missingFile))
+{}
+
+bool DBIF_Connection::isValid() const
+{
+    return managed_->isValid();
+}
+
+QSqlError DBIF_Connection::lastError() const
+{
+    return managed_->lastError_;
+}
+
+QSqlQuery DBIF_Connection::query(const QString& sql, int /*option*/, const char* file, int line)
+{
+    if (!isValid()) {
+        throw DBIF_Exception(sql, managed_->lastError_, QString::fromUtf8(file), line);
+    }
+    for (bool isRetry = false;; isRetry = true) {
+        QSqlQuery query(managed_->database_);
+        query.setForwardOnly(false);
+        if (query.exec(sql)) {
+            return query;
+        }
+        const QSqlError error = query.lastError();
+        query.clear();
+        managed_->lastError_ = error;
+        if (isRetry || !managed_->reopenAfter(error)) {
+            throw DBIF_Exception(sql, error, QString::fromUtf8(file), line);
+        }
+    }
+}
+
+QDateTime DBIF_Connection::queryDateTime(const QString& sql, int option, const char* file, int line)
+{
+    QSqlQuery result = query(sql, option, file, line);
+    if (!result.next() || result.isNull(0)) {
+        return {};
+    }
+    QDateTime time = QDateTime::fromString(result.value(0).toString(), Qt::ISODateWithMs);
+    time.setTimeZone(QTimeZone::utc());
+    return time;
+}
+
+void DBIF_Connection::execute(const dbif::SqlText& sql, const char* file, int line)
+{
+    query(sql.toQt(), 0, file, line);
+}
+
+void DBIF_Connection::beginTransaction()
+{
+    execute(dialect().beginRead(), __FILE__, __LINE__);
+    managed_->isInTransaction_ = true;
+}
+
+void DBIF_Connection::beginWriteTransaction()
+{
+    execute(dialect().beginWrite(), __FILE__, __LINE__);
+    managed_->isInTransaction_ = true;
+}
+
+void DBIF_Connection::commitTransaction()
+{
+    execute(dbif::SqlText("COMMIT"), __FILE__, __LINE__);
+    managed_->isInTransaction_ = false;
+}
+
+void DBIF_Connection::endTransaction()
+{
+    if (!managed_->isInTransaction_) {
+        return;
+    }
+    // Runs in destructors: a failure leaves the connection to the next statement's error.
+    managed_->isInTransaction_ = false;
+    QSqlQuery(managed_->database_).exec(QStringLiteral("COMMIT"));
+}
+
+void DBIF_Connection::rollbackTransaction()
+{
+    managed_->isInTransaction_ = false;
+    QSqlQuery(managed_->database_).exec(QStringLiteral("ROLLBACK"));
+}
+
+bool DBIF_Connection::isInTransaction() const
+{
+    return managed_->isInTransaction_;
+}
+
+void DBIF_Connection::initializeSchemaIfMissing()
+{
+    if (!isValid()) {
+        throw DBIF_Exception(QString(), managed_->lastError_, QStringLiteral(__FILE__), __LINE__);
+    }
+    dbif::initialize_schema(managed_->database_, dialect());
+}
+
+const dbif::SqlDialect& DBIF_Connection::dialect() const
+{
+    if (managed_->dialect_ == nullptr) {
+        throw DBIF_Exception(QString(), managed_->lastError_, QStringLiteral(__FILE__), __LINE__);
+    }
+    return *managed_->dialect_;
+}
+
+QSqlDatabase DBIF_Connection::database() const
+{
+    return managed_->database_;
+}
+
+dbif::SqlSession& DBIF_Connection::session() const
+{
+    if (!isValid()) {
+        throw DBIF_Exception(QString(), managed_->lastError_, QStringLiteral(__FILE__), __LINE__);
+    }
+    return *managed_->session_;
+}
+
+dbif::ChangeToken DBIF_Connection::changeToken()
+{
+    return session().changeToken();
+}
+
+bool DBIF_Connection::isSameFile() const
+{
+    return managed_->dialect_ == nullptr ||
+           managed_->dialect_->fileIdentity(managed_->parameters_.database) ==
+               managed_->fileIdentity_;
+}
+
+dbif::ConnectionAttachment& DBIF_Connection::attachment(
+    const std::function<std::unique_ptr<dbif::ConnectionAttachment>()>& make)
+{
+    if (managed_->attachment_ == nullptr) {
+        managed_->attachment_ = make();
+    }
+    return *managed_->attachment_;
+}

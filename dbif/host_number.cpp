@@ -1,0 +1,242 @@
+#include "dbif/host_number.h"
+
+#include "dbif/host_string.h"
+
+#include <array>
+#include <charconv>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+namespace {
+struct Scale
+{
+    std::string_view letters;
+    int exponent;
+};
+
+// MEG stands before M, which is its prefix.
+constexpr std::array<Scale, 12> kScales{
+    {{"MEG", 6},
+     {"T", 12},
+     {"G", 9},
+     {"X", 6},
+     {"K", 3},
+     {"M", -3},
+     {"U", -6},
+     {"N", -9},
+     {"P", -12},
+     {"F", -15},
+     {"A", -18},
+     {"", 0}}};
+
+constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
+
+std::size_t count_digits(std::string_view text, std::size_t from)
+{
+    std::size_t end = from;
+    while (end < text.size() && text[end] >= '0' && text[end] <= '9') {
+        ++end;
+    }
+    return end - from;
+}
+
+/// The length of "digits[.digits]" at `from`; 0 when there is no digit.
+std::size_t mantissa_length(std::string_view text, std::size_t from)
+{
+    const std::size_t whole = count_digits(text, from);
+    std::size_t end = from + whole;
+    std::size_t fraction = 0;
+    if (end < text.size() && text[end] == '.') {
+        fraction = count_digits(text, end + 1);
+        end += 1 + fraction;
+    }
+    return whole + fraction == 0 ? 0 : end - from;
+}
+
+/// The length of "E[sign]digits" at `from`; 0 when there is none.
+std::size_t exponent_length(std::string_view text, std::size_t from)
+{
+    if (from >= text.size() || text[from] != 'E') {
+        return 0;
+    }
+    std::size_t sign =
+        from + 1 < text.size() && (text[from + 1] == '+' || text[from + 1] == '-') ? 1 : 0;
+    const std::size_t digits = count_digits(text, from + 1 + sign);
+    return digits == 0 ? 0 : 1 + sign + digits;
+}
+
+bool find_scale(std::string_view letters, int* exponent)
+{
+    for (const Scale& scale : kScales) {
+        if (letters == scale.letters) {
+            *exponent = scale.exponent;
+            return true;
+        }
+    }
+    return false;
+}
+
+/// One sign, then the mantissa with its exponent shifted by the scale, so that rounding happens
+/// once.
+double read_decimal(std::string_view mantissa, std::string_view exponent, int scale)
+{
+    int shift = 0;
+    if (!exponent.empty()) {
+        const char* digits = exponent.data() + (exponent[1] == '+' ? 2 : 1);
+        const char* end = exponent.data() + exponent.size();
+        if (std::from_chars(digits, end, shift).ec != std::errc()) {
+            shift = exponent[1] == '-' ? -99999 : 99999;
+        }
+    }
+    const std::string decimal = std::string(mantissa) + "e" + std::to_string(shift + scale);
+    double number = 0;
+    const auto result = std::from_chars(decimal.data(), decimal.data() + decimal.size(), number);
+    if (result.ec == std::errc::result_out_of_range) {
+        // from_chars leaves the number alone; it is too large, or so small that it is zero.
+        const bool isZero = shift + scale < 0;
+        return isZero ? 0.0 : kNoNumber;
+    }
+    return result.ec == std::errc() ? number : kNoNumber;
+}
+} // namespace
+
+namespace dbif {
+double read_engineering_number(std::string_view given)
+{
+    const std::string text = upper_case(trimmed(given));
+    const std::size_t sign = !text.empty() && (text[0] == '+' || text[0] == '-') ? 1 : 0;
+    const std::size_t mantissa = mantissa_length(text, sign);
+    if (mantissa == 0) {
+        return kNoNumber;
+    }
+    const std::size_t exponent = exponent_length(text, sign + mantissa);
+    int scale = 0;
+    const std::string_view all = text;
+    if (!find_scale(all.substr(sign + mantissa + exponent), &scale)) {
+        return kNoNumber;
+    }
+    const double number =
+        read_decimal(all.substr(sign, mantissa), all.substr(sign + mantissa, exponent), scale);
+    return text[0] == '-' ? -number : number;
+}
+
+namespace {
+/// Digits and decimal point position of a number: value = 0.d1d2d3... x 10^point.
+struct Decimal
+{
+    std::array<char, 20> digits;
+    int count = 0;
+    int point = 0;
+};
+
+Decimal shortest_decimal(double magnitude)
+{
+    std::array<char, kLongestDouble> text{};
+    const auto end =
+        std::to_chars(
+            text.data(), text.data() + text.size(), magnitude, std::chars_format::scientific)
+            .ptr;
+    Decimal decimal;
+    const char* at = text.data();
+    for (; *at != 'e'; ++at) {
+        if (*at != '.') {
+            decimal.digits.at(static_cast<std::size_t>(decimal.count++)) = *at;
+        }
+    }
+    const bool negative = at[1] == '-';
+    int exponent = 0;
+    std::from_chars(at + 2, end, exponent);
+    decimal.point = (negative ? -exponent : exponent) + 1;
+    return decimal;
+}
+
+char* append(char* out, const char* text, int count)
+{
+    std::memcpy(out, text, static_cast<std::size_t>(count));
+    return out + count;
+}
+
+char* append_zeros(char* out, int count)
+{
+    std::memset(out, '0', static_cast<std::size_t>(count));
+    return out + count;
+}
+
+char* write_plain(const Decimal& decimal, char* out)
+{
+    if (decimal.point <= 0) {
+        out = append_zeros(append(out, "0.", 2), -decimal.point);
+        return append(out, decimal.digits.data(), decimal.count);
+    }
+    if (decimal.point >= decimal.count) {
+        out = append(out, decimal.digits.data(), decimal.count);
+        return append_zeros(out, decimal.point - decimal.count);
+    }
+    out = append(out, decimal.digits.data(), decimal.point);
+    *out++ = '.';
+    return append(out, decimal.digits.data() + decimal.point, decimal.count - decimal.point);
+}
+
+char* write_scientific(const Decimal& decimal, char* out)
+{
+    *out++ = decimal.digits[0];
+    if (decimal.count > 1) {
+        *out++ = '.';
+        out = append(out, decimal.digits.data() + 1, decimal.count - 1);
+    }
+    const int exponent = decimal.point - 1;
+    *out++ = 'e';
+    *out++ = exponent < 0 ? '-' : '+';
+    const int magnitude = std::abs(exponent);
+    if (magnitude < 10) {
+        *out++ = '0';
+    }
+    return std::to_chars(out, out + 4, magnitude).ptr;
+}
+
+/// Qt's choice between the two layouts: the shorter one, plain where they are even.
+bool is_plain(const Decimal& decimal)
+{
+    const int magnitude = std::abs(decimal.point - 1);
+    const int scientific = decimal.count + (decimal.count > 1 ? 1 : 0) + (magnitude > 99 ? 5 : 4);
+    if (decimal.point <= 0) {
+        return 2 - decimal.point + decimal.count <= scientific;
+    }
+    const int plain = decimal.count > decimal.point ? decimal.count + 1 : decimal.point;
+    return plain <= scientific;
+}
+} // namespace
+
+char* format_double(double number, char* buffer)
+{
+    if (number == 0) {
+        *buffer = '0';
+        return buffer + 1;
+    }
+    if (!(number - number == 0)) {
+        const char* word = number != number
+                               ? "nan"
+                               : (number < 0 ? "-inf" : "inf"); // NOLINT(misc-redundant-expression)
+        return append(buffer, word, static_cast<int>(std::strlen(word)));
+    }
+    char* out = buffer;
+    if (number < 0) {
+        *out++ = '-';
+        number = -number;
+    }
+    const Decimal decimal = shortest_decimal(number);
+    return is_plain(decimal) ? write_plain(decimal, out) : write_scientific(decimal, out);
+}
+
+std::string double_text(double number)
+{
+    std::array<char, kLongestDouble> buffer{};
+    return {buffer.data(), format_double(number, buffer.data())};
+}
+} // namespace dbif
+
+double enot_to_dbl(const char* text)
+{
+    return text == nullptr ? kNoNumber : dbif::read_engineering_number(text);
+}

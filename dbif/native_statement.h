@@ -1,0 +1,52 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+namespace dbif {
+/// One prepared statement of a database's own C client. Positions count from 0. Every member throws
+/// `DBIF_Exception` when the client reports an error.
+class NativeStatement
+{
+public:
+    NativeStatement() = default;
+    virtual ~NativeStatement() = default;
+    NativeStatement(const NativeStatement&) = delete;
+    NativeStatement& operator=(const NativeStatement&) = delete;
+
+    /// The values of the next run. Texts and blobs are copied.
+    virtual void bindInteger(int parameter, long long value) = 0;
+
+    /// Moves to the next row, running the statement first where needed; false when there is none
+    /// left.
+    virtual bool step() = 0;
+    /// Gives up the rows that are left, so that the statement can run again with other values.
+    virtual void reset() = 0;
+
+    /// Cells of the row. Texts and blobs stay valid until the next `step` or `reset`; NULL reads as
+    /// 0 or as nothing.
+    virtual bool isNull(int column) = 0;
+    virtual long long integer(int column) = 0;
+    virtual double number(int column) = 0;
+    virtual std::string_view text(int column) = 0;
+};
+
+/// Inserts rows into one table: a value per column in order, then `endRow`. Rows may be sent in
+/// batches, so an error can show as late as `flush`, which has to be called at the end.
+class RowInserter
+{
+public:
+    RowInserter() = default;
+    virtual ~RowInserter() = default;
+    RowInserter(const RowInserter&) = delete;
+    RowInserter& operator=(const RowInserter&) = delete;
+
+    virtual RowInserter& null() = 0;
+    virtual RowInserter& integer(long long value) = 0;
+    virtual RowInserter& number(double value) = 0;
+    virtual RowInserter& text(std::string_view value) = 0;
+    virtual RowInserter& blob(std::string_view value) = 0;
+    virtual void endRow() = 0;
+    virtual void flush() = 0;
+};
+} // namespace dbif

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <QString>
+
+#include <array>
+#include <span>
+#include <string>
+#include <string_view>
+
+/// The texts that the layer publishes for data types and data origins.
+inline const QString DOUBLE_DATATYPE =
+    QStringLiteral("DOUBLE"); // NOLINT(readability-identifier-naming)
+inline const QString TEXT_DATATYPE =
+    QStringLiteral("TEXT"); // NOLINT(readability-identifier-naming)
+inline const QString COMPLEX_NUMBER_DATATYPE =
+    QStringLiteral("COMPLEX"); // NOLINT(readability-identifier-naming)
+inline const QString COMPLEX_MATRIX_DATATYPE =
+    QStringLiteral("MATRIX"); // NOLINT(readability-identifier-naming)
+inline const QString MEASURED_DATA_ORIGIN =
+    QStringLiteral("MEASURED"); // NOLINT(readability-identifier-naming)
+inline const QString SIMULATED_DATA_ORIGIN =
+    QStringLiteral("SIMULATED");                            // NOLINT(readability-identifier-naming)
+inline const QString SQL_NULL = QStringLiteral("SQL_NULL"); // NOLINT(readability-identifier-naming)
+
+namespace dbif {
+/// The record tables, in the order in which a table name is looked up.
+enum class RecordTable {
+    CatalogEntry,
+    Device,
+    Die,
+    Measurement,
+    MeasurementCondition,
+    Routine,
+    Setup
+};
+
+inline constexpr std::array kRecordTables{
+    RecordTable::CatalogEntry,
+    RecordTable::Device,
+    RecordTable::Die,
+    RecordTable::Measurement,
+    RecordTable::MeasurementCondition,
+    RecordTable::Routine,
+    RecordTable::Setup};
+
+/// What tells the keys of a table apart, besides name and data type.
+enum class KeyKind { None, Plain, Category, Direction };
+
+/// What a fixed column holds. A number is compared approximately, an id exactly, a text by its
+/// characters.
+enum class FixedKind { Id, Number, Text };
+
+/// How a fixed column is indexed.
+enum class Indexed { No, Yes };
+
+struct FixedColumnFacts
+{
+    std::string_view name;
+    FixedKind kind = FixedKind::Text;
+    Indexed indexed = Indexed::No;
+};
+
+/// The column of a table that holds the id of a record in `parent`.
+struct ParentLink
+{
+    RecordTable parent;
+    std::string_view column;
+};
+
+/// All that differs between the record tables.
+struct TableFacts
+{
+    RecordTable table;
+    std::string_view name;
+    KeyKind keys;
+    std::span<const ParentLink> parents;
+    std::span<const FixedColumnFacts> fixedColumns;
+    /// The columns whose digest identifies a record; empty for tables whose records are always new.
+    std::span<const std::string_view> identity;
+
+    [[nodiscard]] std::string linkColumn() const { return std::string(name) + "_id"; }
+
+    [[nodiscard]] std::string columnTable() const { return std::string(name) + "_column"; }
+
+    [[nodiscard]] std::string columnLink() const { return std::string(name) + "_column_id"; }
+
+    [[nodiscard]] std::string dataTable() const { return std::string(name) + "_data"; }
+
+    [[nodiscard]] std::string associationTable() const
+    {
+        return std::string(name) + "_association";
+    }
+
+    /// Whether later records supersede earlier ones.
+    [[nodiscard]] bool hasLatest() const
+    {
+        return table == RecordTable::Measurement || table == RecordTable::Setup;
+    }
+
+    [[nodiscard]] std::string latestView() const { return "latest_" + std::string(name); }
+};
+
+const TableFacts& facts(RecordTable table);
+/// The record table of that name; null when there is none.
+const TableFacts* find_table(std::string_view name);
+/// The record table whose keys stand in the data table of that name; null when there is none.
+const TableFacts* find_data_table(std::string_view dataTable);
+} // namespace dbif

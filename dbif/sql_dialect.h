@@ -1,0 +1,137 @@
+#pragma once
+
+#include "dbif/native_statement.h"
+#include "dbif/sql_text.h"
+
+#include <QSqlDatabase>
+#include <QSqlError>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace dbif {
+/// Where a connection leads.
+struct ConnectionParameters
+{
+    std::string driver;
+    std::string host;
+    std::string database;
+    std::string user;
+    std::string password;
+    int port = 0;
+};
+
+/// A token that changes whenever the data that a connection would read may have changed. Two equal
+/// tokens prove that nothing changed; a default-made one proves nothing.
+struct ChangeToken
+{
+    bool known = false;
+    long long otherWriters = 0;
+    long long ownChanges = 0;
+
+    friend bool operator==(const ChangeToken& a, const ChangeToken& b)
+    {
+        return a.known && b.known && a.otherWriters == b.otherWriters &&
+               a.ownChanges == b.ownChanges;
+    }
+};
+
+/// An open connection seen through the database's own C client. Ends before the Qt connection it
+/// stands on.
+class SqlSession
+{
+public:
+    SqlSession() = default;
+    virtual ~SqlSession() = default;
+    SqlSession(const SqlSession&) = delete;
+    SqlSession& operator=(const SqlSession&) = delete;
+
+    virtual std::unique_ptr<NativeStatement> prepare(const SqlText& sql) = 0;
+    virtual std::unique_ptr<RowInserter>
+    inserter(const SqlName& table, const std::vector<SqlName>& columns) = 0;
+    virtual ChangeToken changeToken() = 0;
+    /// The version of the database engine, for people.
+    virtual std::string version() = 0;
+};
+
+/// The names of the column types of a schema.
+struct SqlTypes
+{
+    SqlText id;
+    SqlText integer;
+    SqlText number;
+    SqlText text;
+    SqlText time;
+    SqlText digest;
+    SqlText blob;
+};
+
+/// A closed range of numbers.
+struct NumberRange
+{
+    double low;
+    double high;
+};
+
+/// What differs between database engines, as one object of answers. Everything else is plain SQL.
+class SqlDialect
+{
+public:
+    SqlDialect() = default;
+    virtual ~SqlDialect() = default;
+    SqlDialect(const SqlDialect&) = delete;
+    SqlDialect& operator=(const SqlDialect&) = delete;
+
+    /// Name of the engine, for people.
+    [[nodiscard]] virtual std::string name() const = 0;
+    [[nodiscard]] virtual bool isServer() const = 0;
+
+    /// Sets the parameters and options of a Qt connection that is not open yet.
+    virtual void
+    configure(QSqlDatabase& database, const ConnectionParameters& parameters) const = 0;
+    /// Brings a connection just opened into the state that the generated SQL expects, and proves
+    /// that it reads; the error when it does not.
+    [[nodiscard]] virtual QSqlError startSession(QSqlDatabase& database) const = 0;
+    [[nodiscard]] virtual std::unique_ptr<SqlSession>
+    session(const QSqlDatabase& database) const = 0;
+    /// Whether the error says that the server closed the connection.
+    [[nodiscard]] virtual bool isConnectionLost(const QSqlError& error) const = 0;
+    /// A text that identifies the file behind the connection; empty for a server or a missing file.
+    [[nodiscard]] virtual std::string fileIdentity(const std::string& database) const = 0;
+
+    [[nodiscard]] virtual SqlText beginRead() const = 0;
+    [[nodiscard]] virtual SqlText beginWrite() const = 0;
+
+    [[nodiscard]] virtual SqlTypes types() const = 0;
+    /// What follows the closing parenthesis of CREATE TABLE; `clustered`: rows stand in the order
+    /// of the primary key.
+    [[nodiscard]] virtual SqlText
+    tableOptions(const QSqlDatabase& database, bool clustered) const = 0;
+    /// A text column as part of an index.
+    [[nodiscard]] virtual SqlText indexedText(const SqlName& column) const = 0;
+    /// What restricts an index to the rows that have a value in `column`, where the engine can do
+    /// that.
+    [[nodiscard]] virtual SqlText whereHasValue(const SqlName& column) const = 0;
+    /// Statements that run once, outside a transaction, before the schema is created.
+    virtual void prepareStorage(QSqlDatabase& database) const = 0;
+    /// Yields the names of all tables and views of the database.
+    [[nodiscard]] virtual SqlText listTables() const = 0;
+    /// Collects statistics for the planner.
+    [[nodiscard]] virtual std::vector<SqlText>
+    analyze(const std::vector<SqlName>& tables) const = 0;
+    /// The join of the table on the left, kept on the left by the planner.
+    [[nodiscard]] virtual SqlText orderedJoin() const = 0;
+    /// A sub-select of number ranges with the columns `low` and `high`.
+    [[nodiscard]] virtual SqlText rangeTable(const std::vector<NumberRange>& ranges) const = 0;
+    /// Creates a temporary table of the session with one column `id`.
+    [[nodiscard]] virtual SqlText createIdTable(const SqlName& name) const = 0;
+    /// What stands before a statement to see its plan.
+    [[nodiscard]] virtual SqlText explain() const = 0;
+};
+
+/// The dialect of a Qt driver; null for a driver that is not supported.
+const SqlDialect* dialect_for(const std::string& driver);
+const SqlDialect& sqlite_dialect();
+const SqlDialect& mysql_dialect();
+} // namespace dbif

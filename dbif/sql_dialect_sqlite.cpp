@@ -1,0 +1,155 @@
+#include "dbif/host_string.h"
+#include "dbif/native_session_sqlite.h"
+#include "dbif/sql_dialect.h"
+
+#include <QFileInfo>
+#include <QSqlQuery>
+#include <QStorageInfo>
+
+#include <array>
+#include <sys/stat.h>
+#include <sys/vfs.h>
+
+namespace dbif {
+namespace {
+constexpr int kBusyMilliseconds = 5000;
+
+/// File systems that several machines share. WAL needs memory that all its users share, so it is
+/// not safe there.
+bool is_on_network(const QString& path)
+{
+    const QByteArray type = QStorageInfo(QFileInfo(path).absolutePath()).fileSystemType();
+    constexpr std::array kNetworkTypes{"nfs",  "cifs",   "smb",  "9p",        "afs",
+                                       "ceph", "lustre", "gpfs", "fuse.sshfs"};
+    for (const char* network : kNetworkTypes) {
+        if (type.startsWith(network)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+QSqlError run(QSqlDatabase& database, const QString& sql)
+{
+    QSqlQuery query(database);
+    return query.exec(sql) ? QSqlError() : query.lastError();
+}
+
+class SqliteDialect final : public SqlDialect
+{
+public:
+    [[nodiscard]] std::string name() const override { return "SQLite"; }
+
+    [[nodiscard]] bool isServer() const override { return false; }
+
+    void configure(QSqlDatabase& database, const ConnectionParameters& parameters) const override
+    {
+        database.setDatabaseName(to_qt(parameters.database));
+        database.setConnectOptions(
+            QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(kBusyMilliseconds));
+    }
+
+    [[nodiscard]] QSqlError startSession(QSqlDatabase& database) const override
+    {
+        // Opening reads nothing; the first look at the schema shows whether this is a database.
+        return run(database, QStringLiteral("SELECT count(*) FROM sqlite_master"));
+    }
+
+    [[nodiscard]] std::unique_ptr<SqlSession> session(const QSqlDatabase& database) const override
+    {
+        return open_sqlite_session(database);
+    }
+
+    [[nodiscard]] bool isConnectionLost(const QSqlError& /*error*/) const override { return false; }
+
+    [[nodiscard]] std::string fileIdentity(const std::string& database) const override
+    {
+        struct stat status
+        {};
+
+        if (stat(database.c_str(), &status) != 0) {
+            return {};
+        }
+        return std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
+    }
+
+    [[nodiscard]] SqlText beginRead() const override { return "BEGIN"; }
+
+    [[nodiscard]] SqlText beginWrite() const override { return "BEGIN IMMEDIATE"; }
+
+    [[nodiscard]] SqlTypes types() const override
+    {
+        return {SqlText("INTEGER"), SqlText("INTEGER"), SqlText("REAL"), SqlText("TEXT"),
+                SqlText("TEXT"),    SqlText("BLOB"),    SqlText("BLOB")};
+    }
+
+    [[nodiscard]] SqlText
+    tableOptions(const QSqlDatabase& /*database*/, bool clustered) const override
+    {
+        return clustered ? SqlText(" WITHOUT ROWID") : SqlText();
+    }
+
+    [[nodiscard]] SqlText indexedText(const SqlName& column) const override
+    {
+        SqlText text;
+        text << column;
+        return text;
+    }
+
+    [[nodiscard]] SqlText whereHasValue(const SqlName& column) const override
+    {
+        SqlText text;
+        text << " WHERE " << column << " IS NOT NULL";
+        return text;
+    }
+
+    void prepareStorage(QSqlDatabase& database) const override
+    {
+        run(database, QStringLiteral("PRAGMA page_size = 8192"));
+        if (!is_on_network(database.databaseName())) {
+            run(database, QStringLiteral("PRAGMA journal_mode = WAL"));
+        }
+    }
+
+    [[nodiscard]] SqlText listTables() const override
+    {
+        return "SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND name NOT LIKE 'sqlite!_%' "
+               "ESCAPE '!'";
+    }
+
+    [[nodiscard]] std::vector<SqlText>
+    analyze(const std::vector<SqlName>& /*tables*/) const override
+    {
+        return {SqlText("ANALYZE")};
+    }
+
+    [[nodiscard]] SqlText orderedJoin() const override { return " CROSS JOIN "; }
+
+    [[nodiscard]] SqlText rangeTable(const std::vector<NumberRange>& ranges) const override
+    {
+        SqlText text = "(SELECT column1 AS low, column2 AS high FROM (VALUES ";
+        bool first = true;
+        for (const NumberRange& range : ranges) {
+            text << (first ? SqlText("(") : SqlText(", (")) << range.low << ", " << range.high
+                 << ")";
+            first = false;
+        }
+        return text << "))";
+    }
+
+    [[nodiscard]] SqlText createIdTable(const SqlName& table) const override
+    {
+        SqlText text;
+        return text << "CREATE TEMPORARY TABLE " << table << " (id INTEGER PRIMARY KEY)";
+    }
+
+    [[nodiscard]] SqlText explain() const override { return "EXPLAIN QUERY PLAN "; }
+};
+} // namespace
+
+const SqlDialect& sqlite_dialect()
+{
+    static const SqliteDialect dialect;
+    return dialect;
+}
+} // namespace dbif

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <QString>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace dbif {
+/// An identifier; written in double quotes only where it is not a plain lower-case word.
+struct SqlName
+{
+    std::string name;
+
+    explicit SqlName(std::string_view given) : name(given) {}
+};
+
+/// A text value; written in single quotes, with quotes inside doubled. No stored text holds a zero
+/// byte, so one in a literal becomes U+FFFD, which equals nothing.
+struct SqlLiteral
+{
+    std::string text;
+
+    explicit SqlLiteral(std::string_view given) : text(given) {}
+};
+
+/// A statement or part of one, UTF-8, put together from string literals of the source code, names,
+/// values and numbers. A text that comes from outside does not compile into it: it has to be a
+/// `SqlName` or a `SqlLiteral`, which are escaped.
+class SqlText
+{
+public:
+    SqlText() = default;
+
+    template <std::size_t N>
+    SqlText(const char (&literal)[N]) : text_(literal, N - 1) // NOLINT(google-explicit-constructor)
+    {}
+
+    template <std::size_t N>
+    SqlText(char (&buffer)[N]) = delete;
+
+    template <std::size_t N>
+    SqlText& operator<<(const char (&literal)[N])
+    {
+        text_.append(literal, N - 1);
+        return *this;
+    }
+
+    SqlText& operator<<(const SqlText& other)
+    {
+        text_ += other.text_;
+        return *this;
+    }
+
+    SqlText& operator<<(const SqlName& name);
+    SqlText& operator<<(const SqlLiteral& literal);
+    /// The shortest decimal text of a finite number.
+    SqlText& operator<<(double number);
+    SqlText& operator<<(long long number);
+
+    SqlText& operator<<(int number) { return *this << static_cast<long long>(number); }
+
+    [[nodiscard]] bool isEmpty() const { return text_.empty(); }
+
+    [[nodiscard]] const std::string& utf8() const { return text_; }
+
+    [[nodiscard]] QString toQt() const;
+
+private:
+    std::string text_;
+};
+
+/// "table.column".
+SqlText qualified(std::string_view table, std::string_view column);
+} // namespace dbif
