@@ -1,5 +1,4 @@
 #include <dbapi/dbapi.h>
-
 #include <iostream>
 #include <set>
 #include <string>

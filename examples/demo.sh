@@ -1,0 +1,49 @@
+#!/bin/bash
+# The command line tool on the shipped measurements, from an empty database to the first answers.
+# Run from the root of the tree with the directory of the `dbapi` command in PATH: `./setup demo` does both.
+# Everything it writes stands in demo/, which each run makes anew.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+bold='' plain=''
+if [ -t 1 ] && [ -z "${NO_COLOR:-}" ]; then bold=$'\e[1m' plain=$'\e[0m'; fi
+
+# Says what comes ($1), shows the command line ($2) as one would type it, and runs it.
+show() {
+    printf '\n%s\n%s$ %s%s\n' "# $1" "$bold" "$2" "$plain"
+    eval "$2"
+}
+
+rm -rf demo
+mkdir -p demo/connections
+export VANTO_DB_CONNECTIONS_DIRECTORY=$PWD/demo/connections
+
+show 'Name a database; an SQLite file is made where there is none.' \
+    'dbapi connection add demo --sqlite demo/measurements.db'
+show 'Read the shipped sweeps of transistors and diodes into it.' \
+    'dbapi import demo examples/measurements'
+
+show 'Which devices are 5 to 10 um wide and at most 0.15 um long? Numbers are in engineering notation.' \
+    "dbapi values demo '\$DEVNAME' W L -q 'W=[5u,10u];L<=0.15u' --distinct --format table"
+
+sweep='$DEVNAME=nfet_01v8_w7u_l0p15u_m1;$SUBSITE=8434;$DEVID=10_11;IND.VD=0.1;IND.VB=0;IND.VG=[0.5,0.8]'
+show 'One sweep, gate voltage and drain current side by side: the points of a transistor around its threshold.' \
+    "dbapi values demo IND.VG OUTD.ID -q '$sweep' --format table"
+show 'Which devices carry more than 10 mA?' \
+    "dbapi values demo '\$DEVNAME' ID_absmax -q 'ID_absmax>10m' --distinct --format table"
+
+file=nfet_01v8_w7u_l0p15u_m1__8434_10_11__D1__IDVG.csv
+setup='$DEVNAME=nfet_01v8_w7u_l0p15u_m1;$SUBSITE=8434;$DEVID=10_11;$SETNAME=IDVG'
+show 'A file that is imported again supersedes its older self ...' \
+    "dbapi import demo examples/measurements/$file"
+show '... so that a question finds the latest measurement only ...' \
+    "dbapi values demo '\$DEVNAME' '\$MEASDBID' '\$MEASTIME' -q '$setup' --format table"
+show '... unless it asks for all of them. Nothing is ever overwritten.' \
+    "dbapi values demo '\$DEVNAME' '\$MEASDBID' '\$MEASTIME' -q 'ALLDATA: $setup' --format table"
+
+cat <<'END'
+
+The database stays in demo/measurements.db. To go on asking:
+  export VANTO_DB_CONNECTIONS_DIRECTORY=$PWD/demo/connections PATH=$PWD/build/release/tools/dbapi:$PATH
+  dbapi keys demo device
+END
