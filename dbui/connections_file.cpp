@@ -1,0 +1,209 @@
+#include "dbui/connections_file.h"
+
+#include "dbif/error_text.h"
+#include "dbui/connection_listener.h"
+#include "dbui/connections_path.h"
+#include "dbui/guarded_file.h"
+#include "dbui/password_scramble.h"
+
+#include <tinyxml2.h>
+
+#include <algorithm>
+
+namespace {
+constexpr const char* kRoot = "DB_Connections";
+constexpr const char* kConnection = "DbConnection";
+
+using Connections = std::vector<DbuiConnection>;
+using dbui::FileContent;
+
+std::string attribute(const tinyxml2::XMLElement& element, const char* name)
+{
+    const char* value = element.Attribute(name);
+    return value == nullptr ? std::string() : std::string(value);
+}
+
+DbuiConnection read_element(const tinyxml2::XMLElement& element)
+{
+    const std::string name = attribute(element, "ConnectionName");
+    const std::string host = attribute(element, "Hostname");
+    const std::string port = attribute(element, "Port");
+    const std::string database = attribute(element, "DatabaseName");
+    const std::string user = attribute(element, "User");
+    std::string password;
+    decode_pwd_from_hex_string(
+        attribute(element, "Pwd"), &password, user, name, database, host, port);
+    return {name, attribute(element, "DbDriverName"), host, port, database, user, password};
+}
+
+/// False, with an empty list, when the bytes are no XML document.
+bool read_document(const std::string& bytes, Connections* connections)
+{
+    tinyxml2::XMLDocument document;
+    if (document.Parse(bytes.data(), bytes.size()) != tinyxml2::XML_SUCCESS) {
+        return false;
+    }
+    const tinyxml2::XMLElement* root = document.FirstChildElement(kRoot);
+    const tinyxml2::XMLElement* element =
+        root == nullptr ? nullptr : root->FirstChildElement(kConnection);
+    for (; element != nullptr; element = element->NextSiblingElement()) {
+        const DbuiConnection connection = read_element(*element);
+        if (!connection.get_connectionName().empty() &&
+            std::find(connections->begin(), connections->end(), connection) == connections->end()) {
+            connections->push_back(connection);
+        }
+    }
+    return true;
+}
+
+void set_unless_empty(tinyxml2::XMLElement* element, const char* name, const std::string& value)
+{
+    if (!value.empty()) {
+        element->SetAttribute(name, value.c_str());
+    }
+}
+
+void write_element(const DbuiConnection& connection, tinyxml2::XMLElement* element)
+{
+    std::string password;
+    encode_pwd_to_hex_string(
+        connection.get_databasePassword(), &password, connection.get_databaseUsername(),
+        connection.get_connectionName(), connection.get_databaseName(), connection.get_hostname(),
+        connection.get_port_as_string());
+
+    element->SetAttribute("ConnectionName", connection.get_connectionName().c_str());
+    element->SetAttribute("DbDriverName", connection.get_dbDriverName().c_str());
+    set_unless_empty(element, "Hostname", connection.get_hostname());
+    set_unless_empty(element, "Port", connection.get_port_as_string());
+    element->SetAttribute("DatabaseName", connection.get_databaseName().c_str());
+    set_unless_empty(element, "User", connection.get_databaseUsername());
+    set_unless_empty(element, "Pwd", password);
+}
+
+std::string text_of(const tinyxml2::XMLDocument& document)
+{
+    tinyxml2::XMLPrinter printer;
+    document.Print(&printer);
+    return printer.CStr();
+}
+
+void declare(tinyxml2::XMLDocument* document)
+{
+    document->InsertEndChild(document->NewDeclaration("xml version=\"1.0\""));
+}
+
+std::string empty_document()
+{
+    tinyxml2::XMLDocument document;
+    declare(&document);
+    return text_of(document);
+}
+
+std::string document_of(const Connections& connections)
+{
+    tinyxml2::XMLDocument document;
+    declare(&document);
+    tinyxml2::XMLElement* root = document.NewElement(kRoot);
+    document.InsertEndChild(root);
+    for (const DbuiConnection& connection : connections) {
+        write_element(connection, root->InsertNewChildElement(kConnection));
+    }
+    return text_of(document);
+}
+
+/// Makes the file unless something stands at its path.
+bool create_file(const std::string& path)
+{
+    const std::string target = dbui::follow_links(path);
+    const dbui::FileLock lock(target);
+    if (!lock.is_held()) {
+        return false;
+    }
+    // Another process may have made it before the lock was ours.
+    const FileContent::State state = dbui::read_whole_file(target).state;
+    return state == FileContent::State::Read ||
+           (state == FileContent::State::Missing && dbui::replace_file(target, empty_document()));
+}
+
+bool change_file(const std::string& path, const std::function<void(Connections*)>& change)
+{
+    const std::string target = dbui::follow_links(path);
+    const dbui::FileLock lock(target);
+    const FileContent old = lock.is_held() ? dbui::read_whole_file(target) : FileContent();
+    if (!lock.is_held() || old.state == FileContent::State::Unreadable) {
+        return false;
+    }
+    Connections connections;
+    if (old.state == FileContent::State::Read && !read_document(old.bytes, &connections) &&
+        !dbui::replace_file(path + ".unreadable", old.bytes)) {
+        return false;
+    }
+    change(&connections);
+    return dbui::replace_file(target, document_of(connections));
+}
+} // namespace
+
+bool dbui_create_connections_file_if_not_found(std::string* error)
+{
+    dbif::clear_error(error);
+    const std::string path = dbui_connections_file();
+    std::string message;
+    if (!dbui_make_path_if_required(path, &message)) {
+        dbif::deliver_error(error, message);
+        return false;
+    }
+    if (dbui::read_whole_file(path).state == FileContent::State::Read || create_file(path)) {
+        return true;
+    }
+    dbif::deliver_error(
+        error, "Failed to create database connections storage file: \"" + path + "\"!\n");
+    return false;
+}
+
+bool dbui_get_connections_from_file(Connections* connections, std::string* error)
+{
+    dbif::clear_error(error);
+    connections->clear();
+    const std::string path = dbui_connections_file();
+    const FileContent content = dbui::read_whole_file(path);
+    if (content.state == FileContent::State::Read && read_document(content.bytes, connections)) {
+        return true;
+    }
+    dbif::deliver_error(
+        error, "Failed to open database connections storage file: \"" + path + "\"!\n");
+    return false;
+}
+
+bool dbui_save_connections_to_file(const Connections& connections, std::string* error)
+{
+    return dbui::rewrite_connections(
+        [&connections](Connections* stored) { *stored = connections; }, error);
+}
+
+namespace dbui {
+bool rewrite_connections(const std::function<void(Connections*)>& change, std::string* error)
+{
+    dbif::clear_error(error);
+    const QSharedPointer<dbConnectionNameListener> listener =
+        dbConnectionNameListener::getInstance();
+    listener->sendPreNotifyConnectionNameListChange();
+
+    const std::string path = dbui_connections_file();
+    std::string message;
+    if (!dbui_make_path_if_required(path, &message)) {
+        dbif::deliver_error(error, message);
+        return false; // published behaviour: nothing follows the first signal here
+    }
+
+    // The signals go out while the lock is free, so that a slot can save and nobody waits for one.
+    const bool saved = change_file(path, change);
+    if (saved) {
+        listener->sendConnectionNameListChanged();
+    } else {
+        dbif::deliver_error(
+            error, "Failed to save database connections storage file: \"" + path + "\"!\n");
+    }
+    listener->sendPostNotifyConnectionNameListChange();
+    return saved;
+}
+} // namespace dbui

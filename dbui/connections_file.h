@@ -1,0 +1,37 @@
+#pragma once
+
+#include "dbui/connection_record.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+/// The file of the stored connections, at `dbui_connections_file()`: an XML document with one
+/// element per connection, passwords scrambled. Nothing is kept in memory between calls. A failure
+/// is told to `error`, or to the standard error stream when that is null.
+
+/// Makes a file without connections when there is none. An existing file is left as it is; false
+/// only when it, or the new one, cannot be opened or made.
+bool dbui_create_connections_file_if_not_found(std::string* error = nullptr);
+
+/// Fills `connections` in file order, each once. False, with an empty list, when the file is
+/// missing, cannot be opened or is no XML.
+bool dbui_get_connections_from_file(
+    std::vector<DbuiConnection>* connections,
+    std::string* error = nullptr);
+
+/// Writes the file anew with exactly these connections, and announces it by
+/// `dbConnectionNameListener`. On failure the old file stays whole.
+bool dbui_save_connections_to_file(
+    const std::vector<DbuiConnection>& connections,
+    std::string* error = nullptr);
+
+namespace dbui {
+/// Writes the stored list as `change` leaves it; the rest as `dbui_save_connections_to_file`.
+/// `change` gets the list as it stands in the file (empty when that is missing or no XML), and no
+/// other process can change the file before the result is written. It must not change the stored
+/// list itself.
+bool rewrite_connections(
+    const std::function<void(std::vector<DbuiConnection>*)>& change,
+    std::string* error);
+} // namespace dbui
