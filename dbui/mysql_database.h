@@ -1,0 +1,17 @@
+#pragma once
+
+#include "dbui/connection_record.h"
+
+#include <string>
+
+/// Whether the record is one of a MySQL server that can be reached, but has no database of the
+/// record's name. Tries to open it.
+bool dbui_is_connection_invalid_due_to_mysql_database_unknown(const DbuiConnection& record);
+
+/// Creates the record's database on its MySQL server unless it is there, and the schema in it. True
+/// when it then opens; otherwise a message goes to `error`, or to the standard error stream when
+/// that is null. Uses Qt's default connection for a moment: a host's own one is replaced and does
+/// not come back.
+bool dbui_create_mysql_database_for_connection(
+    const DbuiConnection& record,
+    std::string* error = nullptr);
