@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+
+// A keyword names a database key in one of three forms:
+//     KEY(key name,table,data type,category)     in any letter case, fields from the right may be
+//     left out table.key name                             where the table is an accepted spelling
+//     of one, or such a spelling,
+//                                                ";" and an attribute string
+//     key name
+// No database is asked here.
+
+/// Splits a keyword into its parts. Key names keep their letter case; the table becomes the
+/// schema's table name or stays empty; the attributes are an attribute string in short names (see
+/// vocabulary.h), also those that the table's spelling implies. A blank keyword has three empty
+/// parts.
+///
+/// False when the keyword breaks the rules: `error` then holds two lines that say why, and the
+/// other outputs what was found until there. Linear in the keyword.
+bool break_keyword_into_keyname_tablename_extra_attributes(
+    const std::string& keyword,
+    std::string* keyname,
+    std::string* tablename,
+    std::string* attributes,
+    std::string* error);
+
+/// Splits an attribute string at its first "|"; both halves come out in upper case.
+void dbapi_extract_category_datatype_attributes(
+    const std::string& attributes,
+    std::string* category,
+    std::string* datatype);
+
+/// The keyword in function form, "Key(vth,device,DOUBLE,PHYSICAL)", without the empty fields at its
+/// end. It splits back into the same parts.
+std::string dbapi_full_keyname_from_keyname_and_attributes(
+    const std::string& keyname,
+    const std::string& tablename,
+    const std::string& datatype,
+    const std::string& category);
