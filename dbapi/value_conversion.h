@@ -1,0 +1,24 @@
+#pragma once
+
+#include "dbif/host_string.h"
+
+#include <string>
+
+/// Rewrites the numbers of a query value, one or several separated by commas, in their canonical
+/// decimal form, joined by
+/// ", ". Numbers are read in engineering notation; one in single quotes is written in quotes. Text
+/// that has only characters of numbers but is none, such as "1..2", becomes "nan", which the
+/// condition refuses.
+///
+/// `expectedCount` is how many numbers there must be; below 1, any number of them. On failure the
+/// result is false, `converted` empty and `errors` one message. `converted` may be `value` itself;
+/// neither pointer may be null.
+bool convert_value_str_to_proper_value_double_str(
+    const std::string& value,
+    int expectedCount,
+    std::string* converted,
+    KTString* errors);
+
+/// Whether the text, which must be trimmed, has a digit and otherwise only characters that a number
+/// in engineering notation may have. Their order is left to the reader of numbers.
+bool string_has_valid_enot_to_dbl_chars(const std::string& text);
