@@ -69,13 +69,15 @@ bool dbui_create_mysql_database_for_connection(const DbuiConnection& record, std
         return false;
     }
     DBIF_Connection connection = dbui::blank_connection();
-    std::string unused;
-    dbui_make_dbif_connection_object(record, &connection, &unused);
+    std::string detail;
+    dbui_make_dbif_connection_object(record, &connection, &detail);
     if (!connection.isValid()) {
+        // The detail is there when the database was created, but could not be filled.
         dbif::deliver_error(
             error,
             "Create MySQL Database Error: Failed to create the MySQL database and open a valid "
-            "database connection.\n");
+            "database connection.\n" +
+                detail);
         return false;
     }
     return true;
