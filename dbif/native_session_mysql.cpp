@@ -284,15 +284,9 @@ public:
 
     RowInserter& blob(std::string_view value) override
     {
-        static constexpr std::string_view kDigits = "0123456789ABCDEF";
-        row_ += row_.empty() ? "(X'" : ",X'";
-        for (const char c : value) {
-            const auto byte = static_cast<unsigned char>(c);
-            row_ += kDigits[byte >> 4U];
-            row_ += kDigits[byte & 15U];
-        }
-        row_ += '\'';
-        return *this;
+        SqlText literal;
+        literal << SqlBlob(value);
+        return add(literal.utf8());
     }
 
     void endRow() override

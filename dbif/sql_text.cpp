@@ -48,6 +48,19 @@ SqlText& SqlText::operator<<(const SqlLiteral& literal)
     return *this;
 }
 
+SqlText& SqlText::operator<<(const SqlBlob& blob)
+{
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    text_ += "X'";
+    for (const char c : blob.bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        text_ += kDigits[byte >> 4U];
+        text_ += kDigits[byte & 15U];
+    }
+    text_ += "'";
+    return *this;
+}
+
 SqlText& SqlText::operator<<(double number)
 {
     text_ += double_text(number);

@@ -24,6 +24,14 @@ struct SqlLiteral
     explicit SqlLiteral(std::string_view given) : text(given) {}
 };
 
+/// Bytes as a value; written in hexadecimal digits.
+struct SqlBlob
+{
+    std::string bytes;
+
+    explicit SqlBlob(std::string_view given) : bytes(given) {}
+};
+
 /// A statement or part of one, UTF-8, put together from string literals of the source code, names,
 /// values and numbers. A text that comes from outside does not compile into it: it has to be a
 /// `SqlName` or a `SqlLiteral`, which are escaped.
@@ -54,6 +62,7 @@ public:
 
     SqlText& operator<<(const SqlName& name);
     SqlText& operator<<(const SqlLiteral& literal);
+    SqlText& operator<<(const SqlBlob& blob);
     /// The shortest decimal text of a finite number.
     SqlText& operator<<(double number);
     SqlText& operator<<(long long number);

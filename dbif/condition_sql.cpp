@@ -1,0 +1,144 @@
+#include "dbif/condition_sql.h"
+
+#include "dbif/column_store.h"
+
+#include <span>
+
+namespace dbif {
+namespace {
+/// `column` compared with texts. No parentheses around.
+SqlText text_condition(const SqlText& column, const ColumnComparison& comparison)
+{
+    SqlText sql;
+    sql << column;
+    const auto first = [&comparison] {
+        return SqlLiteral(
+            comparison.texts.empty() ? std::string_view()
+                                     : std::string_view(comparison.texts.front()));
+    };
+    switch (comparison.comparator) {
+    case EQUAL:
+        return sql << " = " << first();
+    case NOT_EQUAL:
+        return sql << " <> " << first();
+    case LESS:
+        return sql << " < " << first();
+    case LESS_EQUAL:
+        return sql << " <= " << first();
+    case GREATER:
+        return sql << " > " << first();
+    case GREATER_EQUAL:
+        return sql << " >= " << first();
+    case NOT_NULL:
+        return sql << " IS NOT NULL";
+    case IS_NULL:
+        return sql << " IS NULL";
+    case IN:
+    case NOT_IN:
+        break;
+    }
+    sql << (comparison.comparator == IN ? SqlText(" IN (") : SqlText(" NOT IN ("));
+    bool isFirst = true;
+    for (const std::string& text : comparison.texts) {
+        sql << (isFirst ? SqlText() : SqlText(", ")) << SqlLiteral(text);
+        isFirst = false;
+    }
+    return sql << ")";
+}
+
+SqlText value_condition(
+    const SqlText& column,
+    const ColumnComparison& comparison,
+    const SqlDialect& dialect)
+{
+    if (!comparison.holdsNumbers) {
+        return text_condition(column, comparison);
+    }
+    if (comparison.comparator == IS_NULL) {
+        SqlText sql;
+        return sql << column << " IS NULL";
+    }
+    return ranges_condition(column, comparison.ranges, dialect);
+}
+
+/// The comparison on what the key's companion table says of a record.
+SqlText key_condition(const ColumnComparison& comparison, DBIF_Connection connection)
+{
+    const TableFacts& f = facts(comparison.table);
+    const KeyDefinition* definition =
+        ColumnStore::of(connection).find(connection, comparison.table, comparison.column);
+    const bool isAbsent = comparison.comparator == IS_NULL;
+    if (definition == nullptr) {
+        return isAbsent ? SqlText("(1 = 1)") : SqlText("(1 = 0)");
+    }
+    const bool isOnPoints = comparison.isOnPoints();
+    SqlText sql;
+    sql << "(" << qualified(f.name, "id")
+        << (isAbsent ? SqlText(" NOT IN (SELECT ") : SqlText(" IN (SELECT "))
+        << SqlName(f.linkColumn()) << " FROM "
+        << SqlName(isOnPoints ? f.associationTable() : f.dataTable()) << " WHERE "
+        << SqlName(f.columnLink()) << " = " << definition->id;
+    const bool isPresenceOnly = comparison.comparator == NOT_NULL || isAbsent;
+    if (isPresenceOnly || (isOnPoints && !comparison.holdsNumbers)) {
+        return sql << "))";
+    }
+    const SqlDialect& dialect = connection.dialect();
+    sql << " AND (";
+    if (isOnPoints) {
+        sql << bounds_condition(comparison.ranges, dialect);
+    } else {
+        sql << value_condition(
+            comparison.holdsNumbers ? SqlText("number") : SqlText("text"), comparison, dialect);
+    }
+    return sql << ")))";
+}
+
+SqlText comparison_sql(const ColumnComparison& comparison, DBIF_Connection connection)
+{
+    SqlText sql;
+    const TableFacts& f = facts(comparison.table);
+    if (comparison.idSelect.has_value()) {
+        return sql << "(" << qualified(f.name, "id") << " IN (" << *comparison.idSelect << "))";
+    }
+    if (comparison.isKey) {
+        return key_condition(comparison, connection);
+    }
+    return sql << "("
+               << value_condition(
+                      qualified(f.name, comparison.column), comparison, connection.dialect())
+               << ")";
+}
+
+SqlText balanced(std::span<const SqlText> parts, bool isAnd)
+{
+    if (parts.size() == 1) {
+        return parts.front();
+    }
+    const std::size_t half = parts.size() / 2;
+    SqlText sql;
+    return sql << "(" << balanced(parts.first(half), isAnd)
+               << (isAnd ? SqlText(" AND ") : SqlText(" OR "))
+               << balanced(parts.subspan(half), isAnd) << ")";
+}
+} // namespace
+
+SqlText criteria(const ConditionTree& tree, DBIF_Connection connection)
+{
+    switch (tree.kind()) {
+    case ConditionTree::Kind::True:
+        return SqlText("(1 = 1)");
+    case ConditionTree::Kind::False:
+        return SqlText("(1 = 0)");
+    case ConditionTree::Kind::Comparison:
+        return comparison_sql(tree.comparison(), connection);
+    case ConditionTree::Kind::And:
+    case ConditionTree::Kind::Or:
+        break;
+    }
+    std::vector<SqlText> parts;
+    for (const ConditionTree& operand : tree.operands()) {
+        parts.push_back(criteria(operand, connection));
+    }
+    return balanced(parts, tree.kind() == ConditionTree::Kind::And);
+}
+} // namespace dbif

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "dbif/condition_tree.h"
+#include "dbif/connection.h"
+
+namespace dbif {
+/// The tree as a parenthesised SQL expression over the columns of the record tables. AND and OR
+/// print as balanced trees, because databases bound the depth of an expression. A comparison on
+/// points prints as what the bounds of a setup's columns allow.
+SqlText criteria(const ConditionTree& tree, DBIF_Connection connection);
+} // namespace dbif

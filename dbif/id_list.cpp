@@ -1,0 +1,62 @@
+#include "dbif/id_list.h"
+
+#include "dbif/host_string.h"
+
+#include <QUuid>
+
+#include <algorithm>
+
+namespace dbif {
+namespace {
+constexpr std::size_t kMostListedIds = 500;
+} // namespace
+
+SqlText id_sequence(const std::vector<int>& ids, std::size_t first, std::size_t count)
+{
+    SqlText sql;
+    for (std::size_t i = first; i < first + count; ++i) {
+        sql << (i == first ? SqlText() : SqlText(", ")) << ids[i];
+    }
+    return sql;
+}
+
+IdList::IdList(DBIF_Connection connection, RecordTable table, const std::vector<int>& ids)
+    : connection_(std::move(connection))
+{
+    if (ids.empty()) {
+        return;
+    }
+    ColumnComparison comparison;
+    comparison.table = table;
+    comparison.column = "id";
+    if (ids.size() <= kMostListedIds) {
+        comparison.idSelect = id_sequence(ids, 0, ids.size());
+    } else {
+        temporaryTable_ = "selected_" + to_utf8(QUuid::createUuid().toString(QUuid::Id128));
+        const SqlName name(temporaryTable_);
+        connection_.execute(connection_.dialect().createIdTable(name), __FILE__, __LINE__);
+        const auto inserter = connection_.session().inserter(name, {SqlName("id")});
+        for (const int id : ids) {
+            inserter->integer(id).endRow();
+        }
+        inserter->flush();
+        SqlText select;
+        comparison.idSelect = select << "SELECT id FROM " << name;
+    }
+    condition_ = ConditionTree::comparison(std::move(comparison));
+}
+
+IdList::~IdList()
+{
+    if (temporaryTable_.empty()) {
+        return;
+    }
+    try {
+        SqlText drop;
+        drop << "DROP TABLE IF EXISTS " << SqlName(temporaryTable_);
+        connection_.execute(drop, __FILE__, __LINE__);
+    } catch (const DBIF_Exception&) {
+        // It ends with the session anyway.
+    }
+}
+} // namespace dbif

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "dbif/condition_tree.h"
+#include "dbif/connection.h"
+
+#include <vector>
+
+namespace dbif {
+/// Records of one table, picked by their ids, as a condition: a list in the statement up to 500
+/// ids, beyond that a temporary table, which lives as long as this object.
+class IdList
+{
+public:
+    IdList(DBIF_Connection connection, RecordTable table, const std::vector<int>& ids);
+    ~IdList();
+    IdList(const IdList&) = delete;
+    IdList& operator=(const IdList&) = delete;
+
+    [[nodiscard]] const ConditionTree& condition() const { return condition_; }
+
+private:
+    DBIF_Connection connection_;
+    std::string temporaryTable_;
+    ConditionTree condition_ = ConditionTree::constant(false);
+};
+
+/// "1, 2, 3".
+SqlText id_sequence(const std::vector<int>& ids, std::size_t first, std::size_t count);
+} // namespace dbif

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "dbif/condition_tree.h"
+#include "dbif/sweep_array.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace dbif {
+/// Which points of a setup satisfy a condition: 1 for each that does.
+using PointMask = std::vector<std::uint8_t>;
+
+/// Decides a condition on the points of one setup. Comparisons on setup keys are decided point by
+/// point on `arrays` (by the key; a key that the setup does not have fails), every other one by
+/// `holdsForRecord`.
+PointMask satisfying_points(
+    const ConditionTree& condition,
+    std::size_t points,
+    const std::map<std::string, SweepArray>& arrays,
+    const std::function<bool(const ColumnComparison&)>& holdsForRecord);
+} // namespace dbif

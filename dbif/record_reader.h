@@ -1,0 +1,67 @@
+#pragma once
+
+#include "dbif/column_store.h"
+#include "dbif/connection.h"
+#include "dbif/result_column.h"
+#include "dbif/result_source.h"
+#include "dbif/schema_names.h"
+
+#include <vector>
+
+namespace dbif {
+/// Which rows have a value in at least one of their columns.
+using RowMask = std::vector<bool>;
+
+/// The rows of a statement as columns of the given kinds (`Integer`, `Double`, `Text`, or `Complex`
+/// read from its text). A row is marked in `hasValue` when one of its columns in `isCounted` is not
+/// NULL.
+QueryResult read_cells(
+    DBIF_Connection& connection,
+    const SqlText& sql,
+    const std::vector<ResultColumn::Kind>& kinds,
+    const std::vector<bool>& isCounted,
+    RowMask* hasValue);
+
+/// The kind of column that a record key's values are read into.
+ResultColumn::Kind key_column_kind(const KeyDefinition& definition);
+
+/// All values of one key of the records that `idSelect` yields (of all records when it is empty).
+ResultColumn read_key_values(
+    DBIF_Connection& connection,
+    RecordTable table,
+    const KeyDefinition& definition,
+    const SqlText& idSelect);
+
+/// The values of one key beside the rows whose record of `table` has the id in `ids` (NaN: no
+/// record). Few records are looked up by id, many by one pass over the key; no row is joined.
+ResultColumn read_key_beside(
+    DBIF_Connection& connection,
+    RecordTable table,
+    const KeyDefinition& definition,
+    const std::vector<double>& ids,
+    RowMask* hasValue);
+
+/// Reads result columns that stand at records: one statement gives the fixed columns and the ids of
+/// the records that have keys, then each key is read beside the rows.
+class RecordCells
+{
+public:
+    explicit RecordCells(const std::vector<ResultSource>& sources);
+
+    /// What the statement has to select, in this order; further integer columns may follow.
+    [[nodiscard]] const std::vector<SqlText>& expressions() const { return expressions_; }
+
+    /// The column of each source, and behind them `furtherIntegers` columns of whole numbers that
+    /// the statement yields. Rows with a value in a source's column are marked in `hasValue`.
+    QueryResult read(
+        DBIF_Connection& connection,
+        const SqlText& sql,
+        RowMask* hasValue,
+        std::size_t furtherIntegers = 0) const;
+
+private:
+    std::vector<ResultSource> sources_;
+    std::vector<SqlText> expressions_;
+    std::vector<ResultColumn::Kind> kinds_;
+};
+} // namespace dbif

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "dbif/connection.h"
+#include "dbif/data_type.h"
+#include "dbif/sweep_array.h"
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace dbif {
+/// Fixed columns of a record by name, as text. A column that is not among them is missing.
+using FixedTexts = std::map<std::string, std::string>;
+
+/// One key of a record with its value. Doubles stand in `number`, everything else in `text`
+/// (complex numbers and matrices as they print).
+struct KeyValue
+{
+    std::string name;
+    ValueKind kind = ValueKind::Double;
+    /// Empty for tables whose keys have none.
+    std::string category;
+    double number = 0;
+    std::string text;
+};
+
+/// One column of a setup.
+struct SetupColumn
+{
+    std::string name;
+    bool isInput = false;
+    /// The data header of the column; may be empty.
+    std::string header;
+    SweepArray values;
+};
+
+struct MeasurementRecord
+{
+    int catalogEntry = 0;
+    /// 0: none.
+    int device = 0;
+    int routine = 0;
+    std::optional<double> temperature;
+    std::vector<KeyValue> keys;
+};
+
+/// Adds records to a measurement database in one transaction, which holds off other writers.
+/// Nothing that is stored is ever overwritten: a die, device or routine that is there already is
+/// found by its identity and used, and a setup (or a measurement without setups) supersedes the
+/// older one of the same identity.
+///
+/// Every member throws `DBIF_Exception` with a message that says what is wrong with the data, or on
+/// a database error. Without `commit` nothing is stored.
+class RecordWriter
+{
+public:
+    explicit RecordWriter(DBIF_Connection connection);
+    ~RecordWriter();
+    RecordWriter(const RecordWriter&) = delete;
+    RecordWriter& operator=(const RecordWriter&) = delete;
+
+    int addCatalogEntry(const FixedTexts& columns, const std::vector<KeyValue>& keys = {});
+    /// By lot, wafer, die and block.
+    int findOrAddDie(const FixedTexts& columns);
+    /// By name.
+    int findOrAddRoutine(const FixedTexts& columns);
+    /// By die, name, subsite and position. `die` may be 0. Keys and columns that the device does
+    /// not have yet are added; a value that differs from the stored one is an error.
+    int findOrAddDevice(int die, const FixedTexts& columns, const std::vector<KeyValue>& keys = {});
+
+    int addMeasurement(const MeasurementRecord& measurement);
+    int addCondition(
+        int measurement,
+        const FixedTexts& columns,
+        const std::vector<KeyValue>& keys = {});
+    /// The columns have equal length. `label` names the setup's source in errors: two setups of one
+    /// identity in one transaction are an error that names both.
+    int addSetup(
+        int condition,
+        const FixedTexts& columns,
+        const std::vector<SetupColumn>& sweep,
+        const std::string& label);
+
+    /// Makes everything durable; collects statistics for the planner after many records. The writer
+    /// is of no further use.
+    void commit();
+
+private:
+    class Work;
+    std::unique_ptr<Work> work_;
+};
+} // namespace dbif

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "dbif/column_store.h"
+#include "dbif/connection.h"
+#include "dbif/query.h"
+#include "dbif/schema_names.h"
+#include "dbif/sql_text.h"
+#include "dbif/table_graph.h"
+
+#include <vector>
+
+namespace dbif {
+/// Where the values of one result column come from: a fixed column, or a key.
+struct ResultSource
+{
+    RecordTable table = RecordTable::CatalogEntry;
+    bool isKey = false;
+    FixedColumnFacts fixed;
+    KeyDefinition key;
+
+    [[nodiscard]] bool isOnPoints() const { return isKey && table == RecordTable::Setup; }
+};
+
+/// The source of a query's column; throws `DBIF_Exception` naming it when there is none.
+ResultSource find_source(DBIF_Connection& connection, const QString& table, const QString& column);
+
+TableSet tables_of(const std::vector<ResultSource>& sources);
+} // namespace dbif
