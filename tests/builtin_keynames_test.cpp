@@ -1,7 +1,7 @@
 #include "dbapi/builtin_keynames.h"
 #include "dbapi/text_rules.h"
 
-#include "support/case_table.h"
+#include "tests/support/case_table.h"
 
 #include <gtest/gtest.h>
 

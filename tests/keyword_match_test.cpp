@@ -5,7 +5,7 @@
 #include "dbapi/keyword_split.h"
 #include "dbapi/text_rules.h"
 
-#include "support/case_table.h"
+#include "tests/support/case_table.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "dbapi/keyword_split.h"
 
-#include "support/case_table.h"
+#include "tests/support/case_table.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 #include "dbapi/query_syntax.h"
 #include "dbapi/query_terms.h"
 
-#include "support/case_table.h"
+#include "tests/support/case_table.h"
 
 #include <gtest/gtest.h>
 

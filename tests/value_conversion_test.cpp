@@ -1,7 +1,7 @@
 #include "dbapi/value_conversion.h"
 #include "dbapi/value_list.h"
 
-#include "support/case_table.h"
+#include "tests/support/case_table.h"
 
 #include <gtest/gtest.h>
 

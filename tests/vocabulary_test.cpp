@@ -1,6 +1,6 @@
 #include "dbapi/vocabulary.h"
 
-#include "support/case_table.h"
+#include "tests/support/case_table.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "support/case_table.h"
+#include "tests/support/case_table.h"
 
 #include "dbif/host_string.h"
 
