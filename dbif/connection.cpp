@@ -84,7 +84,13 @@ public:
             database.close();
             return;
         }
-        session_ = dialect_->session(database);
+        try {
+            session_ = dialect_->session(database);
+        } catch (const DBIF_Exception& exception) {
+            lastError_ = exception.error();
+            database.close();
+            return;
+        }
         fileIdentity_ = dialect_->fileIdentity(parameters_.database);
         database_ = database;
     }

@@ -1,11 +1,29 @@
 #pragma once
 
+#include "dbif/condition.h"
 #include "dbif/condition_tree.h"
 #include "dbif/connection.h"
 
 #include <vector>
 
 namespace dbif {
+/// A condition that the layer made itself.
+class TreeCondition : public DBIF_QueryCondition
+{
+public:
+    explicit TreeCondition(ConditionTree tree) : tree_(std::move(tree)) {}
+
+    [[nodiscard]] TreeCondition* clone() const override { return new TreeCondition(*this); }
+
+    [[nodiscard]] ConditionTree tree(bool negated) const override
+    {
+        return negated ? tree_.negated() : tree_;
+    }
+
+private:
+    ConditionTree tree_;
+};
+
 /// Records of one table, picked by their ids, as a condition: a list in the statement up to 500
 /// ids, beyond that a temporary table, which lives as long as this object.
 class IdList

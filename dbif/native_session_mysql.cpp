@@ -378,7 +378,8 @@ private:
 std::unique_ptr<SqlSession> open_mysql_session(const QSqlDatabase& database)
 {
     const QVariant handle = database.driver()->handle();
-    if (qstrcmp(handle.typeName(), "MYSQL*") != 0) {
+    // The name depends on how the driver was built.
+    if (qstrcmp(handle.typeName(), "MYSQL*") != 0 && qstrcmp(handle.typeName(), "st_mysql*") != 0) {
         throw_error("The Qt driver QMYSQL gives no MYSQL handle.", __FILE__, __LINE__);
     }
     return std::make_unique<MysqlSession>(*static_cast<MYSQL* const*>(handle.constData()));

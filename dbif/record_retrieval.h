@@ -97,6 +97,8 @@ template <typename Record, typename Column>
 class KeyedRecordClass : public RecordClass<Record, Column::kTable>
 {
 public:
+    using KeyColumn = Column;
+
     using RecordClass<Record, Column::kTable>::retrieveValues;
     using RecordClass<Record, Column::kTable>::valuesQuery;
 

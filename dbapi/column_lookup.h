@@ -1,0 +1,107 @@
+#pragma once
+
+#include "dbif/condition.h"
+#include "dbif/connection.h"
+#include "dbif/record_tables.h"
+
+#include <QSharedPointer>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+// From resolved keys to the columns that hold their values.
+
+namespace dbapi {
+/// Columns with the position of the keyword that each was found for.
+template <typename Column>
+using PlacedColumns = std::vector<std::pair<unsigned int, QSharedPointer<Column>>>;
+} // namespace dbapi
+
+/// Builds the condition of a query (see condition_builder.h), and finds the column of each keyword,
+/// sorted by table and kind. On failure the condition is deleted, unless it is the cache's own, and
+/// the lists are empty.
+bool dbapi_find_columns_for_keywords( // NOLINT(readability-function-size): one list per kind
+    DBIF_Connection& connection,
+    const std::vector<std::string>& keywords,
+    const std::string& query,
+    DBIF_QueryCondition** condition,
+    bool* latestOnly,
+    dbapi::PlacedColumns<DBIF_CatalogEntryColumn>* catalogEntryColumns,
+    dbapi::PlacedColumns<DBIF_FixedColumn<DBIF_CatalogEntry>>* catalogEntryFixedColumns,
+    dbapi::PlacedColumns<DBIF_DeviceColumn>* deviceColumns,
+    dbapi::PlacedColumns<DBIF_FixedColumn<DBIF_Device>>* deviceFixedColumns,
+    dbapi::PlacedColumns<DBIF_MeasurementColumn>* measurementColumns,
+    dbapi::PlacedColumns<DBIF_FixedColumn<DBIF_Measurement>>* measurementFixedColumns,
+    dbapi::PlacedColumns<DBIF_MeasurementConditionColumn>* measurementConditionColumns,
+    dbapi::PlacedColumns<DBIF_FixedColumn<DBIF_MeasurementCondition>>*
+        measurementConditionFixedColumns,
+    dbapi::PlacedColumns<DBIF_SetupColumn>* setupColumns,
+    dbapi::PlacedColumns<DBIF_FixedColumn<DBIF_Setup>>* setupFixedColumns,
+    dbapi::PlacedColumns<DBIF_FixedColumn<DBIF_Die>>* dieFixedColumns,
+    dbapi::PlacedColumns<DBIF_FixedColumn<DBIF_Routine>>* routineFixedColumns,
+    std::string* errors);
+
+// The column of one resolved key: exactly one of the two results is set on success. False without a
+// text when the table has no such column, and with one on a database error. `condition` is not
+// looked at.
+
+bool get_column_for_catalog_entry_from_resolved_keyname(
+    DBIF_Connection& connection,
+    const std::string& keyname,
+    const std::string& category,
+    const std::string& datatype,
+    const DBIF_QueryCondition* condition,
+    QSharedPointer<DBIF_FixedColumn<DBIF_CatalogEntry>>* fixedColumn,
+    QSharedPointer<DBIF_CatalogEntryColumn>* column,
+    std::string* errors);
+bool get_column_for_device_from_resolved_keyname(
+    DBIF_Connection& connection,
+    const std::string& keyname,
+    const std::string& category,
+    const std::string& datatype,
+    const DBIF_QueryCondition* condition,
+    QSharedPointer<DBIF_FixedColumn<DBIF_Device>>* fixedColumn,
+    QSharedPointer<DBIF_DeviceColumn>* column,
+    std::string* errors);
+bool get_column_for_die_from_resolved_keyname(
+    DBIF_Connection& connection,
+    const std::string& keyname,
+    const std::string& category,
+    const DBIF_QueryCondition* condition,
+    QSharedPointer<DBIF_FixedColumn<DBIF_Die>>* fixedColumn,
+    std::string* errors);
+bool get_column_for_measurement_from_resolved_keyname(
+    DBIF_Connection& connection,
+    const std::string& keyname,
+    const std::string& category,
+    const std::string& datatype,
+    const DBIF_QueryCondition* condition,
+    QSharedPointer<DBIF_FixedColumn<DBIF_Measurement>>* fixedColumn,
+    QSharedPointer<DBIF_MeasurementColumn>* column,
+    std::string* errors);
+bool get_column_for_measurement_condition_from_resolved_keyname(
+    DBIF_Connection& connection,
+    const std::string& keyname,
+    const std::string& category,
+    const std::string& datatype,
+    const DBIF_QueryCondition* condition,
+    QSharedPointer<DBIF_FixedColumn<DBIF_MeasurementCondition>>* fixedColumn,
+    QSharedPointer<DBIF_MeasurementConditionColumn>* column,
+    std::string* errors);
+bool get_column_for_routine_from_resolved_keyname(
+    DBIF_Connection& connection,
+    const std::string& keyname,
+    const std::string& category,
+    const DBIF_QueryCondition* condition,
+    QSharedPointer<DBIF_FixedColumn<DBIF_Routine>>* fixedColumn,
+    std::string* errors);
+bool get_column_for_setup_from_resolved_keyname(
+    DBIF_Connection& connection,
+    const std::string& keyname,
+    const std::string& category,
+    const std::string& datatype,
+    const DBIF_QueryCondition* condition,
+    QSharedPointer<DBIF_FixedColumn<DBIF_Setup>>* fixedColumn,
+    QSharedPointer<DBIF_SetupColumn>* column,
+    std::string* errors);

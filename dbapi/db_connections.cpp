@@ -1,0 +1,102 @@
+#include "dbapi/db_connections.h"
+
+#include "dbif/error_text.h"
+#include "dbif/host_string.h"
+#include "dbui/connection_check.h"
+#include "dbui/connection_record.h"
+#include "dbui/connection_registry.h"
+#include "dbui/connections_file.h"
+
+namespace dbapi {
+namespace {
+bool fail(std::string* errors, const std::string& heading, const std::string& reason)
+{
+    dbif::deliver_error(errors, heading + reason);
+    return false;
+}
+
+std::string driver_name(const std::string& given)
+{
+    const std::string driver = dbif::upper_case(dbif::trimmed_left(given));
+    return driver == "MYSQL" || driver == "SQLITE" ? "Q" + driver : driver;
+}
+} // namespace
+
+bool db_create_connection(
+    const std::string& driver,
+    const std::string& name,
+    const std::string& database,
+    const std::string& host,
+    const std::string& user,
+    const std::string& password,
+    const std::string& port,
+    std::string* errors)
+{
+    dbif::clear_error(errors);
+    const DbuiConnection record(
+        dbif::trimmed(name), driver_name(driver), dbif::trimmed(host), dbif::trimmed(port),
+        dbif::trimmed(database), dbif::trimmed(user), dbif::trimmed(password));
+    const std::string heading = "Could not create the given database connection with name \"" +
+                                record.get_connectionName() + "\".\n";
+    std::string reason;
+    if (!dbui_create_connections_file_if_not_found(&reason)) {
+        return fail(errors, heading, reason);
+    }
+    DbuiConnection stored;
+    if (dbui_find_connection_by_name(record.get_connectionName(), &stored)) {
+        return fail(errors, heading, "The database connection with that name already exists.\n");
+    }
+    if (!dbui_validate_connection_opens(record, false, &reason)) {
+        return fail(errors, heading, reason);
+    }
+    if (!dbui_add_connection(record, false, &reason)) {
+        return fail(
+            errors, heading, "Failed to update the database connections configuration file.\n");
+    }
+    return true;
+}
+
+bool db_create_mysql_connection(
+    const std::string& name,
+    const std::string& database,
+    const std::string& host,
+    const std::string& user,
+    const std::string& password,
+    const std::string& port,
+    std::string* errors)
+{
+    return db_create_connection("QMYSQL", name, database, host, user, password, port, errors);
+}
+
+bool db_create_sqlite_connection(
+    const std::string& name,
+    const std::string& file,
+    std::string* errors)
+{
+    return db_create_connection("QSQLITE", name, file, "", "", "", "", errors);
+}
+
+bool db_remove_connection(const std::string& given, std::string* errors)
+{
+    dbif::clear_error(errors);
+    const std::string name = dbif::trimmed(given);
+    const std::string heading =
+        "Could not delete the given database connection name \"" + name + "\".\n";
+    DbuiConnection record;
+    if (!dbui_find_connection_by_name(name, &record)) {
+        return fail(errors, heading, "The database connection does not exist.\n");
+    }
+    std::string reason;
+    if (!dbui_remove_connection(record, false, &reason)) {
+        return fail(
+            errors, heading, "Failed to update the database connections configuration file.\n");
+    }
+    return true;
+}
+
+void db_get_connections(std::set<std::string>* names)
+{
+    std::string ignored;
+    dbui_get_connection_names(names, &ignored);
+}
+} // namespace dbapi
