@@ -3,6 +3,12 @@
 #include "dbif/host_string.h"
 #include "dbif/table_graph.h"
 
+DBIF_QueryJoinAlgorithm* DBIF_Query::SharedData::getNullQueryJoinAlgorithm()
+{
+    static DBIF_NullQueryJoinAlgorithm algorithm;
+    return &algorithm;
+}
+
 void DBIF_NullQueryJoinAlgorithm::computeJoins(DBIF_Query& /*query*/) {}
 
 void DBIF_VantoJoinAlgorithm::computeJoins(DBIF_Query& query)

@@ -2,7 +2,7 @@
 
 #include "dbif/column_store.h"
 #include "dbif/connection.h"
-#include "dbif/record_writer.h"
+#include "dbif/record_values.h"
 
 #include <array>
 #include <map>

@@ -1,7 +1,6 @@
 #include "dbif/query.h"
 
 #include "dbif/host_string.h"
-#include "dbif/join_algorithm.h"
 #include "dbif/sql_text.h"
 
 #include <QStringList>
@@ -29,12 +28,6 @@ DBIF_Query::SharedData::SharedData(const SharedData& other)
 {}
 
 DBIF_Query::SharedData::~SharedData() = default;
-
-DBIF_QueryJoinAlgorithm* DBIF_Query::SharedData::getNullQueryJoinAlgorithm()
-{
-    static DBIF_NullQueryJoinAlgorithm algorithm;
-    return &algorithm;
-}
 
 DBIF_Query::DBIF_Query(DBIF_Connection connection) : data_(new SharedData(std::move(connection))) {}
 

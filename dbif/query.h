@@ -11,7 +11,20 @@
 
 #include <memory>
 
-class DBIF_QueryJoinAlgorithm;
+class DBIF_Query;
+
+/// Computes how the tables of a query are joined.
+class DBIF_QueryJoinAlgorithm
+{
+public:
+    DBIF_QueryJoinAlgorithm() = default;
+    virtual ~DBIF_QueryJoinAlgorithm() = default;
+    DBIF_QueryJoinAlgorithm(const DBIF_QueryJoinAlgorithm&) = delete;
+    DBIF_QueryJoinAlgorithm& operator=(const DBIF_QueryJoinAlgorithm&) = delete;
+
+    /// Adds joins to the query, one for each table behind the first.
+    virtual void computeJoins(DBIF_Query& query) = 0;
+};
 
 /// A query as data: result columns, condition, order, and how its tables are joined. Copies share
 /// the data until one of them changes it.

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "dbif/dynamic_column.h"
+#include "dbif/in_memory_table.h"
 #include "dbif/record_retrieval.h"
-#include "dbif/setup_record.h"
 
 #include <QSharedPointer>
 #include <QString>

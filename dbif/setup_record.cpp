@@ -1,5 +1,3 @@
-#include "dbif/setup_record.h"
-
 #include "dbif/bulk_cursor.h"
 #include "dbif/record_tables.h"
 #include "dbif/transaction_guard.h"

@@ -1,0 +1,297 @@
+#include "dbapi/db_records.h"
+
+#include "dbapi/alldata_command.h"
+#include "dbapi/builtin_keynames.h"
+#include "dbapi/db_values.h"
+#include "dbapi/public_call.h"
+#include "dbapi/value_retrieval.h"
+#include "dbif/error_text.h"
+#include "dbif/host_string.h"
+#include "dbif/schema_names.h"
+
+#include <algorithm>
+
+namespace {
+/// The keyword of a table's id: "$DEVDBID" and its like.
+std::string id_keyword(const std::string& tablename)
+{
+    std::string builtin;
+    const bool isRecordTable = dbif::find_table(tablename) != nullptr;
+    if (isRecordTable && dbapi_convert_keyword_to_builtin_keyname(tablename + ".id", &builtin)) {
+        return builtin;
+    }
+    return "Key(id," + tablename + ")";
+}
+
+/// False at the first value that is no whole number; those before it are in the set.
+bool add_ids(const std::vector<std::string>& values, std::set<int>* ids)
+{
+    for (const std::string& value : values) {
+        std::string text = dbif::trimmed(value);
+        text.erase(std::remove(text.begin(), text.end(), '\''), text.end());
+        if (!is_string_integer(text)) {
+            return false;
+        }
+        ids->insert(KTString_to_int(text));
+    }
+    return true;
+}
+
+std::string message_of(const DBIF_Exception& exception)
+{
+    std::string text;
+    dbapi_build_error_string_from_dbif_exception(exception, &text);
+    return text;
+}
+} // namespace
+
+bool dbapi_get_table_ids_from_query_for_tablename(
+    const std::string& connectionName,
+    const std::string& tablename,
+    std::set<int>* ids,
+    const std::string& query,
+    std::string* errors)
+{
+    ids->clear();
+    dbif::clear_error(errors);
+    const dbapi::PublicCall call(connectionName, query, errors);
+    if (!call.hasBegun()) {
+        return false;
+    }
+    std::vector<std::string> values;
+    std::string reason;
+    bool isRead = false;
+    try {
+        isRead = dbapi_get_text_values_for_unresolved_keyword(
+            true, connectionName, id_keyword(tablename), &values, query, &reason);
+    } catch (const DBIF_Exception& exception) {
+        reason = message_of(exception);
+    }
+    if (!isRead) {
+        dbif::deliver_error(
+            errors, "Error: Couldn't retrieve table ids for table name: \"" + tablename + "\". \n" +
+                        reason);
+        return false;
+    }
+    if (!add_ids(values, ids)) {
+        dbif::deliver_error(
+            errors, "Error retrieving integer table ids for table name: \"" + tablename +
+                        "\". \nTable ids were stored as non-integer values in database.\n");
+        return false;
+    }
+    return true;
+}
+
+bool dbapi_build_query_str_for_get_key_values_for_table_id_for_tablename(
+    const std::string& tablename,
+    int id,
+    std::string* queryOut,
+    const std::string& query,
+    std::string* errors)
+{
+    queryOut->clear();
+    std::string keyword = tablename + ".id";
+    std::string builtin;
+    if (dbapi_convert_keyword_to_builtin_keyname(keyword, &builtin)) {
+        keyword = builtin;
+    }
+    std::string rest = dbif::trimmed(query);
+    std::string afterCommand;
+    std::string commandErrors;
+    const bool isAllData = dbapi_found_and_removed_alldata_condition_from_query_str(
+        rest, &afterCommand, nullptr, &commandErrors);
+    if (!commandErrors.empty()) {
+        dbif::deliver_error(errors, commandErrors);
+        return false;
+    }
+    if (isAllData) {
+        rest = afterCommand;
+    }
+    *queryOut = std::string(isAllData ? "ALLDATA: " : "") + "{" + keyword + "=" +
+                std::to_string(id) + "}" + (rest.empty() ? "" : " AND " + rest);
+    return true;
+}
+
+bool dbapi_get_text_key_values_for_table_id_for_tablename(
+    const std::string& connectionName,
+    const std::string& tablename,
+    int id,
+    const std::string& keyword,
+    std::vector<std::string>* values,
+    const std::string& query,
+    std::string* errors)
+{
+    values->clear();
+    std::string reason;
+    std::string recordQuery;
+    if (!dbapi_build_query_str_for_get_key_values_for_table_id_for_tablename(
+            tablename, id, &recordQuery, query, &reason)) {
+        dbif::deliver_error(errors, reason);
+        return false;
+    }
+    const dbapi::PublicCall call(connectionName, recordQuery, errors);
+    if (!call.hasBegun()) {
+        return false;
+    }
+    if (!dbapi::db_get_values_for_keyword_as_text(
+            connectionName, keyword, values, recordQuery, &reason)) {
+        dbif::deliver_error(errors, reason);
+        return false;
+    }
+    return true;
+}
+
+namespace dbapi {
+bool db_get_catalog_entry_ids_from_query(
+    const std::string& connectionName,
+    std::set<int>* ids,
+    const std::string& query,
+    std::string* errors)
+{
+    return dbapi_get_table_ids_from_query_for_tablename(
+        connectionName, "catalog_entry", ids, query, errors);
+}
+
+bool db_get_device_ids_from_query(
+    const std::string& connectionName,
+    std::set<int>* ids,
+    const std::string& query,
+    std::string* errors)
+{
+    return dbapi_get_table_ids_from_query_for_tablename(
+        connectionName, "device", ids, query, errors);
+}
+
+bool db_get_die_ids_from_query(
+    const std::string& connectionName,
+    std::set<int>* ids,
+    const std::string& query,
+    std::string* errors)
+{
+    return dbapi_get_table_ids_from_query_for_tablename(connectionName, "die", ids, query, errors);
+}
+
+bool db_get_measurement_ids_from_query(
+    const std::string& connectionName,
+    std::set<int>* ids,
+    const std::string& query,
+    std::string* errors)
+{
+    return dbapi_get_table_ids_from_query_for_tablename(
+        connectionName, "measurement", ids, query, errors);
+}
+
+bool db_get_measurement_condition_ids_from_query(
+    const std::string& connectionName,
+    std::set<int>* ids,
+    const std::string& query,
+    std::string* errors)
+{
+    return dbapi_get_table_ids_from_query_for_tablename(
+        connectionName, "measurement_condition", ids, query, errors);
+}
+
+bool db_get_routine_ids_from_query(
+    const std::string& connectionName,
+    std::set<int>* ids,
+    const std::string& query,
+    std::string* errors)
+{
+    return dbapi_get_table_ids_from_query_for_tablename(
+        connectionName, "routine", ids, query, errors);
+}
+
+bool db_get_setup_ids_from_query(
+    const std::string& connectionName,
+    std::set<int>* ids,
+    const std::string& query,
+    std::string* errors)
+{
+    return dbapi_get_table_ids_from_query_for_tablename(
+        connectionName, "setup", ids, query, errors);
+}
+
+bool db_get_key_values_for_catalog_entry_id_as_text(
+    const std::string& connectionName,
+    int id,
+    const std::string& keyword,
+    std::vector<std::string>* values,
+    const std::string& query,
+    std::string* errors)
+{
+    return dbapi_get_text_key_values_for_table_id_for_tablename(
+        connectionName, "catalog_entry", id, keyword, values, query, errors);
+}
+
+bool db_get_key_values_for_device_id_as_text(
+    const std::string& connectionName,
+    int id,
+    const std::string& keyword,
+    std::vector<std::string>* values,
+    const std::string& query,
+    std::string* errors)
+{
+    return dbapi_get_text_key_values_for_table_id_for_tablename(
+        connectionName, "device", id, keyword, values, query, errors);
+}
+
+bool db_get_key_values_for_die_id_as_text(
+    const std::string& connectionName,
+    int id,
+    const std::string& keyword,
+    std::vector<std::string>* values,
+    const std::string& query,
+    std::string* errors)
+{
+    return dbapi_get_text_key_values_for_table_id_for_tablename(
+        connectionName, "die", id, keyword, values, query, errors);
+}
+
+bool db_get_key_values_for_measurement_id_as_text(
+    const std::string& connectionName,
+    int id,
+    const std::string& keyword,
+    std::vector<std::string>* values,
+    const std::string& query,
+    std::string* errors)
+{
+    return dbapi_get_text_key_values_for_table_id_for_tablename(
+        connectionName, "measurement", id, keyword, values, query, errors);
+}
+
+bool db_get_key_values_for_measurement_condition_id_as_text(
+    const std::string& connectionName,
+    int id,
+    const std::string& keyword,
+    std::vector<std::string>* values,
+    const std::string& query,
+    std::string* errors)
+{
+    return dbapi_get_text_key_values_for_table_id_for_tablename(
+        connectionName, "measurement_condition", id, keyword, values, query, errors);
+}
+
+bool db_get_key_values_for_routine_id_as_text(
+    const std::string& connectionName,
+    int id,
+    const std::string& keyword,
+    std::vector<std::string>* values,
+    const std::string& query,
+    std::string* errors)
+{
+    return dbapi_get_text_key_values_for_table_id_for_tablename(
+        connectionName, "routine", id, keyword, values, query, errors);
+}
+
+bool db_get_key_values_for_setup_id_as_text(
+    const std::string& connectionName,
+    int id,
+    const std::string& keyword,
+    std::vector<std::string>* values,
+    const std::string& query,
+    std::string* errors)
+{
+    return dbapi_get_text_key_values_for_table_id_for_tablename(
+        connectionName, "setup", id, keyword, values, query, errors);
+}
+} // namespace dbapi
