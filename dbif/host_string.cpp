@@ -45,9 +45,10 @@ std::string to_utf8(const QString& text)
 bool is_utf8(std::string_view text)
 {
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    // Decoding happens in the conversion.
     const QString decoded =
         decoder(QByteArrayView(text.data(), static_cast<qsizetype>(text.size())));
-    return !decoder.hasError() && decoded.isNull() == text.empty();
+    return !decoder.hasError();
 }
 } // namespace dbif
 
