@@ -32,7 +32,6 @@ SqlText text_condition(const SqlText& column, const ColumnComparison& comparison
     case NOT_NULL:
         return sql << " IS NOT NULL";
     case IS_NULL:
-        return sql << " IS NULL";
     case IN:
     case NOT_IN:
         break;
@@ -54,10 +53,6 @@ SqlText value_condition(
     if (!comparison.holdsNumbers) {
         return text_condition(column, comparison);
     }
-    if (comparison.comparator == IS_NULL) {
-        SqlText sql;
-        return sql << column << " IS NULL";
-    }
     return ranges_condition(column, comparison.ranges, dialect);
 }
 
@@ -67,19 +62,15 @@ SqlText key_condition(const ColumnComparison& comparison, DBIF_Connection connec
     const TableFacts& f = facts(comparison.table);
     const KeyDefinition* definition =
         ColumnStore::of(connection).find(connection, comparison.table, comparison.column);
-    const bool isAbsent = comparison.comparator == IS_NULL;
     if (definition == nullptr) {
-        return isAbsent ? SqlText("(1 = 1)") : SqlText("(1 = 0)");
+        return SqlText("(1 = 0)");
     }
     const bool isOnPoints = comparison.isOnPoints();
     SqlText sql;
-    sql << "(" << qualified(f.name, "id")
-        << (isAbsent ? SqlText(" NOT IN (SELECT ") : SqlText(" IN (SELECT "))
-        << SqlName(f.linkColumn()) << " FROM "
+    sql << "(" << qualified(f.name, "id") << " IN (SELECT " << SqlName(f.linkColumn()) << " FROM "
         << SqlName(isOnPoints ? f.associationTable() : f.dataTable()) << " WHERE "
         << SqlName(f.columnLink()) << " = " << definition->id;
-    const bool isPresenceOnly = comparison.comparator == NOT_NULL || isAbsent;
-    if (isPresenceOnly || (isOnPoints && !comparison.holdsNumbers)) {
+    if (comparison.comparator == NOT_NULL || (isOnPoints && !comparison.holdsNumbers)) {
         return sql << "))";
     }
     const SqlDialect& dialect = connection.dialect();
@@ -93,10 +84,30 @@ SqlText key_condition(const ColumnComparison& comparison, DBIF_Connection connec
     return sql << ")))";
 }
 
+/// That a record has no value. Of a record that there is not, nothing is true.
+SqlText absence_condition(const ColumnComparison& comparison, DBIF_Connection connection)
+{
+    const SqlText id = qualified(facts(comparison.table).name, "id");
+    SqlText sql;
+    sql << "(" << id << " IS NOT NULL";
+    // A setup that holds a key may have points without a value of it.
+    if (comparison.isKey && !comparison.isOnPoints()) {
+        ColumnComparison presence = comparison;
+        presence.comparator = NOT_NULL;
+        sql << " AND NOT " << key_condition(presence, std::move(connection));
+    } else if (!comparison.isKey) {
+        sql << " AND " << qualified(facts(comparison.table).name, comparison.column) << " IS NULL";
+    }
+    return sql << ")";
+}
+
 SqlText comparison_sql(const ColumnComparison& comparison, DBIF_Connection connection)
 {
     SqlText sql;
     const TableFacts& f = facts(comparison.table);
+    if (comparison.comparator == IS_NULL) {
+        return absence_condition(comparison, std::move(connection));
+    }
     if (comparison.idSelect.has_value()) {
         return sql << "(" << qualified(f.name, "id") << " IN (" << *comparison.idSelect << "))";
     }

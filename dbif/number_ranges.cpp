@@ -29,9 +29,28 @@ NumberRange band(double value, double tolerance)
 
 void add_if_not_empty(double low, double high, NumberRanges* ranges)
 {
-    if (low <= high) {
+    // No number lies beyond the largest.
+    if (low <= high && low < kInfinity && high > -kInfinity) {
         ranges->push_back({low, high});
     }
+}
+
+NumberRanges from_to(double low, double high)
+{
+    NumberRanges ranges;
+    add_if_not_empty(low, high, &ranges);
+    return ranges;
+}
+
+/// The same numbers between ends that can be written as numbers.
+NumberRanges with_finite_ends(NumberRanges ranges)
+{
+    constexpr double kLargest = std::numeric_limits<double>::max();
+    for (NumberRange& range : ranges) {
+        range.low = std::max(range.low, -kLargest);
+        range.high = std::min(range.high, kLargest);
+    }
+    return ranges;
 }
 
 NumberRanges united(NumberRanges ranges)
@@ -72,15 +91,15 @@ NumberRanges ranges_of(Comparator comparator, const std::vector<double>& values,
     case NOT_IN:
         return complement(equal_to_any(values, tolerance));
     case LESS:
-        return {{-kInfinity, below(first.low)}};
+        return from_to(-kInfinity, below(first.low));
     case LESS_EQUAL:
-        return {{-kInfinity, first.high}};
+        return from_to(-kInfinity, first.high);
     case GREATER:
-        return {{above(first.high), kInfinity}};
+        return from_to(above(first.high), kInfinity);
     case GREATER_EQUAL:
-        return {{first.low, kInfinity}};
+        return from_to(first.low, kInfinity);
     case NOT_NULL:
-        return {{-kInfinity, kInfinity}};
+        return from_to(-kInfinity, kInfinity);
     case IS_NULL:
         break;
     }
@@ -121,8 +140,8 @@ ranges_condition(const SqlText& column, const NumberRanges& ranges, const SqlDia
         return SqlText("1 = 0");
     }
     if (ranges.size() > kMostInlineRanges) {
-        return sql << "EXISTS (SELECT 1 FROM " << dialect.rangeTable(ranges) << " AS ranges WHERE "
-                   << column << " BETWEEN ranges.low AND ranges.high)";
+        return sql << "EXISTS (SELECT 1 FROM " << dialect.rangeTable(with_finite_ends(ranges))
+                   << " AS ranges WHERE " << column << " BETWEEN ranges.low AND ranges.high)";
     }
     for (const NumberRange& range : ranges) {
         sql << (sql.isEmpty() ? SqlText() : SqlText(" OR ")) << column;
@@ -148,7 +167,7 @@ SqlText bounds_condition(const NumberRanges& ranges, const SqlDialect& dialect)
         return SqlText("1 = 0");
     }
     if (ranges.size() > kMostInlineRanges) {
-        return sql << "EXISTS (SELECT 1 FROM " << dialect.rangeTable(ranges)
+        return sql << "EXISTS (SELECT 1 FROM " << dialect.rangeTable(with_finite_ends(ranges))
                    << " AS ranges WHERE minimum <= ranges.high AND maximum >= ranges.low)";
     }
     for (const NumberRange& range : ranges) {

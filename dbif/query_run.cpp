@@ -54,6 +54,16 @@ Plan plan_columns(DBIF_Connection& connection, const DBIF_Query::SharedData& que
             {static_cast<std::size_t>(found - names.begin()),
              order.direction == QStringLiteral("ASC")});
     }
+    // Equal rows have to stand side by side to be found.
+    for (std::size_t column = 0; query.distinct && column < plan.shown; ++column) {
+        const bool isOrdered =
+            std::any_of(plan.order.begin(), plan.order.end(), [column](const SortKey& key) {
+                return key.column == column;
+            });
+        if (!isOrdered) {
+            plan.order.push_back({column, true});
+        }
+    }
     return plan;
 }
 

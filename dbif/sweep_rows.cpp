@@ -29,6 +29,14 @@ ConditionTree point_part(const ConditionTree& condition)
     return ConditionTree::joined(ConditionTree::Kind::And, onPoints);
 }
 
+/// Each column is read once, however often it is asked for.
+bool has_key(const std::vector<KeyDefinition>& columns, const std::string& key)
+{
+    return std::any_of(columns.begin(), columns.end(), [&key](const KeyDefinition& column) {
+        return column.key == key;
+    });
+}
+
 /// The selected setups, in the order of their ids, with what is known of each before its points are
 /// read.
 class SelectedSetups
@@ -91,11 +99,7 @@ public:
     void addConditionKeys(DBIF_Connection& connection, std::vector<KeyDefinition>* columns) const
     {
         pointPart_.forEachComparison([&](const ColumnComparison& comparison) {
-            const bool isKnown =
-                std::any_of(columns->begin(), columns->end(), [&](const KeyDefinition& column) {
-                    return column.key == comparison.column;
-                });
-            if (!comparison.isOnPoints() || isKnown) {
+            if (!comparison.isOnPoints() || has_key(*columns, comparison.column)) {
                 return;
             }
             if (const KeyDefinition* definition =
@@ -298,10 +302,10 @@ QueryResult read_sweep_rows(
     std::vector<KeyDefinition> columns;
     std::vector<ResultSource> recordSources;
     for (const ResultSource& source : sources) {
-        if (source.isOnPoints()) {
-            columns.push_back(source.key);
-        } else {
+        if (!source.isOnPoints()) {
             recordSources.push_back(source);
+        } else if (!has_key(columns, source.key.key)) {
+            columns.push_back(source.key);
         }
     }
     SelectedSetups setups(
