@@ -12,10 +12,6 @@ endif()
 # Adds the static library NAME of the folder that calls it, from all its sources, with the alias dbapi::NAME.
 function(dbapi_add_library NAME)
     file(GLOB sources CONFIGURE_DEPENDS *.cpp *.h)
-    if(NOT sources) # a folder that has no files yet
-        file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/empty.cpp "")
-        set(sources ${CMAKE_CURRENT_BINARY_DIR}/empty.cpp)
-    endif()
     add_library(${NAME} STATIC ${sources})
     add_library(dbapi::${NAME} ALIAS ${NAME})
     target_include_directories(${NAME} PUBLIC
