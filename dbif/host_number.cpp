@@ -2,6 +2,7 @@
 
 #include "dbif/host_string.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdlib>
@@ -77,25 +78,41 @@ bool find_scale(std::string_view letters, int* exponent)
     return false;
 }
 
-/// One sign, then the mantissa with its exponent shifted by the scale, so that rounding happens
-/// once.
+/// The exponent's number; one that no number can have stands for all larger ones.
+int read_exponent(std::string_view exponent)
+{
+    constexpr int kBeyond = 99'999;
+    if (exponent.empty()) {
+        return 0;
+    }
+    const bool isNegative = exponent[1] == '-';
+    const char* digits = exponent.data() + (isNegative || exponent[1] == '+' ? 2 : 1);
+    int number = 0;
+    if (std::from_chars(digits, exponent.data() + exponent.size(), number).ec != std::errc()) {
+        number = kBeyond;
+    }
+    number = std::min(number, kBeyond);
+    return isNegative ? -number : number;
+}
+
+/// Whether a number that is out of range is so because it is small: its first digit stands far
+/// behind the point.
+bool is_tiny(std::string_view mantissa, int exponent)
+{
+    const auto point = static_cast<long long>(std::min(mantissa.find('.'), mantissa.size()));
+    const auto first = static_cast<long long>(mantissa.find_first_not_of("0."));
+    return point - first + exponent < 0;
+}
+
+/// The mantissa with its exponent shifted by the scale, so that rounding happens once.
 double read_decimal(std::string_view mantissa, std::string_view exponent, int scale)
 {
-    int shift = 0;
-    if (!exponent.empty()) {
-        const char* digits = exponent.data() + (exponent[1] == '+' ? 2 : 1);
-        const char* end = exponent.data() + exponent.size();
-        if (std::from_chars(digits, end, shift).ec != std::errc()) {
-            shift = exponent[1] == '-' ? -99999 : 99999;
-        }
-    }
-    const std::string decimal = std::string(mantissa) + "e" + std::to_string(shift + scale);
+    const int shift = read_exponent(exponent) + scale;
+    const std::string decimal = std::string(mantissa) + "e" + std::to_string(shift);
     double number = 0;
     const auto result = std::from_chars(decimal.data(), decimal.data() + decimal.size(), number);
-    if (result.ec == std::errc::result_out_of_range) {
-        // from_chars leaves the number alone; it is too large, or so small that it is zero.
-        const bool isZero = shift + scale < 0;
-        return isZero ? 0.0 : kNoNumber;
+    if (result.ec == std::errc::result_out_of_range && is_tiny(mantissa, shift)) {
+        return 0.0;
     }
     return result.ec == std::errc() ? number : kNoNumber;
 }

@@ -169,6 +169,14 @@ public:
         return taken;
     }
 
+    /// Whether so many values of a size are left; counts come from the chunk and may be any.
+    [[nodiscard]] bool has(std::size_t count, std::size_t size) const
+    {
+        return count <= bytes_.size() / size;
+    }
+
+    [[noreturn]] void fail(const char* what) const { throw_damaged(place_, what); }
+
     [[nodiscard]] bool isAtEnd() const { return bytes_.empty(); }
 
 private:
@@ -179,6 +187,9 @@ private:
 template <typename T>
 void append_run(ChunkReader& reader, std::size_t count, std::vector<T>* values)
 {
+    if (!reader.has(count, sizeof(T))) {
+        reader.fail("it is too short");
+    }
     const std::string_view bytes = reader.take(count * sizeof(T));
     const std::size_t start = values->size();
     values->resize(start + count);
@@ -192,6 +203,9 @@ ComplexMatrix read_packed_matrix(ChunkReader& reader)
     ComplexMatrix matrix;
     matrix.rows = reader.count();
     matrix.columns = reader.count();
+    if ((matrix.rows == 0) != (matrix.columns == 0)) {
+        reader.fail("a matrix has no size");
+    }
     append_run(reader, matrix.rows * matrix.columns, &matrix.cells);
     return matrix;
 }
