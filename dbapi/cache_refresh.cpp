@@ -5,6 +5,7 @@
 #include "dbif/column_store.h"
 #include "dbif/error_text.h"
 #include "dbif/newest_time.h"
+#include "dbif/not_copied.h"
 #include "dbui/connections_path.h"
 
 #include <sys/stat.h>
@@ -48,15 +49,12 @@ bool is_connection_usable(DbapiCache& cache)
            cache.connection->isSameFile();
 }
 
-class UpdateMark
+class UpdateMark : private dbif::NotCopied
 {
 public:
     explicit UpdateMark(DbapiCache& cache) : cache_(cache) { cache_.inUpdate = true; }
 
     ~UpdateMark() { cache_.inUpdate = false; }
-
-    UpdateMark(const UpdateMark&) = delete;
-    UpdateMark& operator=(const UpdateMark&) = delete;
 
 private:
     DbapiCache& cache_;

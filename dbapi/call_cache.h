@@ -3,6 +3,7 @@
 #include "dbapi/keyword_resolution.h"
 #include "dbif/condition.h"
 #include "dbif/connection.h"
+#include "dbif/not_copied.h"
 #include "dbui/connection_record.h"
 
 #include <QDateTime>
@@ -13,12 +14,10 @@
 
 /// What the last public call leaves to the next one: the open connection with the record that it
 /// was made from, the query string with its condition, and how new the data was. Owns all of it.
-class DbapiCache
+class DbapiCache : private dbif::NotCopied
 {
 public:
     DbapiCache() = default;
-    DbapiCache(const DbapiCache&) = delete;
-    DbapiCache& operator=(const DbapiCache&) = delete;
 
     /// Null unless connection, record and condition are all there.
     [[nodiscard]] DBIF_Connection* get_connectionObj() const;
@@ -60,13 +59,11 @@ public:
 };
 
 /// Marks the outermost of nested public calls while it lives.
-class DbapiCacheHelper
+class DbapiCacheHelper : private dbif::NotCopied
 {
 public:
     DbapiCacheHelper();
     ~DbapiCacheHelper();
-    DbapiCacheHelper(const DbapiCacheHelper&) = delete;
-    DbapiCacheHelper& operator=(const DbapiCacheHelper&) = delete;
 
     [[nodiscard]] bool is_at_toplevel() const { return isTopLevel_; }
 

@@ -114,13 +114,15 @@ void dbapi_get_set_of_keynames_from_query_results(
             tablename == "setup"
                 ? dbapi::convert_setup_is_input_to_full_category_name(query.value(2).toInt() != 0)
                 : dbif::trimmed(dbif::to_utf8(query.value(2).toString()));
-        std::string entry = "Key(" + name + "," + tablename;
+        std::string entry = "Key(" + name;
+        entry += "," + tablename;
         if (!datatype.empty()) {
             entry += "," + dbapi::convert_to_full_datatype_name(datatype);
         }
         if (!category.empty()) {
             // The blank stands in for the data type.
-            entry += (datatype.empty() ? ", ," : ",") + category;
+            entry += datatype.empty() ? ", ," : ",";
+            entry += category;
         }
         set->insert(entry + ")");
     }

@@ -79,6 +79,26 @@ void clear_lists(const ColumnLists& lists)
     std::apply([](auto*... list) { (list->clear(), ...); }, lists);
 }
 
+template <typename Record>
+void add_to_list(
+    unsigned int position,
+    const DBIF_FixedColumn<Record>& column,
+    const ColumnLists& lists)
+{
+    using Fixed = DBIF_FixedColumn<Record>;
+    std::get<dbapi::PlacedColumns<Fixed>*>(lists)->emplace_back(
+        position, QSharedPointer<Fixed>::create(column));
+}
+
+template <typename Column>
+void add_to_list(
+    unsigned int position,
+    const QSharedPointer<Column>& column,
+    const ColumnLists& lists)
+{
+    std::get<dbapi::PlacedColumns<Column>*>(lists)->emplace_back(position, column);
+}
+
 /// Finds the column of one resolved keyword and puts it into its list.
 bool place_column(
     DBIF_Connection& connection,
@@ -93,17 +113,10 @@ bool place_column(
     std::string reason;
     const auto found = dbapi::visit_table(key.tablename, [&](auto record) {
         using Record = typename decltype(record)::type;
-        return look_up<Record>(
-            connection, key.keyname, category, datatype, &reason, [&](const auto& column) {
-                if constexpr (std::is_same_v<decltype(column), const DBIF_FixedColumn<Record>&>) {
-                    using Fixed = DBIF_FixedColumn<Record>;
-                    std::get<dbapi::PlacedColumns<Fixed>*>(lists)->emplace_back(
-                        position, QSharedPointer<Fixed>::create(column));
-                } else {
-                    using Column = typename Record::KeyColumn;
-                    std::get<dbapi::PlacedColumns<Column>*>(lists)->emplace_back(position, column);
-                }
-            });
+        const auto place = [&](const auto& column) {
+            add_to_list(position, column, lists);
+        };
+        return look_up<Record>(connection, key.keyname, category, datatype, &reason, place);
     });
     if (!found.has_value()) {
         *errors = "Error: Unexpected, Invalid Database table name encountered: \"" + key.tablename +

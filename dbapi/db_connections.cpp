@@ -76,14 +76,14 @@ bool db_create_sqlite_connection(
     return db_create_connection("QSQLITE", name, file, "", "", "", "", errors);
 }
 
-bool db_remove_connection(const std::string& given, std::string* errors)
+bool db_remove_connection(const std::string& name, std::string* errors)
 {
     dbif::clear_error(errors);
-    const std::string name = dbif::trimmed(given);
+    const std::string trimmedName = dbif::trimmed(name);
     const std::string heading =
-        "Could not delete the given database connection name \"" + name + "\".\n";
+        "Could not delete the given database connection name \"" + trimmedName + "\".\n";
     DbuiConnection record;
-    if (!dbui_find_connection_by_name(name, &record)) {
+    if (!dbui_find_connection_by_name(trimmedName, &record)) {
         return fail(errors, heading, "The database connection does not exist.\n");
     }
     std::string reason;

@@ -110,6 +110,29 @@ bool find_query_columns(
     });
     return true;
 }
+
+std::vector<std::vector<std::string>> read_rows(
+    DBIF_Connection& connection,
+    const std::vector<QueryColumn>& columns,
+    const DBIF_QueryCondition* condition,
+    bool latestOnly,
+    bool distinct)
+{
+    DBIF_VantoQuery query(connection);
+    for (const QueryColumn& column : columns) {
+        query.addColumnAt(column.table, column.column, static_cast<int>(column.position));
+        query.addOrder(column.table, column.column, true);
+    }
+    query.markDistinct(distinct);
+    query.markLatestOnly(latestOnly);
+    query.setCondition(condition);
+    dbif::QueryResult result = dbif::run_query(query);
+    std::vector<std::vector<std::string>> texts;
+    for (dbif::ResultColumn& column : result.columns) {
+        texts.push_back(dbif::take_texts(&column));
+    }
+    return texts;
+}
 } // namespace
 
 bool dbapi_get_values_for_keywords(
@@ -151,20 +174,7 @@ bool dbapi_get_values_for_keywords(
         return false;
     }
     const dbapi::CallCondition condition(built);
-    DBIF_VantoQuery rows(*connection);
-    for (const QueryColumn& column : columns) {
-        rows.addColumnAt(column.table, column.column, static_cast<int>(column.position));
-        rows.addOrder(column.table, column.column, true);
-    }
-    rows.markDistinct(distinct);
-    rows.markLatestOnly(latestOnly);
-    rows.setCondition(condition.get());
-    dbif::QueryResult result = dbif::run_query(rows);
-    std::vector<std::vector<std::string>> texts;
-    for (dbif::ResultColumn& column : result.columns) {
-        texts.push_back(dbif::take_texts(&column));
-    }
-    *values = std::move(texts);
+    *values = read_rows(*connection, columns, condition.get(), latestOnly, distinct);
     return true;
 }
 

@@ -10,7 +10,9 @@
 #include "dbif/host_string.h"
 #include "dbif/schema_names.h"
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 namespace {
 using KeywordMap = std::map<std::string, std::set<std::string>>;
@@ -27,6 +29,22 @@ struct Wanted
     std::array<std::set<dbapiKeyTermC>, kKeyedTables.size()> terms;
 };
 
+/// Adds a keyword's term to the tables that it could mean.
+void add_term(
+    const std::string& keyname,
+    const std::string& tablename,
+    const std::string& category,
+    const std::string& datatype,
+    Wanted* wanted)
+{
+    for (std::size_t i = 0; i < kKeyedTables.size(); ++i) {
+        const std::string table(dbif::facts(kKeyedTables.at(i)).name);
+        if (tablename.empty() || tablename == table) {
+            wanted->terms.at(i).emplace(keyname, table, category, datatype);
+        }
+    }
+}
+
 bool collect_terms(const std::set<std::string>& keywords, Wanted* wanted, std::string* error)
 {
     for (const std::string& keyword : keywords) {
@@ -42,13 +60,8 @@ bool collect_terms(const std::set<std::string>& keywords, Wanted* wanted, std::s
         dbapi_extract_category_datatype_attributes(attributes, &category, &datatype);
         if (dbapi_is_category_fixed(category)) {
             add_keyword_to_map2(keyname, tablename, attributes, &wanted->fixed);
-            continue;
-        }
-        for (std::size_t i = 0; i < kKeyedTables.size(); ++i) {
-            const std::string table(dbif::facts(kKeyedTables.at(i)).name);
-            if (tablename.empty() || tablename == table) {
-                wanted->terms.at(i).emplace(keyname, table, category, datatype);
-            }
+        } else {
+            add_term(keyname, tablename, category, datatype, wanted);
         }
     }
     return true;
@@ -77,27 +90,38 @@ bool add_from_catalogue(
     return true;
 }
 
-/// The keys of the wanted names, whether a record has them or not.
-void add_from_definitions(DBIF_Connection& connection, const Wanted& wanted, KeywordMap* map)
+/// The keys of one table that have one of the names.
+void add_definitions(
+    DBIF_Connection& connection,
+    dbif::RecordTable table,
+    const std::set<std::string>& names,
+    KeywordMap* map)
 {
-    for (std::size_t i = 0; i < kKeyedTables.size(); ++i) {
-        if (wanted.terms.at(i).empty()) {
-            continue;
+    const std::string tablename(dbif::facts(table).name);
+    for (const dbif::KeyDefinition& definition :
+         dbif::ColumnStore::of(connection).all(connection, table)) {
+        if (names.contains(definition.name)) {
+            const std::string datatype = dbif::to_utf8(dbif::datatype_name(definition.kind));
+            add_keyword_to_map2(
+                definition.name, tablename, definition.category + "|" + datatype, map);
         }
+    }
+}
+
+/// The keys of the wanted names, whether a record has them or not, and the fixed columns.
+KeywordMap map_of_definitions(DBIF_Connection& connection, const Wanted& wanted)
+{
+    KeywordMap map = wanted.fixed;
+    for (std::size_t i = 0; i < kKeyedTables.size(); ++i) {
         std::set<std::string> names;
         for (const dbapiKeyTermC& term : wanted.terms.at(i)) {
             names.insert(term.keyname());
         }
-        const std::string table(dbif::facts(kKeyedTables.at(i)).name);
-        for (const dbif::KeyDefinition& definition :
-             dbif::ColumnStore::of(connection).all(connection, kKeyedTables.at(i))) {
-            if (names.contains(definition.name)) {
-                const std::string datatype = dbif::to_utf8(dbif::datatype_name(definition.kind));
-                add_keyword_to_map2(
-                    definition.name, table, definition.category + "|" + datatype, map);
-            }
+        if (!names.empty()) {
+            add_definitions(connection, kKeyedTables.at(i), names, &map);
         }
     }
+    return map;
 }
 
 /// How many keys of the map agree with the keyword, as far as that decides: 0, 1, or 2 for several.
@@ -110,6 +134,32 @@ int count_matches(const std::string& keyword, const KeywordMap& map)
         return 1;
     }
     return error.find("Ambiguous VANTO database keyword") == std::string::npos ? 0 : 2;
+}
+
+/// The smallest and the largest number of matches among the keywords.
+std::pair<int, int> count_matches(const std::set<std::string>& keywords, const KeywordMap& map)
+{
+    std::pair<int, int> range{2, 0};
+    for (const std::string& keyword : keywords) {
+        const int count = count_matches(keyword, map);
+        range = {std::min(range.first, count), std::max(range.second, count)};
+    }
+    return range;
+}
+
+/// The map of definitions for the keywords. Where one finds nothing, the definitions are read anew:
+/// it may have been defined meanwhile.
+KeywordMap current_definitions(
+    DBIF_Connection& connection,
+    const std::set<std::string>& keywords,
+    const Wanted& wanted)
+{
+    KeywordMap map = map_of_definitions(connection, wanted);
+    if (!keywords.empty() && count_matches(keywords, map).first == 0) {
+        dbif::ColumnStore::of(connection).refresh();
+        map = map_of_definitions(connection, wanted);
+    }
+    return map;
 }
 
 std::string failure_heading(const std::string& keyword)
@@ -182,16 +232,12 @@ bool resolve_set_of_keywords_by_definition(
     map->clear();
     dbif::clear_error(error);
     Wanted wanted;
-    KeywordMap found;
     if (!collect_terms(keywords, &wanted, error)) {
         return false;
     }
-    add_from_definitions(connection, wanted, &found);
-    found = merge_maps(wanted.fixed, found);
-    for (const std::string& keyword : keywords) {
-        if (count_matches(keyword, found) > 1) {
-            return dbapi_resolve_set_of_keywords(connection, keywords, map, condition, flag, error);
-        }
+    KeywordMap found = current_definitions(connection, keywords, wanted);
+    if (count_matches(keywords, found).second > 1) {
+        return dbapi_resolve_set_of_keywords(connection, keywords, map, condition, flag, error);
     }
     *map = std::move(found);
     return true;
@@ -208,20 +254,18 @@ bool resolve_keyword_by_definition(
 {
     const ResolutionMark mark;
     *key = ResolvedKey();
+    *isByDefinition = false;
     const std::string trimmed = dbif::trimmed(keyword);
     Wanted wanted;
-    KeywordMap found;
     std::string ignored;
     if (!trimmed.empty() && collect_terms({trimmed}, &wanted, &ignored)) {
-        add_from_definitions(connection, wanted, &found);
-        found = merge_maps(wanted.fixed, found);
+        const KeywordMap found = current_definitions(connection, {trimmed}, wanted);
         if (count_matches(trimmed, found) < 2) {
             *isByDefinition = true;
             return dbapi_extract_resolved_db_names_for_keyword_from_preprocessed_map(
                 trimmed, found, &key->keyname, &key->tablename, &key->attributes, error);
         }
     }
-    *isByDefinition = false;
     return dbapi_extract_db_names_from_keyword(
         connection, keyword, &key->keyname, &key->tablename, &key->attributes, condition, flag,
         error);

@@ -13,19 +13,19 @@ template <typename Visit>
 std::optional<bool> visit_table(const std::string& tablename, const Visit& visit)
 {
     std::optional<bool> result;
-    const auto try_table = [&](auto record) {
+    const auto tryTable = [&](auto record) {
         using Record = typename decltype(record)::type;
         if (!result.has_value() && tablename == dbif::facts(Record::kTable).name) {
             result = visit(record);
         }
     };
-    try_table(std::type_identity<DBIF_CatalogEntry>());
-    try_table(std::type_identity<DBIF_Device>());
-    try_table(std::type_identity<DBIF_Die>());
-    try_table(std::type_identity<DBIF_Measurement>());
-    try_table(std::type_identity<DBIF_MeasurementCondition>());
-    try_table(std::type_identity<DBIF_Routine>());
-    try_table(std::type_identity<DBIF_Setup>());
+    tryTable(std::type_identity<DBIF_CatalogEntry>());
+    tryTable(std::type_identity<DBIF_Device>());
+    tryTable(std::type_identity<DBIF_Die>());
+    tryTable(std::type_identity<DBIF_Measurement>());
+    tryTable(std::type_identity<DBIF_MeasurementCondition>());
+    tryTable(std::type_identity<DBIF_Routine>());
+    tryTable(std::type_identity<DBIF_Setup>());
     return result;
 }
 

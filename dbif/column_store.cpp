@@ -28,13 +28,13 @@ std::optional<ColumnKeyParts> split_column_key(std::string_view key)
         std::string(key.substr(0, first)), *kind, std::string(key.substr(second + 1))};
 }
 
-ColumnStore& ColumnStore::of(DBIF_Connection connection)
+ColumnStore& ColumnStore::of(DBIF_Connection& connection)
 {
     return static_cast<ColumnStore&>(
         connection.attachment([] { return std::make_unique<ColumnStore>(); }));
 }
 
-void ColumnStore::load(DBIF_Connection connection, RecordTable table, Definitions* definitions)
+void ColumnStore::load(DBIF_Connection& connection, RecordTable table, Definitions* definitions)
 {
     const TableFacts& f = facts(table);
     definitions->list.clear();
@@ -61,7 +61,7 @@ void ColumnStore::load(DBIF_Connection connection, RecordTable table, Definition
 }
 
 const KeyDefinition*
-ColumnStore::find(DBIF_Connection connection, RecordTable table, std::string_view key)
+ColumnStore::find(DBIF_Connection& connection, RecordTable table, std::string_view key)
 {
     Definitions& definitions = definitionsOf(table);
     const bool wasLoaded = definitions.isLoaded;
@@ -77,7 +77,7 @@ ColumnStore::find(DBIF_Connection connection, RecordTable table, std::string_vie
     return found == definitions.byKey.end() ? nullptr : &definitions.list[found->second];
 }
 
-const std::vector<KeyDefinition>& ColumnStore::all(DBIF_Connection connection, RecordTable table)
+const std::vector<KeyDefinition>& ColumnStore::all(DBIF_Connection& connection, RecordTable table)
 {
     Definitions& definitions = definitionsOf(table);
     if (!definitions.isLoaded) {

@@ -43,13 +43,13 @@ std::optional<ColumnKeyParts> split_column_key(std::string_view key);
 class ColumnStore : public ConnectionAttachment
 {
 public:
-    static ColumnStore& of(DBIF_Connection connection);
+    static ColumnStore& of(DBIF_Connection& connection);
 
     /// The definition of a unique key; null when there is none. Valid until the next `refresh` or
     /// miss.
-    const KeyDefinition* find(DBIF_Connection connection, RecordTable table, std::string_view key);
+    const KeyDefinition* find(DBIF_Connection& connection, RecordTable table, std::string_view key);
     /// All definitions of a table, by id.
-    const std::vector<KeyDefinition>& all(DBIF_Connection connection, RecordTable table);
+    const std::vector<KeyDefinition>& all(DBIF_Connection& connection, RecordTable table);
     /// Forgets what was read.
     void refresh();
 
@@ -62,7 +62,7 @@ private:
         std::unordered_map<std::string, std::size_t> byKey;
     };
 
-    static void load(DBIF_Connection connection, RecordTable table, Definitions* definitions);
+    static void load(DBIF_Connection& connection, RecordTable table, Definitions* definitions);
 
     Definitions& definitionsOf(RecordTable table)
     {

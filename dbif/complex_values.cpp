@@ -46,16 +46,16 @@ std::size_t imaginary_start(std::string_view text)
 }
 } // namespace
 
-std::optional<std::complex<double>> read_complex(std::string_view given)
+std::optional<std::complex<double>> read_complex(std::string_view text)
 {
-    const std::string text = trimmed(given);
-    if (text.empty()) {
+    const std::string number = trimmed(text);
+    if (number.empty()) {
         return kNoComplex;
     }
     double real = 0;
     double imaginary = 0;
-    if (text.ends_with('j') || text.ends_with('i')) {
-        const std::string_view parts = std::string_view(text).substr(0, text.size() - 1);
+    if (number.ends_with('j') || number.ends_with('i')) {
+        const std::string_view parts = std::string_view(number).substr(0, number.size() - 1);
         const std::size_t split = imaginary_start(parts);
         const std::string_view imaginaryPart = parts.substr(split);
         const bool isUnit = imaginaryPart.empty() || imaginaryPart == "+" || imaginaryPart == "-";
@@ -63,7 +63,7 @@ std::optional<std::complex<double>> read_complex(std::string_view given)
             isUnit ? (imaginaryPart == "-" ? -1.0 : 1.0) : read_engineering_number(imaginaryPart);
         real = split == 0 ? 0.0 : read_engineering_number(parts.substr(0, split));
     } else {
-        real = read_engineering_number(text);
+        real = read_engineering_number(number);
     }
     if (std::isnan(real) || std::isnan(imaginary)) {
         return std::nullopt;
@@ -143,13 +143,13 @@ private:
 };
 } // namespace
 
-std::optional<ComplexMatrix> read_matrix(std::string_view given)
+std::optional<ComplexMatrix> read_matrix(std::string_view text)
 {
-    const std::string text = trimmed(given);
-    if (text.empty()) {
+    const std::string matrix = trimmed(text);
+    if (matrix.empty()) {
         return ComplexMatrix();
     }
-    return MatrixReader(text).read();
+    return MatrixReader(matrix).read();
 }
 } // namespace dbif
 

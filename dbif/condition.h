@@ -30,6 +30,8 @@ public:
     DBIF_QueryCondition() = default;
     DBIF_QueryCondition(const DBIF_QueryCondition&) = default;
     DBIF_QueryCondition& operator=(const DBIF_QueryCondition&) = default;
+    DBIF_QueryCondition(DBIF_QueryCondition&&) = default;
+    DBIF_QueryCondition& operator=(DBIF_QueryCondition&&) = default;
 
     /// A parenthesised SQL expression over qualified columns of the record tables. A comparison
     /// with something absent is not true. A condition on points of a setup selects every setup

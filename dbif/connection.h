@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dbif/exception.h"
+#include "dbif/not_copied.h"
 #include "dbif/sql_dialect.h"
 
 #include <QDateTime>
@@ -18,13 +19,11 @@ namespace dbif {
 enum class MissingFile { Create, Fail };
 
 /// State that an upper floor keeps with one open connection, for as long as it is open.
-class ConnectionAttachment
+class ConnectionAttachment : private NotCopied
 {
 public:
     ConnectionAttachment() = default;
     virtual ~ConnectionAttachment() = default;
-    ConnectionAttachment(const ConnectionAttachment&) = delete;
-    ConnectionAttachment& operator=(const ConnectionAttachment&) = delete;
 };
 } // namespace dbif
 

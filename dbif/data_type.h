@@ -25,6 +25,8 @@ public:
     DBIF_DataType() = default;
     DBIF_DataType(const DBIF_DataType&) = default;
     DBIF_DataType& operator=(const DBIF_DataType&) = default;
+    DBIF_DataType(DBIF_DataType&&) = default;
+    DBIF_DataType& operator=(DBIF_DataType&&) = default;
     virtual ~DBIF_DataType() = default;
 
     virtual void print(std::ostream& out) const;

@@ -44,6 +44,8 @@ protected:
     ~DBIF_DynamicTableColumn() = default;
     DBIF_DynamicTableColumn(const DBIF_DynamicTableColumn&) = default;
     DBIF_DynamicTableColumn& operator=(const DBIF_DynamicTableColumn&) = default;
+    DBIF_DynamicTableColumn(DBIF_DynamicTableColumn&&) = default;
+    DBIF_DynamicTableColumn& operator=(DBIF_DynamicTableColumn&&) = default;
 
 private:
     dbif::RecordTable table_;

@@ -17,8 +17,8 @@ class KTString
 public:
     KTString() = default;
 
-    KTString(const char* text)
-        : text_(text == nullptr ? "" : text) {} // NOLINT(google-explicit-constructor)
+    // NOLINTNEXTLINE(google-explicit-constructor)
+    KTString(const char* text) : text_(text == nullptr ? "" : text) {}
 
     KTString(std::string text) : text_(std::move(text)) {} // NOLINT(google-explicit-constructor)
 

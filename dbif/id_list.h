@@ -3,6 +3,7 @@
 #include "dbif/condition.h"
 #include "dbif/condition_tree.h"
 #include "dbif/connection.h"
+#include "dbif/not_copied.h"
 
 #include <vector>
 
@@ -26,13 +27,11 @@ private:
 
 /// Records of one table, picked by their ids, as a condition: a list in the statement up to 500
 /// ids, beyond that a temporary table, which lives as long as this object.
-class IdList
+class IdList : private NotCopied
 {
 public:
     IdList(DBIF_Connection connection, RecordTable table, const std::vector<int>& ids);
     ~IdList();
-    IdList(const IdList&) = delete;
-    IdList& operator=(const IdList&) = delete;
 
     [[nodiscard]] const ConditionTree& condition() const { return condition_; }
 

@@ -37,12 +37,7 @@ public:
         QList<QMap<QString, QVariant>> rows;
         rows.resize(static_cast<qsizetype>(rows_));
         for (const auto& [key, array] : arrays_) {
-            const QString name = dbif::to_qt(key);
-            for (std::size_t row = 0; row < array.size(); ++row) {
-                if (array.hasValue(row)) {
-                    rows[static_cast<qsizetype>(row)].insert(name, value_of(array, row));
-                }
-            }
+            add_values(dbif::to_qt(key), array, &rows);
         }
         return rows;
     }
@@ -53,6 +48,18 @@ public:
     [[nodiscard]] const dbif::SweepArrays& arrays() const { return arrays_; }
 
 private:
+    static void add_values(
+        const QString& key,
+        const dbif::SweepArray& array,
+        QList<QMap<QString, QVariant>>* rows)
+    {
+        for (std::size_t row = 0; row < array.size(); ++row) {
+            if (array.hasValue(row)) {
+                (*rows)[static_cast<qsizetype>(row)].insert(key, value_of(array, row));
+            }
+        }
+    }
+
     static QVariant value_of(const dbif::SweepArray& array, std::size_t row)
     {
         return array.kind == dbif::ValueKind::Double ? QVariant(array.numbers[row])

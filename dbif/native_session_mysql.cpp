@@ -3,6 +3,7 @@
 #include "dbif/exception.h"
 #include "dbif/host_number.h"
 #include "dbif/host_string.h"
+#include "dbif/not_copied.h"
 
 #include <QSqlDriver>
 #include <QVariant>
@@ -78,9 +79,6 @@ public:
             mysql_stmt_close(statement_);
         }
     }
-
-    MysqlStatement(const MysqlStatement&) = delete;
-    MysqlStatement& operator=(const MysqlStatement&) = delete;
 
     void bindInteger(int parameter, long long value) override
     {

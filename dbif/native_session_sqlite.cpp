@@ -2,6 +2,7 @@
 
 #include "dbif/exception.h"
 #include "dbif/host_string.h"
+#include "dbif/not_copied.h"
 
 #include <QSqlDriver>
 #include <QVariant>
@@ -33,9 +34,6 @@ public:
     }
 
     ~SqliteStatement() override { sqlite3_finalize(statement_); }
-
-    SqliteStatement(const SqliteStatement&) = delete;
-    SqliteStatement& operator=(const SqliteStatement&) = delete;
 
     void bindInteger(int parameter, long long value) override
     {

@@ -1,18 +1,18 @@
 #pragma once
 
+#include "dbif/not_copied.h"
+
 #include <memory>
 #include <string_view>
 
 namespace dbif {
 /// One prepared statement of a database's own C client. Positions count from 0. Every member throws
 /// `DBIF_Exception` when the client reports an error.
-class NativeStatement
+class NativeStatement : private NotCopied
 {
 public:
     NativeStatement() = default;
     virtual ~NativeStatement() = default;
-    NativeStatement(const NativeStatement&) = delete;
-    NativeStatement& operator=(const NativeStatement&) = delete;
 
     /// The values of the next run. Texts and blobs are copied.
     virtual void bindInteger(int parameter, long long value) = 0;
@@ -33,13 +33,11 @@ public:
 
 /// Inserts rows into one table: a value per column in order, then `endRow`. Rows may be sent in
 /// batches, so an error can show as late as `flush`, which has to be called at the end.
-class RowInserter
+class RowInserter : private NotCopied
 {
 public:
     RowInserter() = default;
     virtual ~RowInserter() = default;
-    RowInserter(const RowInserter&) = delete;
-    RowInserter& operator=(const RowInserter&) = delete;
 
     virtual RowInserter& null() = 0;
     virtual RowInserter& integer(long long value) = 0;

@@ -34,6 +34,8 @@ DBIF_Query::DBIF_Query(DBIF_Connection connection) : data_(new SharedData(std::m
 DBIF_Query::~DBIF_Query() = default;
 DBIF_Query::DBIF_Query(const DBIF_Query& other) = default;
 DBIF_Query& DBIF_Query::operator=(const DBIF_Query& other) = default;
+DBIF_Query::DBIF_Query(DBIF_Query&& other) noexcept = default;
+DBIF_Query& DBIF_Query::operator=(DBIF_Query&& other) noexcept = default;
 
 const DBIF_Query::SharedData& DBIF_Query::data() const
 {

@@ -3,6 +3,7 @@
 #include "dbif/compound_condition.h"
 #include "dbif/connection.h"
 #include "dbif/fixed_column.h"
+#include "dbif/not_copied.h"
 
 #include <QList>
 #include <QSet>
@@ -14,13 +15,11 @@
 class DBIF_Query;
 
 /// Computes how the tables of a query are joined.
-class DBIF_QueryJoinAlgorithm
+class DBIF_QueryJoinAlgorithm : private dbif::NotCopied
 {
 public:
     DBIF_QueryJoinAlgorithm() = default;
     virtual ~DBIF_QueryJoinAlgorithm() = default;
-    DBIF_QueryJoinAlgorithm(const DBIF_QueryJoinAlgorithm&) = delete;
-    DBIF_QueryJoinAlgorithm& operator=(const DBIF_QueryJoinAlgorithm&) = delete;
 
     /// Adds joins to the query, one for each table behind the first.
     virtual void computeJoins(DBIF_Query& query) = 0;
@@ -64,6 +63,8 @@ public:
     virtual ~DBIF_Query();
     DBIF_Query(const DBIF_Query& other);
     DBIF_Query& operator=(const DBIF_Query& other);
+    DBIF_Query(DBIF_Query&& other) noexcept;
+    DBIF_Query& operator=(DBIF_Query&& other) noexcept;
 
     /// The SELECT statement; `isOrdered` adds order and limit.
     [[nodiscard]] virtual QString generateSql(bool isOrdered);
@@ -117,6 +118,8 @@ struct DBIF_Query::SharedData : public QSharedData
     explicit SharedData(DBIF_Connection given);
     SharedData(const SharedData& other);
     SharedData& operator=(const SharedData&) = delete;
+    SharedData(SharedData&&) = delete;
+    SharedData& operator=(SharedData&&) = delete;
     ~SharedData();
 
     /// The algorithm that computes no joins, shared by all queries that were given none.

@@ -5,6 +5,7 @@
 #include "dbif/host_string.h"
 #include "dbif/key_writer.h"
 #include "dbif/newest_time.h"
+#include "dbif/not_copied.h"
 #include "dbif/record_identity.h"
 #include "dbif/schema_names.h"
 
@@ -104,7 +105,7 @@ std::optional<std::string> data_origin(const std::vector<KeyValue>& keys)
 }
 } // namespace
 
-class RecordWriter::Work
+class RecordWriter::Work : private NotCopied
 {
 public:
     explicit Work(DBIF_Connection connection)

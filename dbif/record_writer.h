@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dbif/connection.h"
+#include "dbif/not_copied.h"
 #include "dbif/record_values.h"
 
 #include <memory>
@@ -15,13 +16,11 @@ namespace dbif {
 ///
 /// Every member throws `DBIF_Exception` with a message that says what is wrong with the data, or on
 /// a database error. Without `commit` nothing is stored.
-class RecordWriter
+class RecordWriter : private NotCopied
 {
 public:
     explicit RecordWriter(DBIF_Connection connection);
     ~RecordWriter();
-    RecordWriter(const RecordWriter&) = delete;
-    RecordWriter& operator=(const RecordWriter&) = delete;
 
     int addCatalogEntry(const FixedTexts& columns, const std::vector<KeyValue>& keys = {});
     /// By lot, wafer, die and block.

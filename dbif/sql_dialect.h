@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dbif/native_statement.h"
+#include "dbif/not_copied.h"
 #include "dbif/sql_text.h"
 
 #include <QSqlDatabase>
@@ -39,13 +40,11 @@ struct ChangeToken
 
 /// An open connection seen through the database's own C client. Ends before the Qt connection it
 /// stands on.
-class SqlSession
+class SqlSession : private NotCopied
 {
 public:
     SqlSession() = default;
     virtual ~SqlSession() = default;
-    SqlSession(const SqlSession&) = delete;
-    SqlSession& operator=(const SqlSession&) = delete;
 
     virtual std::unique_ptr<NativeStatement> prepare(const SqlText& sql) = 0;
     virtual std::unique_ptr<RowInserter>
@@ -75,13 +74,11 @@ struct NumberRange
 };
 
 /// What differs between database engines, as one object of answers. Everything else is plain SQL.
-class SqlDialect
+class SqlDialect : private NotCopied
 {
 public:
     SqlDialect() = default;
     virtual ~SqlDialect() = default;
-    SqlDialect(const SqlDialect&) = delete;
-    SqlDialect& operator=(const SqlDialect&) = delete;
 
     /// Name of the engine, for people.
     [[nodiscard]] virtual std::string name() const = 0;

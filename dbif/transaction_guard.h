@@ -1,16 +1,15 @@
 #pragma once
 
 #include "dbif/connection.h"
+#include "dbif/not_copied.h"
 
 /// Ends a transaction at the end of a scope: `arm` it right after `beginTransaction()`. Holds its
 /// own copy of the connection handle.
-class DConHelper
+class DConHelper : private dbif::NotCopied
 {
 public:
     explicit DConHelper(DBIF_Connection connection);
     ~DConHelper();
-    DConHelper(const DConHelper&) = delete;
-    DConHelper& operator=(const DConHelper&) = delete;
 
     void arm() { armed_ = true; }
 
