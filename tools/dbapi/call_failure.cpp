@@ -1,0 +1,51 @@
+#include "tools/dbapi/call_failure.h"
+
+#include "dbif/host_string.h"
+
+#include "tools/dbapi/command_failure.h"
+#include "tools/dbapi/known_keys.h"
+#include "tools/dbapi/query_fault.h"
+#include "tools/dbapi/stored_names.h"
+
+#include <optional>
+
+namespace dbapi::tool {
+namespace {
+std::optional<QueryFault>
+find_fault(KnownKeys& keys, const DataRequest& request, const std::string& errors)
+{
+    std::optional<QueryFault> fault = find_query_fault(keys, request.query, errors);
+    for (const std::string& keyword : request.keywords) {
+        if (!fault.has_value()) {
+            fault = find_keyword_fault(keys, keyword);
+        }
+    }
+    return fault;
+}
+
+/// For calls that fail without a word.
+std::string default_text(KnownKeys& keys, const DataRequest& request)
+{
+    std::string text = "the database has no values of";
+    for (const std::string& keyword : request.keywords) {
+        text += (&keyword == request.keywords.data() ? " " : ", ") + keys.describe(keyword);
+    }
+    return text + ". Check the keyword.";
+}
+} // namespace
+
+void throw_call_failure(const DataRequest& request, const std::string& errors)
+{
+    // First whatever keeps the connection from opening: the rest follows from it.
+    KnownKeys keys(open_stored(request.connection));
+    const std::optional<QueryFault> fault = find_fault(keys, request, errors);
+    std::string text = dbif::trimmed(errors);
+    if (text.empty()) {
+        text = default_text(keys, request);
+    }
+    if (fault.has_value()) {
+        text += "\n" + fault_lines(*fault);
+    }
+    throw CommandFailure(fault.has_value() ? ExitCode::WrongUsage : ExitCode::Data, text);
+}
+} // namespace dbapi::tool

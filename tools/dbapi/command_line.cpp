@@ -1,0 +1,168 @@
+#include "tools/dbapi/command_line.h"
+
+#include "dbapi/text_rules.h"
+#include "dbif/error_text.h"
+#include "dbif/host_string.h"
+
+#include "tools/dbapi/command_table.h"
+#include "tools/dbapi/nearest_text.h"
+#include "tools/dbapi/terminal.h"
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <memory>
+#include <new>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace dbapi::tool {
+namespace {
+constexpr const char* kFooter =
+    "Exit codes: 0 done, 1 nothing found, 2 wrong usage or query, 3 connection,\n"
+    "4 data or schema, 5 file. The stored connections are those of the folder in\n"
+    "VANTO_DB_CONNECTIONS_DIRECTORY, else of ~/tarsier/config.";
+
+/// Help without CLI11's remarks on which option needs which.
+class HelpText : public CLI::Formatter
+{
+public:
+    HelpText() { column_width(26); }
+
+    [[nodiscard]] std::string make_option_opts(const CLI::Option* option) const override
+    {
+        const std::string value = option->get_positional() ? "" : option->get_type_name();
+        return (value.empty() ? "" : " " + value) + (option->get_expected_max() > 1 ? " ..." : "");
+    }
+};
+
+/// What is wrong with an argument that a command does not know.
+std::string unknown_argument(const CLI::App& command, const std::string& argument)
+{
+    std::set<std::string> known;
+    if (argument.starts_with('-')) {
+        for (const CLI::Option* option : command.get_options()) {
+            for (const std::string& name : option->get_lnames()) {
+                known.insert("--" + name);
+            }
+        }
+        return "there is no option " + argument + "." +
+               suggestion(nearest_texts(argument.substr(0, argument.find('=')), known, 2));
+    }
+    for (const CLI::App* subcommand : command.get_subcommands(nullptr)) {
+        known.insert(subcommand->get_name());
+    }
+    if (known.empty()) {
+        return "the argument " + dbapi::quoted(argument) + " is one too many.";
+    }
+    return "there is no command " + dbapi::quoted(argument) + "." +
+           suggestion(nearest_texts(argument, known, 2));
+}
+
+/// The program's arguments, and which command they chose.
+class CommandLine
+{
+public:
+    CommandLine()
+    {
+        app_.set_version_flag("--version", std::string("dbapi ") + DBAPI_VERSION);
+        app_.require_subcommand(1);
+        app_.formatter(std::make_shared<HelpText>());
+        app_.footer(kFooter);
+        for (const Command& command : commands()) {
+            add(command);
+        }
+    }
+
+    CommandLine(const CommandLine&) = delete;
+    CommandLine& operator=(const CommandLine&) = delete;
+
+    ExitCode run(int argumentCount, char** arguments)
+    {
+        try {
+            app_.parse(argumentCount, arguments);
+        } catch (const CLI::Success& helpOrVersion) {
+            app_.exit(helpOrVersion);
+            return ExitCode::Done;
+        } catch (const CLI::ParseError& error) {
+            throw CommandFailure(ExitCode::WrongUsage, usageText(error));
+        }
+        return chosen_();
+    }
+
+private:
+    void add(const Command& command)
+    {
+        const std::string name = command.name;
+        const std::size_t blank = name.find(' ');
+        CLI::App* parent = blank == std::string::npos ? &app_ : group(name.substr(0, blank));
+        const std::string word = name.substr(blank == std::string::npos ? 0 : blank + 1);
+        CLI::App* arguments = parent->add_subcommand(word, command.summary);
+        arguments->footer(std::string("Example: ") + command.example);
+        const CommandRunner runner = command.declare(*arguments);
+        arguments->final_callback([this, runner] { chosen_ = runner; });
+    }
+
+    CLI::App* group(const std::string& name)
+    {
+        const auto isNamed = [&name](const CLI::App* app) {
+            return app->get_name() == name;
+        };
+        const std::vector<CLI::App*> known = app_.get_subcommands(isNamed);
+        if (!known.empty()) {
+            return known.front();
+        }
+        CLI::App* added = app_.add_subcommand(name, "Add, list, test and remove " + name + "s");
+        added->require_subcommand(1);
+        return added;
+    }
+
+    [[nodiscard]] std::string usageText(const CLI::ParseError& error) const
+    {
+        // The command as far as the arguments named one.
+        const CLI::App* command = &app_;
+        std::string name = app_.get_name();
+        while (!command->get_subcommands().empty()) {
+            command = command->get_subcommands().front();
+            name += " " + command->get_name();
+        }
+        const std::vector<std::string> unknown = app_.remaining(true);
+        std::string text = error.what();
+        if (!unknown.empty()) {
+            text = unknown_argument(*command, unknown.front());
+        } else if (command->get_require_subcommand_min() > 0) {
+            text = "say what to do: " + name + " COMMAND.";
+        }
+        return text + "\nSee: " + name + " --help";
+    }
+
+    CLI::App app_{"Reads measurement databases by keywords and query strings.", "dbapi"};
+    CommandRunner chosen_;
+};
+
+int report(ExitCode code, const std::string& text)
+{
+    tell_error(dbif::trimmed(text));
+    return static_cast<int>(code);
+}
+} // namespace
+
+int run_command_line(int argumentCount, char** arguments)
+{
+    try {
+        CommandLine line;
+        return static_cast<int>(line.run(argumentCount, arguments));
+    } catch (const CommandFailure& failure) {
+        return report(failure.code(), failure.what());
+    } catch (DBIF_Exception& exception) {
+        const bool isConnection = exception.error().type() == QSqlError::ConnectionError;
+        return report(
+            isConnection ? ExitCode::Connection : ExitCode::Data,
+            "the database reports an error. " + convert_DBIF_Exception_to_string(&exception).str());
+    } catch (const std::bad_alloc&) {
+        return report(ExitCode::Data, "there is not enough memory for that.");
+    } catch (const std::exception& exception) {
+        return report(ExitCode::Data, exception.what());
+    }
+}
+} // namespace dbapi::tool

@@ -1,0 +1,186 @@
+#include "tools/dbapi/data_output.h"
+
+#include "tools/dbapi/command_failure.h"
+#include "tools/dbapi/table_output.h"
+#include "tools/dbapi/terminal.h"
+
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <string_view>
+
+namespace dbapi::tool {
+namespace {
+/// Collects output, so that a million rows are not a million writes.
+class Output
+{
+public:
+    Output& operator<<(std::string_view text)
+    {
+        pending_ += text;
+        if (pending_.size() >= kBlockBytes) {
+            write();
+        }
+        return *this;
+    }
+
+    void finish()
+    {
+        write();
+        if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+            throw CommandFailure(
+                ExitCode::File,
+                std::string("standard output cannot be written: ") + std::strerror(errno));
+        }
+    }
+
+private:
+    static constexpr std::size_t kBlockBytes = 1U << 16U;
+
+    void write()
+    {
+        std::fwrite(pending_.data(), 1, pending_.size(), stdout);
+        pending_.clear();
+    }
+
+    std::string pending_;
+};
+
+void write_csv_cell(std::string_view value, bool isAlone, Output& out)
+{
+    // An empty line would be no row.
+    const bool isBlankLine = isAlone && value.empty();
+    if (!isBlankLine && value.find_first_of(",\"\r\n") == std::string_view::npos) {
+        out << value;
+        return;
+    }
+    out << "\"";
+    for (std::size_t begin = 0; begin <= value.size();) {
+        const std::size_t quote = value.find('"', begin);
+        out << value.substr(begin, quote - begin);
+        if (quote == std::string_view::npos) {
+            break;
+        }
+        out << "\"\"";
+        begin = quote + 1;
+    }
+    out << "\"";
+}
+
+void write_csv(const DataTable& table, Output& out)
+{
+    const bool isAlone = table.columns.size() == 1;
+    const auto writeRow = [&](const auto& valueOf) {
+        for (const DataColumn& column : table.columns) {
+            out << (&column == &table.columns.front() ? "" : ",");
+            write_csv_cell(valueOf(column), isAlone, out);
+        }
+        out << "\n";
+    };
+    writeRow([](const DataColumn& column) -> const std::string& { return column.heading; });
+    for (std::size_t row = 0; row < table.rows(); ++row) {
+        writeRow(
+            [row](const DataColumn& column) -> const std::string& { return column.values[row]; });
+    }
+}
+
+void write_lines(const DataTable& table, Output& out)
+{
+    constexpr std::string_view kBreaks = "\t\r\n";
+    constexpr std::string_view kLetters = "trn";
+    for (std::size_t row = 0; row < table.rows(); ++row) {
+        for (const DataColumn& column : table.columns) {
+            out << (&column == &table.columns.front() ? "" : "\t");
+            const std::string_view value = column.values[row];
+            std::size_t begin = 0;
+            for (std::size_t at = value.find_first_of(kBreaks); at != std::string_view::npos;
+                 at = value.find_first_of(kBreaks, begin)) {
+                out << value.substr(begin, at - begin) << "\\"
+                    << kLetters.substr(kBreaks.find(value[at]), 1);
+                begin = at + 1;
+            }
+            out << value.substr(begin);
+        }
+        out << "\n";
+    }
+}
+
+std::string json_text(const std::string& text)
+{
+    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+/// Written piece by piece: a document in memory would be many times as large as the data.
+void write_json(const DataTable& table, Output& out)
+{
+    out << "{";
+    for (const auto& [name, text] : table.asked) {
+        out << json_text(name) << ":" << json_text(text) << ",";
+    }
+    const bool isRows = !table.rowsName.empty();
+    out << (isRows ? json_text(table.rowsName) : "\"columns\"") << ":[";
+    const char* separator = "";
+    if (isRows) {
+        for (std::size_t row = 0; row < table.rows(); ++row) {
+            out << separator << "{";
+            separator = ",";
+            for (const DataColumn& column : table.columns) {
+                out << (&column == &table.columns.front() ? "" : ",") << json_text(column.heading)
+                    << ":" << json_text(column.values[row]);
+            }
+            out << "}";
+        }
+    } else {
+        for (const DataColumn& column : table.columns) {
+            out << separator << "{\"keyword\":" << json_text(column.heading) << ",\"values\":[";
+            separator = ",";
+            for (const std::string& value : column.values) {
+                out << (&value == column.values.data() ? "" : ",") << json_text(value);
+            }
+            out << "]}";
+        }
+    }
+    out << "]}\n";
+}
+} // namespace
+
+void add_output_options(CLI::App& arguments, OutputOptions* options)
+{
+    static const std::map<std::string, Format> kFormats{
+        {"table", Format::Table},
+        {"csv", Format::Csv},
+        {"json", Format::Json},
+        {"lines", Format::Lines}};
+    arguments
+        .add_option_function<std::string>(
+            "--format", [options](const std::string& name) { options->format = kFormats.at(name); },
+            "table, csv, json or lines (table on a terminal, else csv)")
+        ->type_name("FORMAT")
+        ->check(CLI::IsMember(kFormats).description(""));
+    arguments.add_flag("--all", options->all, "show every row of a table on a terminal");
+}
+
+void write_data(const DataTable& table, const OutputOptions& options)
+{
+    const bool isTerminal = is_terminal(stdout);
+    Output out;
+    switch (options.format.value_or(isTerminal ? Format::Table : Format::Csv)) {
+    case Format::Table:
+        out << table_text(table, isTerminal && !options.all);
+        break;
+    case Format::Csv:
+        write_csv(table, out);
+        break;
+    case Format::Json:
+        write_json(table, out);
+        break;
+    case Format::Lines:
+        write_lines(table, out);
+        break;
+    }
+    out.finish();
+}
+} // namespace dbapi::tool

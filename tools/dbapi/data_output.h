@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace dbapi::tool {
+enum class Format { Table, Csv, Json, Lines };
+
+/// How a command writes its data.
+struct OutputOptions
+{
+    /// Nothing: a table on a terminal, CSV elsewhere.
+    std::optional<Format> format;
+    /// Whether a table on a terminal has all rows, however many.
+    bool all = false;
+};
+
+/// Adds `--format` and `--all`. `options` outlives the app.
+void add_output_options(CLI::App& arguments, OutputOptions* options);
+
+struct DataColumn
+{
+    std::string heading;
+    std::vector<std::string> values;
+};
+
+/// Data in columns of equal length.
+struct DataTable
+{
+    /// Written into JSON before the data: what was asked.
+    std::vector<std::pair<std::string, std::string>> asked;
+    /// In JSON the data is one list of columns, {"columns": [{"keyword": ..., "values": [...]}]},
+    /// or, where this is given, a list of that name with an object per row.
+    std::string rowsName;
+    std::vector<DataColumn> columns;
+
+    [[nodiscard]] std::size_t rows() const
+    {
+        return columns.empty() ? 0 : columns.front().values.size();
+    }
+};
+
+/// Writes the data to standard output.
+///   csv    RFC 4180, a header line first; lines end in LF
+///   json   one object on one line
+///   lines  a line per row, values separated by tabs; a tab, CR or LF in a value appears as \t, \r
+///          or \n
+///   table  for people: aligned, with escapes for characters that cannot be shown; on a terminal
+///          shortened to its height unless `all` is set
+/// CSV, JSON and lines are always complete. Throws `CommandFailure` when it cannot be written.
+void write_data(const DataTable& table, const OutputOptions& options);
+} // namespace dbapi::tool

@@ -1,0 +1,144 @@
+#include "tools/dbapi/display_text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <utility>
+
+namespace dbapi::tool {
+namespace {
+/// One character of a UTF-8 text: its code point and length in bytes.
+struct Character
+{
+    std::uint32_t code;
+    std::size_t length;
+    bool isValid;
+};
+
+Character character_at(std::string_view text, std::size_t at)
+{
+    const auto byte = [&](std::size_t i) {
+        return static_cast<unsigned char>(text[at + i]);
+    };
+    const unsigned char first = byte(0);
+    const std::size_t length = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+    constexpr std::array<std::uint32_t, 5> kSmallest{0, 0, 0x80, 0x800, 0x10000};
+    const Character broken{first, 1, false};
+    if ((first >= 0x80 && first < 0xC2) || first > 0xF4 || at + length > text.size()) {
+        return broken;
+    }
+    std::uint32_t code = length == 1 ? first : first & (0xFFU >> (length + 1));
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byte(i) & 0xC0U) != 0x80U) {
+            return broken;
+        }
+        code = code << 6U | (byte(i) & 0x3FU);
+    }
+    const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
+    return code < kSmallest[length] || code > 0x10FFFF || isSurrogate
+               ? broken
+               : Character{code, length, true};
+}
+
+using Range = std::pair<std::uint32_t, std::uint32_t>;
+
+template <std::size_t count>
+bool is_in(const std::array<Range, count>& ranges, std::uint32_t code)
+{
+    return std::any_of(ranges.begin(), ranges.end(), [code](const Range& range) {
+        return code >= range.first && code <= range.second;
+    });
+}
+
+bool is_control(std::uint32_t code)
+{
+    constexpr std::array<Range, 6> kControls{
+        {{0, 0x1F},
+         {0x7F, 0x9F},
+         {0x200E, 0x200F},
+         {0x2028, 0x202E},
+         {0x2066, 0x2069},
+         {0xFEFF, 0xFEFF}}};
+    return is_in(kControls, code);
+}
+
+std::size_t width_of(std::uint32_t code)
+{
+    // Combining marks and joiners; East Asian wide characters and emoji.
+    constexpr std::array<Range, 5> kNone{
+        {{0x300, 0x36F}, {0x1AB0, 0x1AFF}, {0x200B, 0x200D}, {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}}};
+    constexpr std::array<Range, 8> kWide{
+        {{0x1100, 0x115F},
+         {0x2E80, 0xA4CF},
+         {0xAC00, 0xD7A3},
+         {0xF900, 0xFAFF},
+         {0xFE30, 0xFE6F},
+         {0xFF00, 0xFF60},
+         {0x1F300, 0x1FAFF},
+         {0x20000, 0x3FFFD}}};
+    if (code < 0x300) {
+        return 1;
+    }
+    return is_in(kNone, code) ? 0 : is_in(kWide, code) ? 2 : 1;
+}
+
+std::string escape_of(const Character& character)
+{
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    constexpr std::array<std::pair<std::uint32_t, const char*>, 3> kNamed{
+        {{'\n', "\\n"}, {'\t', "\\t"}, {'\r', "\\r"}}};
+    for (const auto& [code, escape] : kNamed) {
+        if (character.code == code) {
+            return escape;
+        }
+    }
+    const bool isByte = !character.isValid || character.code < 0x80;
+    std::string escape = isByte ? "\\x" : "\\u";
+    for (int shift = isByte ? 4 : 12; shift >= 0; shift -= 4) {
+        escape += kDigits[character.code >> static_cast<unsigned>(shift) & 0xFU];
+    }
+    return escape;
+}
+} // namespace
+
+std::string display_text(std::string_view text)
+{
+    std::string shown;
+    shown.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        const Character character = character_at(text, at);
+        if (character.isValid && !is_control(character.code)) {
+            shown += text.substr(at, character.length);
+        } else {
+            shown += escape_of(character);
+        }
+        at += character.length;
+    }
+    return shown;
+}
+
+std::size_t display_width(std::string_view text)
+{
+    std::size_t width = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        const Character character = character_at(text, at);
+        width += width_of(character.code);
+        at += character.length;
+    }
+    return width;
+}
+
+std::string_view display_prefix(std::string_view text, std::size_t width)
+{
+    std::size_t at = 0;
+    for (std::size_t taken = 0; at < text.size();) {
+        const Character character = character_at(text, at);
+        taken += width_of(character.code);
+        if (taken > width) {
+            break;
+        }
+        at += character.length;
+    }
+    return text.substr(0, at);
+}
+} // namespace dbapi::tool

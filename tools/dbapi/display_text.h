@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace dbapi::tool {
+/// The text as it may go to a terminal, on one line: control characters, marks that turn the
+/// direction of writing and bytes that are not UTF-8 appear as escapes ("\n", "\x1b", "\u202e").
+std::string display_text(std::string_view text);
+
+/// How many columns of a terminal the text takes, which has been through `display_text`.
+std::size_t display_width(std::string_view text);
+
+/// The longest beginning of the text that takes at most `width` columns.
+std::string_view display_prefix(std::string_view text, std::size_t width);
+} // namespace dbapi::tool

@@ -1,0 +1,94 @@
+#include "dbapi/text_rules.h"
+
+#include "tools/dbapi/command_table.h"
+#include "tools/dbapi/stored_names.h"
+#include "tools/dbapi/sweep_files.h"
+#include "tools/dbapi/sweep_import.h"
+#include "tools/dbapi/terminal.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace dbapi::tool {
+namespace {
+constexpr std::size_t kMostShownFaults = 20;
+
+struct ImportOptions
+{
+    std::string connection;
+    std::vector<std::string> paths;
+};
+
+std::string counted(std::size_t count, const std::string& thing)
+{
+    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
+
+[[noreturn]] void fail_for_paths(const std::vector<std::string>& faults)
+{
+    std::string text = "nothing was imported.";
+    for (const std::string& fault : faults) {
+        text += "\n" + fault;
+    }
+    throw CommandFailure(ExitCode::File, text);
+}
+
+[[noreturn]] void fail_for_files(const ImportResult& result)
+{
+    const std::size_t shown = std::min(result.faults.size(), kMostShownFaults);
+    for (std::size_t i = 0; i < shown; ++i) {
+        const ImportFault& fault = result.faults[i];
+        const std::string line = fault.line == 0 ? "" : ":" + std::to_string(fault.line);
+        tell_error(fault.file + line + ": " + fault.text);
+    }
+    const std::size_t hidden = result.faultCount - shown;
+    if (hidden > 0) {
+        tell_error("... and " + counted(hidden, "more fault") + ".");
+    }
+    throw CommandFailure(
+        result.hasUnreadableFile ? ExitCode::File : ExitCode::Data,
+        "nothing was imported: " + counted(result.faultyFiles, "file") + " of " +
+            std::to_string(result.files) + (result.faultyFiles == 1 ? " has " : " have ") +
+            "faults. Correct them and import again.");
+}
+
+ExitCode import_paths(const ImportOptions& options)
+{
+    const DBIF_Connection connection = open_stored(options.connection);
+    const SweepFiles found = find_sweep_files(options.paths);
+    if (!found.faults.empty()) {
+        fail_for_paths(found.faults);
+    }
+    ImportResult result;
+    {
+        ProgressBar progress("Importing " + counted(found.files.size(), "file"), found.bytes);
+        result = import_sweeps(
+            connection, found.files, [&progress](std::size_t bytes) { progress.advance(bytes); });
+    }
+    if (result.faultCount > 0) {
+        fail_for_files(result);
+    }
+    talk(
+        "Imported " + counted(result.files, "file") + " into " + dbapi::quoted(options.connection) +
+        ": " + counted(result.setups, "setup") + ", " + counted(result.points, "point") + ", " +
+        counted(result.devices, "device") + ".");
+    return ExitCode::Done;
+}
+} // namespace
+
+CommandRunner declare_import(CLI::App& arguments)
+{
+    const auto options = std::make_shared<ImportOptions>();
+    arguments.add_option("CONNECTION", options->connection, "a stored connection")->required();
+    arguments
+        .add_option(
+            "PATH", options->paths, "a file, or a folder for all *.csv in it; one catalogue entry")
+        ->required();
+    return [options] {
+        return import_paths(*options);
+    };
+}
+} // namespace dbapi::tool

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "dbif/connection.h"
+#include "dbif/data_type.h"
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace dbapi::tool {
+/// The keys that exist in a database, to tell what is wrong with a keyword.
+class KnownKeys
+{
+public:
+    explicit KnownKeys(DBIF_Connection connection);
+
+    /// The data type of the one key that a keyword names; nothing when it names none, or several.
+    [[nodiscard]] std::optional<dbif::ValueKind> kindOf(const std::string& keyword);
+
+    /// Keywords of existing keys that somebody who wrote this one may have meant, the likeliest
+    /// first.
+    [[nodiscard]] std::vector<std::string> near(const std::string& keyword) const;
+
+    /// "W in the table device", for a message about a keyword that names one key.
+    [[nodiscard]] std::string describe(const std::string& keyword);
+
+private:
+    /// A keyword for each key of that name.
+    [[nodiscard]] std::vector<std::string> keywordsFor(const std::string& name) const;
+
+    DBIF_Connection connection_;
+    /// Key name to the keywords, in function form, of all keys that have it; builtin keynames to
+    /// nothing.
+    std::map<std::string, std::vector<std::string>> spellings_;
+    std::set<std::string> names_;
+};
+} // namespace dbapi::tool

@@ -1,0 +1,83 @@
+#include "tools/dbapi/sweep_files.h"
+
+#include "dbapi/text_rules.h"
+#include "dbif/host_string.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+#include <system_error>
+
+namespace dbapi::tool {
+namespace {
+namespace fs = std::filesystem;
+
+bool is_csv_file(const fs::directory_entry& entry)
+{
+    const std::string name = entry.path().filename().string();
+    std::error_code ignored;
+    return dbif::upper_case(name).ends_with(".CSV") && name.front() != '.' &&
+           !entry.is_directory(ignored);
+}
+
+/// The CSV files of a folder; empty, with the reason in `fault`, when there are none.
+std::vector<std::string> csv_files_of(const std::string& folder, std::string* fault)
+{
+    std::vector<std::string> files;
+    std::error_code error;
+    fs::directory_iterator entry(folder, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        if (is_csv_file(*entry)) {
+            files.push_back(entry->path().string());
+        }
+    }
+    if (error) {
+        *fault =
+            "The folder " + dbapi::quoted(folder) + " cannot be read: " + error.message() + ".";
+        return {};
+    }
+    if (files.empty()) {
+        *fault = "The folder " + dbapi::quoted(folder) +
+                 " holds no *.csv file. Folders below it are not searched.";
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+std::vector<std::string> files_of(const std::string& path, std::string* fault)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (!fs::exists(status)) {
+        *fault = error && error != std::errc::no_such_file_or_directory
+                     ? dbapi::quoted(path) + " cannot be read: " + error.message() + "."
+                     : "There is no file or folder " + dbapi::quoted(path) + ".";
+        return {};
+    }
+    return fs::is_directory(status) ? csv_files_of(path, fault) : std::vector<std::string>{path};
+}
+} // namespace
+
+SweepFiles find_sweep_files(const std::vector<std::string>& paths)
+{
+    SweepFiles found;
+    std::set<std::string> known;
+    for (const std::string& path : paths) {
+        std::string fault;
+        for (const std::string& file : files_of(path, &fault)) {
+            std::error_code error;
+            const fs::path place = fs::canonical(file, error);
+            if (!known.insert(error ? file : place.string()).second) {
+                continue;
+            }
+            found.files.push_back(file);
+            const std::uintmax_t size = fs::file_size(file, error);
+            found.bytes += error ? 0 : size;
+        }
+        if (!fault.empty()) {
+            found.faults.push_back(fault);
+        }
+    }
+    return found;
+}
+} // namespace dbapi::tool

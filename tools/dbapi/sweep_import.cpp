@@ -1,0 +1,182 @@
+#include "tools/dbapi/sweep_import.h"
+
+#include "dbapi/builtin_keynames.h"
+#include "dbapi/text_rules.h"
+#include "dbif/error_text.h"
+#include "dbif/host_number.h"
+#include "dbif/host_string.h"
+
+#include <map>
+#include <optional>
+#include <set>
+#include <utility>
+
+namespace dbapi::tool {
+namespace {
+using dbif::RecordTable;
+
+/// What the files of an import must agree in: keyword to value.
+std::map<std::string, std::string> catalogue_texts(const Annotations& annotations)
+{
+    const RecordParts& entry = annotations.of(RecordTable::CatalogEntry);
+    std::map<std::string, std::string> texts;
+    for (const auto& [column, text] : entry.columns) {
+        std::string keyword;
+        dbapi_convert_keyword_to_builtin_keyname("catalog_entry." + column, &keyword);
+        texts[keyword] = text;
+    }
+    for (const dbif::KeyValue& key : entry.keys) {
+        const bool isNumber = key.kind == dbif::ValueKind::Double;
+        const std::string datatype = dbif::to_utf8(dbif::datatype_name(key.kind));
+        texts["Key(" + key.name + ",catalog_entry," + datatype + ")"] =
+            isNumber ? dbif::double_text(key.number) : key.text;
+    }
+    return texts;
+}
+
+class Import
+{
+public:
+    explicit Import(DBIF_Connection connection) : connection_(std::move(connection)) {}
+
+    void add(const std::string& file, AnnotatedCsv csv);
+    ImportResult finish();
+
+private:
+    void store(const std::string& file, const AnnotatedCsv& csv);
+    int deviceOf(const Annotations& annotations);
+    /// Whether the file says the same of the catalogue entry as the files before it.
+    bool isOneEntry(const std::string& file, const Annotations& annotations);
+    void addFault(const std::string& file, std::size_t line, const std::string& text);
+
+    DBIF_Connection connection_;
+    /// Made for the first file that is read, so that other writers wait as little as possible.
+    std::optional<dbif::RecordWriter> writer_;
+    int catalogEntry_ = 0;
+    /// What the catalogue entry is, and the file that said so.
+    std::optional<std::map<std::string, std::string>> catalogue_;
+    std::string catalogueFile_;
+    std::set<int> devices_;
+    ImportResult result_;
+};
+
+void Import::add(const std::string& file, AnnotatedCsv csv)
+{
+    ++result_.files;
+    result_.hasUnreadableFile = result_.hasUnreadableFile || csv.isUnreadable;
+    const std::size_t before = result_.faultCount;
+    for (const FileFault& fault : csv.faults.kept()) {
+        addFault(file, fault.line, fault.text);
+    }
+    result_.faultCount = before + csv.faults.count();
+    if (csv.faults.isEmpty() && isOneEntry(file, csv.annotations)) {
+        if (!writer_.has_value()) {
+            writer_.emplace(connection_);
+        }
+        try {
+            store(file, csv);
+        } catch (const DBIF_Exception& exception) {
+            // What the writer refuses is a fault of the file, and the next files may have more.
+            if (!exception.sql().isEmpty()) {
+                throw;
+            }
+            addFault(file, 0, dbif::trimmed(convert_sql_error_to_string(exception.error()).str()));
+        }
+    }
+    result_.faultyFiles += result_.faultCount > before ? 1 : 0;
+}
+
+bool Import::isOneEntry(const std::string& file, const Annotations& annotations)
+{
+    const std::map<std::string, std::string> texts = catalogue_texts(annotations);
+    if (!catalogue_.has_value()) {
+        catalogue_ = texts;
+        catalogueFile_ = file;
+        return true;
+    }
+    std::map<std::string, std::string> either = texts;
+    either.insert(catalogue_->begin(), catalogue_->end());
+    const auto said = [](const auto& side, const std::string& keyword) {
+        const auto found = side.find(keyword);
+        return found == side.end() ? "no " + keyword : keyword + " = " + found->second;
+    };
+    for (const auto& [keyword, text] : either) {
+        const std::string here = said(texts, keyword);
+        const std::string there = said(*catalogue_, keyword);
+        if (here != there) {
+            addFault(
+                file, 0,
+                "It has " + here + ", but " + dbapi::quoted(catalogueFile_) + " has " + there +
+                    ". All files of one import share one catalogue entry: make them "
+                    "equal, or import the files apart.");
+            return false;
+        }
+    }
+    return true;
+}
+
+void Import::addFault(const std::string& file, std::size_t line, const std::string& text)
+{
+    if (result_.faults.size() < FileFaults::kMostKept) {
+        result_.faults.push_back({file, line, text});
+    }
+    ++result_.faultCount;
+}
+
+int Import::deviceOf(const Annotations& annotations)
+{
+    const RecordParts& die = annotations.of(RecordTable::Die);
+    const RecordParts& device = annotations.of(RecordTable::Device);
+    const int dieId = die.isEmpty() ? 0 : writer_->findOrAddDie(die.columns);
+    if (dieId == 0 && device.isEmpty()) {
+        return 0;
+    }
+    const int id = writer_->findOrAddDevice(dieId, device.columns, device.keys);
+    devices_.insert(id);
+    return id;
+}
+
+void Import::store(const std::string& file, const AnnotatedCsv& csv)
+{
+    const Annotations& annotations = csv.annotations;
+    if (catalogEntry_ == 0) {
+        const RecordParts& entry = annotations.of(RecordTable::CatalogEntry);
+        catalogEntry_ = writer_->addCatalogEntry(entry.columns, entry.keys);
+    }
+    dbif::MeasurementRecord measurement;
+    measurement.catalogEntry = catalogEntry_;
+    measurement.device = deviceOf(annotations);
+    const RecordParts& routine = annotations.of(RecordTable::Routine);
+    measurement.routine = routine.isEmpty() ? 0 : writer_->findOrAddRoutine(routine.columns);
+    measurement.temperature = annotations.temperature;
+    measurement.keys = annotations.of(RecordTable::Measurement).keys;
+    const RecordParts& condition = annotations.of(RecordTable::MeasurementCondition);
+    const int conditionId = writer_->addCondition(
+        writer_->addMeasurement(measurement), condition.columns, condition.keys);
+    writer_->addSetup(conditionId, annotations.of(RecordTable::Setup).columns, csv.columns, file);
+    ++result_.setups;
+    result_.points += csv.points;
+}
+
+ImportResult Import::finish()
+{
+    result_.devices = devices_.size();
+    if (result_.faultCount == 0 && writer_.has_value()) {
+        writer_->commit();
+    }
+    return std::move(result_);
+}
+} // namespace
+
+ImportResult import_sweeps(
+    DBIF_Connection connection,
+    const std::vector<std::string>& files,
+    const ReadProgress& progress)
+{
+    Import import(std::move(connection));
+    for (const std::string& file : files) {
+        import.add(file, read_annotated_csv(file, progress));
+    }
+    return import.finish();
+}
+} // namespace dbapi::tool

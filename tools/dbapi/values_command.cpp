@@ -1,0 +1,99 @@
+#include "dbapi/dbapi.h"
+#include "dbapi/text_rules.h"
+
+#include "tools/dbapi/call_failure.h"
+#include "tools/dbapi/command_table.h"
+#include "tools/dbapi/data_output.h"
+#include "tools/dbapi/stored_names.h"
+#include "tools/dbapi/terminal.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <utility>
+
+namespace dbapi::tool {
+namespace {
+struct ValuesOptions
+{
+    DataRequest request;
+    bool isDistinct = false;
+    OutputOptions output;
+};
+
+bool get_values(
+    const ValuesOptions& options,
+    std::vector<std::vector<std::string>>* values,
+    std::string* errors)
+{
+    const DataRequest& request = options.request;
+    if (request.keywords.size() > 1) {
+        const auto call =
+            options.isDistinct ? db_get_distinct_values_for_keywords : db_get_values_for_keywords;
+        return call(request.connection, request.keywords, values, request.query, errors);
+    }
+    // The call for a single keyword leaves out the records that have no value.
+    const auto call = options.isDistinct ? db_get_distinct_values_for_keyword_as_text
+                                         : db_get_values_for_keyword_as_text;
+    values->resize(1);
+    return call(
+        request.connection, request.keywords.front(), &values->front(), request.query, errors);
+}
+
+void tell_nothing_found(const DataRequest& request)
+{
+    std::string text = "nothing found: no record has a value of";
+    for (const std::string& keyword : request.keywords) {
+        text += (&keyword == request.keywords.data() ? " " : " or ") + keyword;
+    }
+    if (!request.query.empty()) {
+        text += " and fits the query " + dbapi::quoted(request.query) +
+                ". Loosen the query, or put \"ALLDATA:\" in front to count superseded records too.";
+    } else {
+        text += ".";
+    }
+    tell_error(text);
+}
+
+ExitCode show_values(const ValuesOptions& options)
+{
+    const DataRequest& request = options.request;
+    stored_connection(request.connection);
+    std::vector<std::vector<std::string>> values;
+    std::string errors;
+    if (!get_values(options, &values, &errors)) {
+        throw_call_failure(request, errors);
+    }
+    DataTable table;
+    table.asked = {{"connection", request.connection}, {"query", request.query}};
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        table.columns.push_back({request.keywords[i], std::move(values[i])});
+    }
+    write_data(table, options.output);
+    if (table.rows() == 0) {
+        tell_nothing_found(request);
+        return ExitCode::NothingFound;
+    }
+    return ExitCode::Done;
+}
+} // namespace
+
+CommandRunner declare_values(CLI::App& arguments)
+{
+    const auto options = std::make_shared<ValuesOptions>();
+    arguments.add_option("CONNECTION", options->request.connection, "a stored connection")
+        ->required();
+    arguments
+        .add_option(
+            "KEYWORD", options->request.keywords,
+            "a key (W, DEVD.W, \"Key(W,device)\") or builtin keyname ('$DEVNAME'); several stand "
+            "side by side")
+        ->required();
+    arguments.add_option("-q,--query", options->request.query, "which records, like 'W=5u;L<=1u'")
+        ->type_name("QUERY");
+    arguments.add_flag("--distinct", options->isDistinct, "leave out repeated values or rows");
+    add_output_options(arguments, &options->output);
+    return [options] {
+        return show_values(*options);
+    };
+}
+} // namespace dbapi::tool
