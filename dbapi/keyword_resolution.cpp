@@ -254,14 +254,16 @@ bool resolve_keyword_by_definition(
 {
     const ResolutionMark mark;
     *key = ResolvedKey();
-    *isByDefinition = false;
+    bool ignoredFlag = false;
+    bool& holdsAlways = isByDefinition == nullptr ? ignoredFlag : *isByDefinition;
+    holdsAlways = false;
     const std::string trimmed = dbif::trimmed(keyword);
     Wanted wanted;
     std::string ignored;
     if (!trimmed.empty() && collect_terms({trimmed}, &wanted, &ignored)) {
         const KeywordMap found = current_definitions(connection, {trimmed}, wanted);
         if (count_matches(trimmed, found) < 2) {
-            *isByDefinition = true;
+            holdsAlways = true;
             return dbapi_extract_resolved_db_names_for_keyword_from_preprocessed_map(
                 trimmed, found, &key->keyname, &key->tablename, &key->attributes, error);
         }
