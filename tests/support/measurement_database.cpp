@@ -32,6 +32,21 @@ DBIF_Connection MeasurementDatabase::open() const
         server.port()};
 }
 
+DbuiConnection MeasurementDatabase::record(const std::string& name) const
+{
+    if (engine_ == Engine::Sqlite) {
+        return {name, "QSQLITE", "", "", path(), "", ""};
+    }
+    const MariaDbServer& server = MariaDbServer::instance();
+    return {name,
+            "QMYSQL",
+            server.host(),
+            std::to_string(server.port()),
+            server_->name(),
+            server.user(),
+            server.password()};
+}
+
 std::string MeasurementDatabase::rows(const std::string& sql)
 {
     QSqlQuery query = connection.query(dbif::to_qt(sql), 0, __FILE__, __LINE__);

@@ -3,6 +3,7 @@
 #include "dbif/connection.h"
 #include "dbif/host_string.h"
 #include "dbif/record_writer.h"
+#include "dbui/connection_record.h"
 
 #include "tests/support/mariadb_server.h"
 #include "tests/support/temp_directory.h"
@@ -27,6 +28,9 @@ public:
 
     /// Another connection to it.
     [[nodiscard]] DBIF_Connection open() const;
+
+    /// The record of a stored connection that leads to it.
+    [[nodiscard]] DbuiConnection record(const std::string& name) const;
 
     [[nodiscard]] Engine engine() const { return engine_; }
 

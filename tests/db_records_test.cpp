@@ -1,0 +1,136 @@
+#include "dbapi/db_records.h"
+#include "dbapi/dbapi.h"
+
+#include "tests/support/lab_database.h"
+
+namespace {
+using namespace test_support;
+
+std::string joined_set(const std::set<std::string>& texts)
+{
+    return joined(std::vector<std::string>(texts.begin(), texts.end()));
+}
+
+class DbRecords : public testing::TestWithParam<Engine>
+{
+protected:
+    LabDatabase lab{GetParam()};
+    std::string errors;
+};
+
+TEST_P(DbRecords, AreFoundByQueryAndReadById)
+{
+    std::set<int> ids{99};
+    ASSERT_TRUE(dbapi::db_get_device_ids_from_query("lab", &ids, "$LOT=A", &errors)) << errors;
+    EXPECT_EQ(ids, (std::set<int>{1, 2}));
+    ASSERT_TRUE(dbapi::db_get_setup_ids_from_query("lab", &ids, "IND.VG=2", &errors)) << errors;
+    EXPECT_EQ(ids, std::set<int>{1});
+    ASSERT_TRUE(dbapi::db_get_measurement_ids_from_query("lab", &ids, "", &errors)) << errors;
+    EXPECT_EQ(ids.size(), 3U);
+    ASSERT_TRUE(dbapi::db_get_routine_ids_from_query("lab", &ids, "", &errors)) << errors;
+    EXPECT_TRUE(ids.empty());
+    EXPECT_FALSE(dbapi::db_get_die_ids_from_query("lab", &ids, "nokey=1", &errors));
+    EXPECT_TRUE(
+        errors.starts_with("Error: Couldn't retrieve table ids for table name: \"die\". \n"
+                           "Error: Invalid query condition string encountered: \"nokey=1\".\n"));
+
+    std::vector<std::string> values;
+    ASSERT_TRUE(dbapi::db_get_key_values_for_device_id_as_text("lab", 2, "W", &values, "", &errors))
+        << errors;
+    EXPECT_EQ(joined(values), "1e-05;");
+    ASSERT_TRUE(dbapi::db_get_key_values_for_measurement_id_as_text(
+        "lab", 1, "OUTD.ID", &values, "ALLDATA: IND.VG=[1,2]", &errors));
+    EXPECT_EQ(joined(values), "3e-06;");
+    ASSERT_TRUE(
+        dbapi::db_get_key_values_for_die_id_as_text("lab", 77, "$LOT", &values, "", &errors));
+    EXPECT_TRUE(values.empty());
+    std::string query;
+    ASSERT_TRUE(dbapi_build_query_str_for_get_key_values_for_table_id_for_tablename(
+        "measurement", 42, &query, " alldata : $TEMP=300 ", &errors));
+    EXPECT_EQ(query, "ALLDATA: {$MEASDBID=42} AND $TEMP=300");
+    EXPECT_FALSE(dbapi::db_get_key_values_for_device_id_as_text(
+        "lab", 1, "W", &values, "W=1 ALLDATA:", &errors));
+    EXPECT_TRUE(errors.ends_with("can only be placed at the beginning of the query string.\n"));
+}
+
+TEST_P(DbRecords, ListTheirKeys)
+{
+    std::set<std::string> names{"stale"};
+    dbapi::db_get_tablenames(&names);
+    EXPECT_EQ(
+        joined_set(names),
+        "catalog_entry;device;die;measurement;measurement_condition;routine;setup;");
+    ASSERT_TRUE(dbapi::db_get_keynames_in_table("lab", "device", &names, "", "SHORT", &errors))
+        << errors;
+    EXPECT_EQ(joined_set(names), "L;W;process;vth;");
+    ASSERT_TRUE(dbapi::db_get_keynames_in_table("lab", "device", &names, "$LOT=B", "FULL", &errors))
+        << errors;
+    EXPECT_EQ(
+        joined_set(names), "Key(W,device,DOUBLE,PHYSICAL);Key(process,device,TEXT,TECHNOLOGY);");
+    ASSERT_TRUE(
+        dbapi::db_get_keynames_in_table("lab", "setup", &names, "IND.VG=2", "FULL", &errors))
+        << errors;
+    EXPECT_EQ(joined_set(names), "Key(ID,setup,DOUBLE,OUTPUT);Key(VG,setup,DOUBLE,INPUT);");
+    ASSERT_TRUE(
+        dbapi::db_get_keynames_in_table("lab", "measurement", &names, "$TEMP=25", "FULL", &errors));
+    EXPECT_EQ(joined_set(names), "Key(DataOrigin,measurement,TEXT);Key(vth,measurement,DOUBLE);");
+    for (const char* table : {"die", "routine"}) {
+        EXPECT_TRUE(dbapi::db_get_keynames_in_table("lab", table, &names, "", "FULL", &errors))
+            << errors;
+        EXPECT_TRUE(names.empty());
+    }
+    EXPECT_FALSE(dbapi::db_get_keynames_in_table("lab", "nowhere", &names, "", "short", &errors));
+    EXPECT_EQ(
+        errors, "Error: Invalid key format type specified \"short\".\n"
+                "The valid key format types are: \"SHORT\" or \"FULL\" .\n");
+    EXPECT_FALSE(dbapi::db_get_keynames_in_table("lab", "nowhere", &names, "", "SHORT", &errors));
+    EXPECT_EQ(
+        errors, "Error: Unexpected, Invalid Database table name encountered: \"nowhere\". \n");
+}
+
+TEST_P(DbRecords, ShowASetupWhole)
+{
+    std::vector<std::string> keys;
+    std::vector<std::vector<std::string>> values;
+    ASSERT_TRUE(
+        dbapi::db_get_setup_keys_values_for_setup_id_as_text("lab", 1, &keys, &values, &errors))
+        << errors;
+    EXPECT_EQ(joined(keys), "Key(VG,setup,DOUBLE,INPUT);Key(ID,setup,DOUBLE,OUTPUT);");
+    EXPECT_EQ(joined(values), "0|1e-09;1|;2|3e-06;");
+    lab.write([](dbif::RecordWriter& writer) {
+        const int entry = writer.addCatalogEntry({});
+        const int measurement = writer.addMeasurement({entry, 0, 0, 25, {}});
+        dbif::SetupColumn empty = sweep("VG", std::vector<double>());
+        empty.header = "a 'header'";
+        writer.addSetup(
+            writer.addCondition(measurement, {}), {{"name", "empty"}}, {empty}, "empty");
+    });
+    ASSERT_TRUE(
+        dbapi::db_get_setup_keys_values_for_setup_id_as_text("lab", 3, &keys, &values, &errors))
+        << errors;
+    EXPECT_EQ(joined(keys), "Key(VG,setup,DOUBLE,OUTPUT);");
+    EXPECT_EQ(values, std::vector<std::vector<std::string>>(1));
+    std::string header;
+    ASSERT_TRUE(dbapi::db_get_column_dataheader_from_setup_id("lab", 3, "VG", &header, &errors))
+        << errors;
+    EXPECT_EQ(header, "a 'header'");
+    ASSERT_TRUE(
+        dbapi::db_get_column_dataheader_from_setup_id("lab", 3, "x' OR '1'='1", &header, &errors));
+    EXPECT_EQ(header, "");
+
+    const std::string failure = "Error retrieving database setup id's setup keys' values. ";
+    EXPECT_FALSE(
+        dbapi::db_get_setup_keys_values_for_setup_id_as_text("lab", 0, &keys, &values, &errors));
+    EXPECT_EQ(
+        errors, failure + "The given database setup id '0' is an invalid database setup id.\n");
+    EXPECT_FALSE(
+        dbapi::db_get_setup_keys_values_for_setup_id_as_text("lab", 9, &keys, &values, &errors));
+    EXPECT_EQ(errors, failure + "The database holds no setup with id '9'.\n");
+    EXPECT_FALSE(dbapi::db_get_column_dataheader_from_setup_id("lab", 1, "", &header, &errors));
+    EXPECT_EQ(
+        errors, "Error retrieving database setup id's column dataheader. "
+                "An invalid empty database setup column name was given. \n");
+}
+
+INSTANTIATE_ON_ENGINES(DbRecords);
+} // namespace
