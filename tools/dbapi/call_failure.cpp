@@ -44,7 +44,7 @@ void throw_call_failure(const DataRequest& request, const std::string& errors)
         text = default_text(keys, request);
     }
     if (fault.has_value()) {
-        text += "\n" + fault_lines(*fault);
+        text = dbif::trimmed(text + "\n" + fault_lines(*fault));
     }
     throw CommandFailure(fault.has_value() ? ExitCode::WrongUsage : ExitCode::Data, text);
 }

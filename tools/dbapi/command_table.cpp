@@ -23,7 +23,26 @@ std::span<const Command> commands()
             "dbapi import lab sweeps/ more.csv", declare_import},
         Command{
             "values", "Show what is stored under keywords",
-            "dbapi values lab '$DEVNAME' W -q 'W=[1u,5u];$TEMP=25' --distinct", declare_values}};
+            "dbapi values lab '$DEVNAME' W -q 'W=[1u,5u];$TEMP=25' --distinct", declare_values},
+        Command{
+            "keys", "List the keys that the records of a table have",
+            "dbapi keys lab device -q '$LOT=S130'", declare_keys},
+        Command{
+            "ids", "List the ids of the records that a query selects",
+            "dbapi ids lab setup -q '$DEVNAME=n1'", declare_ids},
+        Command{
+            "record", "Show the values of a keyword for one record",
+            "dbapi record lab measurement 42 OUTD.ID", declare_record},
+        Command{
+            "setup", "Show a setup whole, all keys side by side", "dbapi setup lab 7",
+            declare_setup},
+        Command{
+            "header", "Show the data header of one of a setup's keys", "dbapi header lab 7 VG",
+            declare_header},
+        Command{"tables", "List the record tables", "dbapi tables", declare_tables},
+        Command{
+            "builtins", "List the builtin keynames and what they stand for", "dbapi builtins",
+            declare_builtins}};
     return kCommands;
 }
 } // namespace dbapi::tool

@@ -35,4 +35,11 @@ CommandRunner declare_connection_test(CLI::App& arguments);
 CommandRunner declare_connection_remove(CLI::App& arguments);
 CommandRunner declare_import(CLI::App& arguments);
 CommandRunner declare_values(CLI::App& arguments);
+CommandRunner declare_keys(CLI::App& arguments);
+CommandRunner declare_ids(CLI::App& arguments);
+CommandRunner declare_record(CLI::App& arguments);
+CommandRunner declare_setup(CLI::App& arguments);
+CommandRunner declare_header(CLI::App& arguments);
+CommandRunner declare_tables(CLI::App& arguments);
+CommandRunner declare_builtins(CLI::App& arguments);
 } // namespace dbapi::tool

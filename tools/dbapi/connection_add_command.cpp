@@ -50,6 +50,18 @@ std::string absolute_path(const std::string& file)
     return error ? file : path.lexically_normal().string();
 }
 
+/// The database is made where there is none, but not the folder that it is to stand in.
+void check_folder(const std::string& file)
+{
+    const std::filesystem::path folder = std::filesystem::path(absolute_path(file)).parent_path();
+    std::error_code ignored;
+    if (!std::filesystem::is_directory(folder, ignored)) {
+        throw CommandFailure(
+            ExitCode::File, "there is no folder " + dbapi::quoted(folder.string()) +
+                                " for the database. Make it first.");
+    }
+}
+
 void check_options(const AddOptions& options)
 {
     if (dbif::trimmed(options.name).empty()) {
@@ -70,6 +82,9 @@ void check_options(const AddOptions& options)
 ExitCode add_connection(const AddOptions& options)
 {
     check_options(options);
+    if (options.database.empty()) {
+        check_folder(options.file);
+    }
     std::string errors;
     const bool isAdded =
         options.database.empty()

@@ -184,6 +184,9 @@ std::optional<QueryFault> find_keyword_fault(KnownKeys& keys, const std::string&
 std::string fault_lines(const QueryFault& fault)
 {
     const std::string_view text = fault.text;
+    if (trimmed_view(text).empty()) {
+        return {};
+    }
     const std::string before =
         display_suffix(display_text(text.substr(0, fault.position)), kShownBefore);
     const std::string faulty(

@@ -92,7 +92,9 @@ void tell_error(const std::string& text)
     std::string shown = styled("dbapi:", Style::Alert, stderr) + " ";
     for (std::size_t begin = 0; begin <= text.size();) {
         const std::size_t end = std::min(text.find('\n', begin), text.size());
-        shown += display_text(std::string_view(text).substr(begin, end - begin)) + "\n";
+        std::string line = display_text(std::string_view(text).substr(begin, end - begin));
+        line.erase(line.find_last_not_of(' ') + 1);
+        shown += line + "\n";
         begin = end + 1;
     }
     std::fputs(shown.c_str(), stderr);

@@ -1,0 +1,63 @@
+#include "dbapi/db_records.h"
+
+#include "tools/dbapi/call_failure.h"
+#include "tools/dbapi/command_table.h"
+#include "tools/dbapi/data_output.h"
+#include "tools/dbapi/record_tables_argument.h"
+#include "tools/dbapi/stored_names.h"
+#include "tools/dbapi/terminal.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <utility>
+
+namespace dbapi::tool {
+namespace {
+struct IdsOptions
+{
+    DataRequest request;
+    std::string table;
+    OutputOptions output;
+};
+
+ExitCode show_ids(const IdsOptions& options)
+{
+    const DataRequest& request = options.request;
+    stored_connection(request.connection);
+    std::set<int> ids;
+    std::string errors;
+    if (!dbapi_get_table_ids_from_query_for_tablename(
+            request.connection, options.table, &ids, request.query, &errors)) {
+        throw_call_failure(request, errors);
+    }
+    DataTable table{
+        {{"connection", request.connection}, {"table", options.table}, {"query", request.query}},
+        "ids",
+        {{"id", {}}}};
+    for (const int id : ids) {
+        table.columns.front().values.push_back(std::to_string(id));
+    }
+    write_data(table, options.output);
+    if (ids.empty()) {
+        tell_error(
+            "nothing found: the query selects no record of the table " + options.table + ".");
+        return ExitCode::NothingFound;
+    }
+    return ExitCode::Done;
+}
+} // namespace
+
+CommandRunner declare_ids(CLI::App& arguments)
+{
+    const auto options = std::make_shared<IdsOptions>();
+    arguments.add_option("CONNECTION", options->request.connection, "a stored connection")
+        ->required();
+    add_table_argument(arguments, &options->table);
+    arguments.add_option("-q,--query", options->request.query, "which records, like 'W=5u;L<=1u'")
+        ->type_name("QUERY");
+    add_output_options(arguments, &options->output);
+    return [options] {
+        return show_ids(*options);
+    };
+}
+} // namespace dbapi::tool

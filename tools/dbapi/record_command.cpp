@@ -1,0 +1,72 @@
+#include "dbapi/db_records.h"
+
+#include "tools/dbapi/call_failure.h"
+#include "tools/dbapi/command_table.h"
+#include "tools/dbapi/data_output.h"
+#include "tools/dbapi/record_tables_argument.h"
+#include "tools/dbapi/stored_names.h"
+#include "tools/dbapi/terminal.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <utility>
+
+namespace dbapi::tool {
+namespace {
+struct RecordOptions
+{
+    DataRequest request;
+    std::string table;
+    int id = 0;
+    std::string keyword;
+    OutputOptions output;
+};
+
+ExitCode show_record(RecordOptions options)
+{
+    DataRequest& request = options.request;
+    stored_connection(request.connection);
+    request.keywords = {options.keyword};
+    std::vector<std::string> values;
+    std::string errors;
+    if (!dbapi_get_text_key_values_for_table_id_for_tablename(
+            request.connection, options.table, options.id, options.keyword, &values, request.query,
+            &errors)) {
+        throw_call_failure(request, errors);
+    }
+    const bool isEmpty = values.empty();
+    const std::string id = std::to_string(options.id);
+    write_data(
+        {{{"connection", request.connection},
+          {"table", options.table},
+          {"id", id},
+          {"query", request.query}},
+         "",
+         {{options.keyword, std::move(values)}}},
+        options.output);
+    if (isEmpty) {
+        tell_error(
+            "nothing found: the " + options.table + " with id " + id + " has no value of " +
+            options.keyword + ", or there is no such record.");
+        return ExitCode::NothingFound;
+    }
+    return ExitCode::Done;
+}
+} // namespace
+
+CommandRunner declare_record(CLI::App& arguments)
+{
+    const auto options = std::make_shared<RecordOptions>();
+    arguments.add_option("CONNECTION", options->request.connection, "a stored connection")
+        ->required();
+    add_table_argument(arguments, &options->table);
+    arguments.add_option("ID", options->id, "the record's id; dbapi ids lists them")->required();
+    arguments.add_option("KEYWORD", options->keyword, "a key or builtin keyname")->required();
+    arguments.add_option("-q,--query", options->request.query, "narrows the values further")
+        ->type_name("QUERY");
+    add_output_options(arguments, &options->output);
+    return [options] {
+        return show_record(*options);
+    };
+}
+} // namespace dbapi::tool
