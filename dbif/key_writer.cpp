@@ -122,8 +122,8 @@ void check_value(const KeyValue& key)
             __FILE__, __LINE__);
     }
 }
+} // namespace
 
-/// The value as text: that of complex numbers and matrices in the form in which they print.
 std::string canonical_text(const KeyValue& key)
 {
     if (key.kind == ValueKind::Complex) {
@@ -135,13 +135,11 @@ std::string canonical_text(const KeyValue& key)
     return key.kind == ValueKind::Double ? double_text(key.number) : key.text;
 }
 
-/// Whether the key says that there is no value.
 bool is_missing(const KeyValue& key)
 {
     return key.kind == ValueKind::Double ? std::isnan(key.number)
                                          : key.kind != ValueKind::Text && trimmed(key.text).empty();
 }
-} // namespace
 
 int KeyWriter::define(
     RecordTable table,

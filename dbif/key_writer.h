@@ -62,6 +62,12 @@ private:
     std::array<std::map<std::string, int>, kRecordTables.size()> ids_;
 };
 
+/// Whether the key says that there is no value.
+bool is_missing(const KeyValue& key);
+/// The value of a key that was written, as text: that of complex numbers and matrices in the form
+/// in which they print.
+std::string canonical_text(const KeyValue& key);
+
 /// Refuses a text that cannot be stored and found again: `what` names it.
 void check_text(const std::string& text, const std::string& what);
 } // namespace dbif

@@ -75,22 +75,44 @@ identity_of(const TableFacts& f, const std::string& parentDigest, const FixedTex
     return identity.digest();
 }
 
+/// Adds the keys as they are stored: in any order, a missing one like none.
 void add_keys(const std::vector<KeyValue>& keys, RecordIdentity* identity)
 {
-    std::vector<std::string> parts;
+    std::set<std::string> parts;
     for (const KeyValue& key : keys) {
-        RecordIdentity part;
-        part.text(column_key(key.category, key.kind, key.name));
-        if (key.kind == ValueKind::Double) {
-            part.number(key.number);
-        } else {
-            part.text(key.text);
+        if (!is_missing(key)) {
+            RecordIdentity part;
+            part.text(column_key(key.category, key.kind, key.name)).text(canonical_text(key));
+            parts.insert(part.digest());
         }
-        parts.push_back(part.digest());
     }
-    std::sort(parts.begin(), parts.end());
     for (const std::string& part : parts) {
         identity->text(part);
+    }
+}
+
+/// Refuses what a setup cannot hold, before anything of it is written.
+void check_sweep(const std::vector<SetupColumn>& sweep)
+{
+    std::set<std::string> keys;
+    for (const SetupColumn& column : sweep) {
+        const std::string what = "The key \"" + column.name + "\"";
+        if (column.values.size() != sweep.front().values.size()) {
+            throw_error("The columns of a setup have different lengths.", __FILE__, __LINE__);
+        }
+        if (!keys.insert(column_key(column.isInput ? "IN" : "", column.values.kind, column.name))
+                 .second) {
+            throw_error(what + " is given twice. Give it once.", __FILE__, __LINE__);
+        }
+        if (!is_finite(column.values)) {
+            throw_error(
+                what + " has an infinite value. Only finite numbers can be stored.", __FILE__,
+                __LINE__);
+        }
+        check_text(column.header, "The header of the key \"" + column.name + "\"");
+        for (const std::optional<std::string>& text : column.values.texts) {
+            check_text(text.value_or(std::string()), "A value of the key \"" + column.name + "\"");
+        }
     }
 }
 
@@ -218,6 +240,41 @@ public:
         return hasChanged;
     }
 
+    /// The digest of a stored record; empty for 0, no record.
+    std::string digestOf(RecordTable table, int id)
+    {
+        const auto known = digests_.find({table, id});
+        if (id == 0 || known != digests_.end()) {
+            return id == 0 ? std::string() : known->second;
+        }
+        const TableFacts& f = facts(table);
+        SqlText sql;
+        sql << "SELECT identity FROM " << SqlName(f.name) << " WHERE id = " << id;
+        BulkCursor cursor(connection_, sql);
+        if (!cursor.next()) {
+            throwMissing(table, id);
+        }
+        return digests_[{table, id}] = std::string(cursor.text(0));
+    }
+
+    MeasurementContext& measurement(int id)
+    {
+        const auto found = measurements_.find(id);
+        if (found == measurements_.end()) {
+            throwMissing(RecordTable::Measurement, id);
+        }
+        return found->second;
+    }
+
+    const ConditionContext& condition(int id)
+    {
+        const auto found = conditions_.find(id);
+        if (found == conditions_.end()) {
+            throwMissing(RecordTable::MeasurementCondition, id);
+        }
+        return found->second;
+    }
+
     void touch(const TableFacts& f, int id)
     {
         SqlText sql;
@@ -239,7 +296,7 @@ public:
         if (id == 0) {
             id = insert(f, links, columns, std::nullopt, identity);
             known_[f.table][identity] = id;
-        } else if (checked_.insert({f.table, id}).second || f.table == RecordTable::Device) {
+        } else if (f.table != RecordTable::Die) { // a die has no columns but its identity
             const std::string what = "The " + std::string(f.name) + " \"" +
                                      column_of(columns, "name").value_or("") + "\"";
             if (completeColumns(f, id, columns, what)) {
@@ -315,7 +372,6 @@ public:
     void insertSweep(int setup, const std::vector<SetupColumn>& sweep)
     {
         for (const SetupColumn& column : sweep) {
-            check_text(column.header, "The header of the key \"" + column.name + "\"");
             const int id = keys_.define(
                 RecordTable::Setup, column.name, column.values.kind, column.isInput ? "IN" : "OUT");
             RowInserter& held = rows_.into(
@@ -326,12 +382,6 @@ public:
                 .integer(static_cast<long long>(column.values.size()));
             const std::optional<SweepBounds> limits = bounds(column.values);
             if (limits.has_value()) {
-                if (std::isinf(limits->minimum) || std::isinf(limits->maximum)) {
-                    throw_error(
-                        "The key \"" + column.name +
-                            "\" has an infinite value. Only finite numbers can be stored.",
-                        __FILE__, __LINE__);
-                }
                 held.number(limits->minimum).number(limits->maximum);
             } else {
                 held.null().null();
@@ -373,6 +423,14 @@ public:
     int firstSetup_ = 0;
 
 private:
+    [[noreturn]] static void throwMissing(RecordTable table, int id)
+    {
+        throw_error(
+            "There is no " + std::string(facts(table).name) + " " + std::to_string(id) +
+                " to add to.",
+            __FILE__, __LINE__);
+    }
+
     void insertFixed(
         const FixedColumnFacts& column,
         const FixedTexts& columns,
@@ -409,7 +467,6 @@ private:
     std::string stamp_;
     bool isOpen_ = false;
     std::map<RecordTable, std::map<std::string, int>> known_;
-    std::set<std::pair<RecordTable, int>> checked_;
 };
 
 RecordWriter::RecordWriter(DBIF_Connection connection)
@@ -442,7 +499,7 @@ int RecordWriter::findOrAddDevice(
     const FixedTexts& columns,
     const std::vector<KeyValue>& keys)
 {
-    const std::string& dieDigest = work_->digests_[{RecordTable::Die, die}];
+    const std::string dieDigest = work_->digestOf(RecordTable::Die, die);
     bool isNew = false;
     const int id = work_->findOrAdd(facts(RecordTable::Device), dieDigest, {die}, columns, &isNew);
     if (isNew) {
@@ -461,8 +518,8 @@ int RecordWriter::addMeasurement(const MeasurementRecord& measurement)
         throw_error("The temperature is not a finite number.", __FILE__, __LINE__);
     }
     RecordIdentity identity;
-    identity.text(work_->digests_[{RecordTable::Device, measurement.device}])
-        .text(work_->digests_[{RecordTable::Routine, measurement.routine}])
+    identity.text(work_->digestOf(RecordTable::Device, measurement.device))
+        .text(work_->digestOf(RecordTable::Routine, measurement.routine))
         .number(measurement.temperature)
         .textOrMissing(data_origin(measurement.keys));
     MeasurementContext context;
@@ -481,13 +538,13 @@ int RecordWriter::addCondition(
     const FixedTexts& columns,
     const std::vector<KeyValue>& keys)
 {
-    RecordIdentity identity;
-    identity.text(work_->measurements_.at(measurement).digest)
-        .textOrMissing(column_of(columns, "name"));
-    add_keys(keys, &identity);
+    const std::string parentDigest = work_->measurement(measurement).digest;
     const int id = work_->insert(
         facts(RecordTable::MeasurementCondition), {measurement}, columns, std::nullopt, {});
     work_->keys_.add(RecordTable::MeasurementCondition, id, keys);
+    RecordIdentity identity;
+    identity.text(parentDigest).textOrMissing(column_of(columns, "name"));
+    add_keys(keys, &identity);
     work_->conditions_[id] = {measurement, identity.digest()};
     return id;
 }
@@ -498,12 +555,8 @@ int RecordWriter::addSetup(
     const std::vector<SetupColumn>& sweep,
     const std::string& label)
 {
-    for (const SetupColumn& column : sweep) {
-        if (column.values.size() != sweep.front().values.size()) {
-            throw_error("The columns of a setup have different lengths.", __FILE__, __LINE__);
-        }
-    }
-    const ConditionContext& context = work_->conditions_.at(condition);
+    check_sweep(sweep);
+    const ConditionContext& context = work_->condition(condition);
     RecordIdentity identity;
     identity.text(context.digest)
         .textOrMissing(column_of(columns, "name"))
@@ -521,7 +574,7 @@ int RecordWriter::addSetup(
         work_->insert(facts(RecordTable::Setup), {condition}, columns, std::nullopt, digest);
     work_->firstSetup_ = work_->firstSetup_ == 0 ? id : work_->firstSetup_;
     work_->insertSweep(id, sweep);
-    ++work_->measurements_.at(context.measurement).setups;
+    ++work_->measurement(context.measurement).setups;
     return id;
 }
 

@@ -3,6 +3,7 @@
 #include "dbif/exception.h"
 #include "dbif/host_number.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>
@@ -301,6 +302,31 @@ std::optional<SweepBounds> bounds(const SweepArray& array)
         found->maximum = std::max(found->maximum, number);
     }
     return found;
+}
+
+bool is_finite(const SweepArray& array)
+{
+    const auto isFinite = [](const std::complex<double>& number) {
+        return std::isfinite(number.real()) && std::isfinite(number.imag());
+    };
+    switch (array.kind) {
+    case ValueKind::Double:
+        return std::none_of(array.numbers.begin(), array.numbers.end(), [](double number) {
+            return std::isinf(number);
+        });
+    case ValueKind::Complex:
+        return std::all_of(
+            array.complexNumbers.begin(), array.complexNumbers.end(),
+            [&](const auto& number) { return std::isnan(number.real()) || isFinite(number); });
+    case ValueKind::Matrix:
+        return std::all_of(
+            array.matrices.begin(), array.matrices.end(), [&](const ComplexMatrix& matrix) {
+                return std::all_of(matrix.cells.begin(), matrix.cells.end(), isFinite);
+            });
+    case ValueKind::Text:
+        break;
+    }
+    return true;
 }
 
 std::vector<std::string> pack(const SweepArray& array)

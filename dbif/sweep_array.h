@@ -36,6 +36,9 @@ struct SweepBounds
 
 std::optional<SweepBounds> bounds(const SweepArray& array);
 
+/// Whether all values are finite in all their parts, or none at all.
+bool is_finite(const SweepArray& array);
+
 /// Packs an array into chunks of at most 1 MiB (one value that is longer has a chunk of its own). A
 /// chunk is a header of 16 bytes, then the values.
 ///

@@ -103,7 +103,7 @@ TEST_P(SqlTexts, KeepTextsApartAndWhole)
             const int device = writer.findOrAddDevice(die, {{"name", text}}, keys);
             const int condition =
                 writer.addCondition(writer.addMeasurement({entry, device, 0, {}, {}}), {});
-            dbif::SetupColumn column = sweep("s", {text, std::nullopt});
+            dbif::SetupColumn column = text_sweep("s", {text, std::nullopt});
             column.header = text;
             writer.addSetup(condition, {{"path", text}}, {column}, text);
         }

@@ -92,7 +92,7 @@ dbif::SetupColumn sweep(const std::string& name, const std::vector<double>& numb
 }
 
 dbif::SetupColumn
-sweep(const std::string& name, const std::vector<std::optional<std::string>>& texts)
+text_sweep(const std::string& name, const std::vector<std::optional<std::string>>& texts)
 {
     dbif::SetupColumn column{name, false, "", {}};
     column.values.kind = dbif::ValueKind::Text;

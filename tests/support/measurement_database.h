@@ -84,7 +84,7 @@ dbif::KeyValue text_key(
     dbif::ValueKind kind = dbif::ValueKind::Text);
 dbif::SetupColumn sweep(const std::string& name, const std::vector<double>& numbers);
 dbif::SetupColumn
-sweep(const std::string& name, const std::vector<std::optional<std::string>>& texts);
+text_sweep(const std::string& name, const std::vector<std::optional<std::string>>& texts);
 
 /// What the exception that `work` throws says; "nothing thrown" when it throws none.
 template <typename Work>
