@@ -52,9 +52,8 @@ IdList::~IdList()
         return;
     }
     try {
-        SqlText drop;
-        drop << "DROP TABLE IF EXISTS " << SqlName(temporaryTable_);
-        connection_.execute(drop, __FILE__, __LINE__);
+        connection_.execute(
+            connection_.dialect().dropIdTable(SqlName(temporaryTable_)), __FILE__, __LINE__);
     } catch (const DBIF_Exception&) {
         // It ends with the session anyway.
     }

@@ -123,6 +123,8 @@ public:
     [[nodiscard]] virtual SqlText rangeTable(const std::vector<NumberRange>& ranges) const = 0;
     /// Creates a temporary table of the session with one column `id`.
     [[nodiscard]] virtual SqlText createIdTable(const SqlName& name) const = 0;
+    /// Drops it without ending a transaction.
+    [[nodiscard]] virtual SqlText dropIdTable(const SqlName& name) const = 0;
     /// What stands before a statement to see its plan.
     [[nodiscard]] virtual SqlText explain() const = 0;
 };

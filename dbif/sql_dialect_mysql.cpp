@@ -137,6 +137,12 @@ public:
         return text << "CREATE TEMPORARY TABLE " << table << " (id INT PRIMARY KEY) ENGINE=InnoDB";
     }
 
+    [[nodiscard]] SqlText dropIdTable(const SqlName& table) const override
+    {
+        SqlText text;
+        return text << "DROP TEMPORARY TABLE IF EXISTS " << table;
+    }
+
     [[nodiscard]] SqlText explain() const override { return "EXPLAIN "; }
 
 private:

@@ -143,6 +143,12 @@ public:
         return text << "CREATE TEMPORARY TABLE " << table << " (id INTEGER PRIMARY KEY)";
     }
 
+    [[nodiscard]] SqlText dropIdTable(const SqlName& table) const override
+    {
+        SqlText text;
+        return text << "DROP TABLE IF EXISTS temp." << table;
+    }
+
     [[nodiscard]] SqlText explain() const override { return "EXPLAIN QUERY PLAN "; }
 };
 } // namespace

@@ -1,0 +1,126 @@
+#include "dbif/constant_condition.h"
+#include "dbif/query_run.h"
+#include "dbif/record_tables.h"
+#include "dbif/transaction_guard.h"
+
+#include "tests/support/measurement_database.h"
+
+#include <gmock/gmock.h>
+
+using namespace test_support; // NOLINT(google-build-using-namespace)
+using testing::HasSubstr;
+
+namespace {
+constexpr int kDevices = 1100;
+
+/// Devices d1 to d1100, the i-th with W = i and a setup with vg 0, 1, 2 and id i, 2i, 3i.
+class ManyRecords : public EngineTest
+{
+protected:
+    void SetUp() override
+    {
+        database.write([](dbif::RecordWriter& writer) {
+            for (int i = 1; i <= kDevices; ++i) {
+                const double w = i;
+                const int device = writer.findOrAddDevice(
+                    0, {{"name", "d" + std::to_string(i)}}, {number_key("W", w, "ID")});
+                const int measurement = writer.addMeasurement({0, device, 0, 25, {}});
+                writer.addSetup(
+                    writer.addCondition(measurement, {}), {},
+                    {sweep("vg", {0, 1, 2}), sweep("id", {w, 2 * w, 3 * w})}, "");
+            }
+        });
+    }
+
+    DBIF_SingleColumnCondition point(const char* key, Comparator comparator, int value)
+    {
+        return DBIF_SetupColumn::get(
+                   database.connection, QStringLiteral("OUT|DOUBLE|") + QLatin1String(key))
+            ->singleColumnCondition(comparator, QString::number(value));
+    }
+
+    /// The rows of columns ("table column"), sorted by the first, as "cell|cell;".
+    std::string rows(
+        const std::vector<std::pair<const char*, const char*>>& columns,
+        const DBIF_QueryCondition& condition,
+        bool isDistinct = false)
+    {
+        DBIF_VantoQuery query(database.connection);
+        for (const auto& [table, column] : columns) {
+            query.addColumn(QLatin1String(table), QLatin1String(column), false);
+        }
+        query.addOrder(
+            QLatin1String(columns.front().first), QLatin1String(columns.front().second), true);
+        query.setCondition(&condition);
+        query.markDistinct(isDistinct);
+        const dbif::QueryResult result = dbif::run_query(query);
+        std::string text;
+        for (std::size_t row = 0; row < result.rows; ++row) {
+            for (const dbif::ResultColumn& column : result.columns) {
+                text += column.text(row) + (&column == &result.columns.back() ? ";" : "|");
+            }
+        }
+        return text;
+    }
+};
+} // namespace
+
+TEST_P(ManyRecords, AreFoundByTheirPoints)
+{
+    std::string expected;
+    std::string points;
+    for (int i = 184; i <= kDevices; ++i) { // 3i > 550
+        const std::string number = std::to_string(i);
+        expected += number + "|d" + number + "|25;";
+        points += std::to_string(3 * i) + "|2|d" + number + ";";
+    }
+    const auto above = point("id", GREATER, 550);
+    const auto last = point("vg", EQUAL, 2);
+    const DBIF_CompoundQueryCondition both(&above, AND, &last);
+    EXPECT_EQ(
+        rows(
+            {{"device_data", "ID|DOUBLE|W"}, {"device", "name"}, {"measurement", "temperature"}},
+            both),
+        expected);
+    EXPECT_EQ(
+        rows(
+            {{"setup_data", "OUT|DOUBLE|id"}, {"setup_data", "OUT|DOUBLE|vg"}, {"device", "name"}},
+            both),
+        points);
+    EXPECT_EQ(rows({{"measurement", "temperature"}}, both, true), "25;");
+    EXPECT_FALSE(database.connection.isInTransaction());
+}
+
+// Whoever holds a transaction open sees one state of the database, whatever is asked in between.
+TEST_P(ManyRecords, AreReadFromOneState)
+{
+    database.connection.beginTransaction();
+    DConHelper transaction(database.connection);
+    transaction.arm();
+    const auto all = point("id", GREATER, 0);
+    const std::string before = rows({{"device", "id"}}, all);
+    DBIF_Connection other = database.open();
+    dbif::RecordWriter writer(other);
+    writer.findOrAddDevice(0, {{"name", "later"}});
+    writer.commit();
+    EXPECT_EQ(rows({{"device", "id"}}, DBIF_TrueCondition()), before);
+}
+
+TEST_P(ManyRecords, SayWhichKeyIsDamaged)
+{
+    database.execute(
+        "UPDATE setup_data SET payload = X'00' WHERE setup_id = 7 AND setup_column_id = 2");
+    EXPECT_THAT(
+        thrown_by([this] {
+            return rows({{"device", "id"}}, point("id", GREATER, 0));
+        }),
+        HasSubstr("The key \"id\" of setup 7 is damaged (it is too short)."));
+    database.execute("DELETE FROM setup_data WHERE setup_id = 7");
+    EXPECT_THAT(
+        thrown_by([this] { DBIF_Setup::get(database.connection, 7); }),
+        HasSubstr("The key \"vg\" of setup 7 is damaged (it has 0 of 3 points)."));
+    EXPECT_EQ(DBIF_Setup::get(database.connection, 8)->getAllData().size(), 3);
+    EXPECT_TRUE(DBIF_Setup::get(database.connection, kDevices + 1).isNull());
+}
+
+INSTANTIATE_ON_ENGINES(ManyRecords);
