@@ -243,6 +243,11 @@ TEST_P(Writer, RefusesWhatCannotBeStoredAndStoresNothing)
     complex.values.complexNumbers = {{1, kInfinity}};
     const std::string zero("a\0b", 3);
     using enum dbif::ValueKind;
+    const auto measured = [](const dbif::MeasurementRecord& record) {
+        return [record](RecordWriter& writer) {
+            writer.addMeasurement(record);
+        };
+    };
     const std::pair<Work, const char*> refused[] = {
         {named(""), "A key has an empty name. Give it one."},
         {named(" \t"), "A key has an empty name."},
@@ -252,39 +257,30 @@ TEST_P(Writer, RefusesWhatCannotBeStoredAndStoresNothing)
         {named("xKey(y"), "holds a comma or \"KEY(\""},
         {named("a\xC3"), "is not UTF-8 text."},
         {named(zero), "holds a zero byte"},
-        {fixed("application", "\xED\xA0\x80"), "\"catalog_entry.application\" is not UTF-8 text."},
+        {fixed("application", "\xED\xA0\x80"), "\"catalog_entry.application\" is not UTF-8"},
         {fixed("application", zero), "holds a zero byte"},
         {fixed("user", "me"), "\"user\" of the table \"catalog_entry\" cannot be written."},
         {fixed("modified_time", "2026"), "cannot be written."},
         {fixed("id", "7"), "cannot be written."},
         {fixed("lot", "7"), "\"lot\" of the table \"catalog_entry\" cannot be written."},
         {key(number_key("W", kInfinity, "ID")), "The value of the key \"W\" is infinite."},
-        {key(number_key("W", 1, "")),
-         "The device key \"W\" has the category \"\". Give it one of ID, PHYSICAL,"},
+        {key(number_key("W", 1, "")), "key \"W\" has the category \"\". Give it one of ID,"},
         {key(number_key("W", 1, "physical")), "has the category \"physical\"."},
         {key(text_key("T", "\x80", "ID")), "The value of the key \"T\" is not UTF-8 text."},
         {key(text_key("z", "1+", "ID", Complex)), "is no complex number. Write it like 1.5-2j."},
         {key(text_key("m", "[[1], [1, 2]]", "ID", Matrix)), "is no matrix."},
-        {[](RecordWriter& writer) {
-             writer.addMeasurement({0, 0, 0, {}, {number_key("gain", 1, "ID")}});
-         },
-         "Keys of the table \"measurement\" have no category"},
-        {[](RecordWriter& writer) {
-             writer.addMeasurement({0, 0, 0, kInfinity, {}});
-         },
-         "The temperature is not a finite number."},
+        {measured({0, 0, 0, {}, {number_key("gain", 1, "ID")}}), "have no category"},
+        {measured({0, 0, 0, kInfinity, {}}), "The temperature is not a finite number."},
+        {measured({0, 777, 0, {}, {}}), "There is no device 777 to add to."},
         {swept({sweep("id", {1, -kInfinity})}), "The key \"id\" has an infinite value."},
         {swept({complex}), "The key \"y\" has an infinite value."},
-        {swept({sweep("id", {1}), sweep("vg", {})}),
-         "The columns of a setup have different lengths."},
+        {swept({sweep("id", {1}), sweep("vg", {})}), "columns of a setup have different lengths."},
         {swept({sweep("id", {1}), sweep("id", {2})}), "\"id\" is given twice"},
         {swept({headed}), "The header of the key \"id\" is not UTF-8 text."},
         {swept({text_sweep("flag", {zero})}), "holds a zero byte"},
         {swept({text_sweep("flag", {"\xC0\x80"})}), "is not UTF-8 text."},
-        {[](RecordWriter& writer) { writer.addCondition(777, {}); },
-         "There is no measurement 777 to add to."},
-        {[](RecordWriter& writer) { writer.addSetup(777, {}, {}, ""); },
-         "There is no measurement_condition 777 to add to."}};
+        {[](RecordWriter& writer) { writer.addCondition(777, {}); }, "no measurement 777"},
+        {[](RecordWriter& writer) { writer.addSetup(777, {}, {}, ""); }, "condition 777 to add"}};
     {
         RecordWriter all(database.connection);
         for (const auto& [work, message] : refused) {
