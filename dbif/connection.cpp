@@ -1,9 +1,9 @@
 #include "dbif/connection.h"
 
 #include "dbif/host_string.h"
+#include "dbif/qt_application.h"
 #include "dbif/schema.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
 #include <QSqlDriver>
 #include <QTimeZone>
@@ -11,20 +11,6 @@
 #include <QVariant>
 
 namespace {
-/// Qt loads its SQL drivers only in a process that has an application object. It lives until the
-/// process ends, as Qt wants it.
-void make_application_if_missing()
-{
-    if (QCoreApplication::instance() == nullptr) {
-        static int argumentCount = 1; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
-        static char name[] = "dbapi"; // NOLINT
-        static char* arguments[] = {name}; // NOLINT
-        static QCoreApplication
-            application( // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
-                argumentCount, arguments);
-    }
-}
-
 QSqlError connection_error(const QString& text)
 {
     return QSqlError(QString(), text, QSqlError::ConnectionError);
@@ -49,7 +35,7 @@ public:
         if (!dialect_->isServer() && !isFileUsable(missingFile)) {
             return;
         }
-        make_application_if_missing();
+        dbif::make_application_if_missing();
         name_ = QUuid::createUuid().toString();
         open();
     }

@@ -39,6 +39,7 @@
 #include "dbif/record_writer.h"
 #include "dbif/result_column.h"
 #include "dbif/result_source.h"
+#include "dbif/row_order.h"
 #include "dbif/schema.h"
 #include "dbif/schema_names.h"
 #include "dbif/sql_dialect.h"

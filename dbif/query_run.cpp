@@ -6,6 +6,7 @@
 #include "dbif/record_query.h"
 #include "dbif/record_reader.h"
 #include "dbif/result_source.h"
+#include "dbif/row_order.h"
 #include "dbif/sweep_rows.h"
 #include "dbif/transaction_guard.h"
 

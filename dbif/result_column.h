@@ -36,18 +36,24 @@ struct QueryResult
     std::size_t rows = 0;
 };
 
-/// By which column rows are sorted, and which way.
-struct SortKey
+/// Calls `use` with the vector that holds the column's values.
+template <typename Column, typename Use>
+auto with_values(Column& column, const Use& use)
 {
-    std::size_t column;
-    bool isAscending;
-};
+    switch (column.kind) {
+    case ResultColumn::Kind::Integer:
+    case ResultColumn::Kind::Double:
+        return use(column.numbers);
+    case ResultColumn::Kind::Complex:
+        return use(column.complexNumbers);
+    case ResultColumn::Kind::SharedText:
+        return use(column.codes);
+    case ResultColumn::Kind::Text:
+        break;
+    }
+    return use(column.texts);
+}
 
-/// Sorts the rows: no value first, numbers as numbers, complex ones by real then imaginary part,
-/// texts byte by byte.
-void sort_rows(const std::vector<SortKey>& keys, QueryResult* result);
-/// Leaves one of each run of equal rows.
-void remove_repeated_rows(QueryResult* result);
 void keep_first_rows(std::size_t count, QueryResult* result);
 
 /// The texts of a column, which is emptied.

@@ -11,21 +11,23 @@
 
 namespace dbif {
 namespace {
-void run(QSqlDatabase& database, const SqlText& sql)
+void run(QSqlQuery& query, const SqlText& sql)
 {
-    QSqlQuery query(database);
     if (!query.exec(sql.toQt())) {
         throw DBIF_Exception(sql.toQt(), query.lastError(), QStringLiteral(__FILE__), __LINE__);
     }
 }
 
+void run(QSqlDatabase& database, const SqlText& sql)
+{
+    QSqlQuery query(database);
+    run(query, sql);
+}
+
 std::set<std::string> tables_of(QSqlDatabase& database, const SqlDialect& dialect)
 {
     QSqlQuery query(database);
-    const QString sql = dialect.listTables().toQt();
-    if (!query.exec(sql)) {
-        throw DBIF_Exception(sql, query.lastError(), QStringLiteral(__FILE__), __LINE__);
-    }
+    run(query, dialect.listTables());
     std::set<std::string> names;
     while (query.next()) {
         names.insert(to_utf8(query.value(0).toString()));
@@ -246,39 +248,57 @@ void refuse(const std::string& reason)
     throw_error("The database \"" + reason, __FILE__, __LINE__, QSqlError::ConnectionError);
 }
 
-void check_version(QSqlDatabase& database)
+void check_version(const SchemaState& state, const std::string& name)
 {
-    const std::string name = to_utf8(database.databaseName());
-    QSqlQuery query(database);
-    if (!query.exec(QStringLiteral("SELECT schema_version FROM database_info WHERE id = 1")) ||
-        !query.next()) {
-        refuse(
-            name +
-            "\" holds an incomplete measurement schema: its creation was interrupted. Remove it and create it again.");
-    }
-    const int version = query.value(0).toInt();
-    if (version > kSchemaVersion) {
+    if (state.version > kSchemaVersion) {
         refuse(
             name + "\" was written by a newer version of this program: its schema has version " +
-            std::to_string(version) + ", and this program reads versions up to " +
+            std::to_string(state.version) + ", and this program reads versions up to " +
             std::to_string(kSchemaVersion) + ". Update this program.");
     }
 }
 } // namespace
 
-void initialize_schema(QSqlDatabase& database, const SqlDialect& dialect)
+SchemaState schema_state(QSqlDatabase& database, const SqlDialect& dialect)
 {
-    std::set<std::string> tables = tables_of(database, dialect);
+    const std::set<std::string> tables = tables_of(database, dialect);
     if (tables.empty()) {
-        create_schema(database, dialect);
-        tables = tables_of(database, dialect);
+        return {SchemaState::Kind::Empty};
     }
     if (!tables.contains("database_info") || !tables.contains("multi_table")) {
+        return {SchemaState::Kind::Foreign};
+    }
+    QSqlQuery query(database);
+    run(query, SqlText("SELECT schema_version FROM database_info WHERE id = 1"));
+    if (!query.next()) {
+        return {SchemaState::Kind::Incomplete};
+    }
+    return {SchemaState::Kind::Complete, query.value(0).toInt()};
+}
+
+void initialize_schema(QSqlDatabase& database, const SqlDialect& dialect)
+{
+    SchemaState state = schema_state(database, dialect);
+    if (state.kind == SchemaState::Kind::Empty) {
+        create_schema(database, dialect);
+        state = schema_state(database, dialect);
+    }
+    const std::string name = to_utf8(database.databaseName());
+    switch (state.kind) {
+    case SchemaState::Kind::Empty:
+    case SchemaState::Kind::Foreign:
         refuse(
-            to_utf8(database.databaseName()) +
+            name +
             "\" holds other tables, but no measurement schema: it belongs to another program. Name an empty "
             "or a new database.");
+        break;
+    case SchemaState::Kind::Incomplete:
+        refuse(
+            name +
+            "\" holds an incomplete measurement schema: its creation was interrupted. Remove it and create it again.");
+        break;
+    case SchemaState::Kind::Complete:
+        check_version(state, name);
     }
-    check_version(database);
 }
 } // namespace dbif

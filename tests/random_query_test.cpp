@@ -174,6 +174,18 @@ Condition random_condition(Dice& dice, std::size_t depth)
     return joined(first, choice < 60 ? AND : OR, random_condition(dice, depth - 1));
 }
 
+/// AND and OR within each other, deeper than a database's parser takes them.
+Condition deep_condition(Dice& dice)
+{
+    Condition condition = random_comparison(dice);
+    for (std::size_t i = 15 + dice.below(50); i > 0; --i) {
+        const Condition next = random_condition(dice, dice.below(2));
+        const Operator op = i % 2 == 0 ? AND : OR;
+        condition = dice.chance(50) ? joined(condition, op, next) : joined(next, op, condition);
+    }
+    return condition;
+}
+
 ModelQuery random_query(Dice& dice, const RandomRecords& records)
 {
     ModelQuery query;
@@ -302,7 +314,8 @@ TEST_P(RandomQuery, AgreesWithPlainEvaluation)
                 records.import();
             }
             ModelQuery query = random_query(dice, records);
-            const Condition condition = random_condition(dice, dice.below(4));
+            const Condition condition =
+                dice.chance(3) ? deep_condition(dice) : random_condition(dice, dice.below(4));
             query.condition = [&condition](const ModelPlace& place) {
                 return condition.plain(place, false);
             };

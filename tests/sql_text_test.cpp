@@ -200,6 +200,28 @@ TEST_P(SqlTexts, TakeListsAndChainsOfAnyLength)
     }
 }
 
+TEST_P(SqlTexts, TakeConditionsWithinConditions)
+{
+    database.write([](dbif::RecordWriter& writer) {
+        for (const char* name : {"a", "b", "c"}) {
+            writer.findOrAddDevice(0, {{"name", name}});
+        }
+    });
+    const auto isA = DBIF_Device::NAME.singleColumnCondition(EQUAL, QStringLiteral("a"));
+    const auto isNoC = DBIF_Device::NAME.singleColumnCondition(NOT_EQUAL, QStringLiteral("c"));
+    DBIF_CompoundQueryCondition nested(&isA, OR, &isNoC);
+    for (int i = 1; i <= 999; ++i) {
+        nested =
+            DBIF_CompoundQueryCondition(i % 2 == 0 ? &isA : &isNoC, i % 2 == 0 ? OR : AND, &nested);
+    }
+    EXPECT_EQ(devices(nested), numbered(2));
+    EXPECT_EQ(devices(DBIF_CompoundQueryCondition(NOT, &nested)), std::vector<int>{3});
+    const DBIF_CompoundQueryCondition deepest(&isA, OR, &nested);
+    EXPECT_THAT(
+        thrown_by([&] { DBIF_CompoundQueryCondition(&isNoC, AND, &deepest); }),
+        HasSubstr("The condition changes between AND and OR more than 1000 times"));
+}
+
 TEST_P(SqlTexts, CompareNumbersAtTheirEnds)
 {
     constexpr double kLargest = std::numeric_limits<double>::max();

@@ -1,8 +1,9 @@
 #include "tools/dbapi/annotated_csv.h"
 
 #include "dbif/host_string.h"
+#include "dbif/not_copied.h"
 
-#include "tools/dbapi/sweep_rows.h"
+#include "tools/dbapi/csv_points.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -20,13 +21,28 @@ constexpr std::size_t kLongestRow = 1U << 26U;
 constexpr std::size_t kLongestAnnotation = 1U << 20U;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
+/// The length of the first line of a text, with its line end; 0 when the text may not hold all of
+/// it.
+std::size_t line_length(std::string_view text, bool isLast)
+{
+    const std::size_t end = text.find_first_of("\r\n");
+    if (end == std::string_view::npos) {
+        return isLast ? text.size() : 0;
+    }
+    // A CR may be followed by its LF in the next block.
+    if (text[end] == '\r' && end + 1 == text.size() && !isLast) {
+        return 0;
+    }
+    return end + (text.substr(end, 2) == "\r\n" ? 2 : 1);
+}
+
 struct CloseFile
 {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
 /// Reads one file from its first block to its last.
-class FileReader
+class FileReader : private dbif::NotCopied
 {
 public:
     explicit FileReader(AnnotatedCsv* csv) : csv_(csv), annotations_(&csv->faults) {}
@@ -37,9 +53,6 @@ public:
             csv_free(&parser_);
         }
     }
-
-    FileReader(const FileReader&) = delete;
-    FileReader& operator=(const FileReader&) = delete;
 
     void add(std::string_view block);
     void finish();
@@ -116,34 +129,26 @@ void FileReader::finish()
 
 void FileReader::readAnnotations(bool isLast)
 {
-    if (isAtStart_ && (isLast || pending_.size() >= kByteOrderMark.size())) {
-        isAtStart_ = false;
-        if (pending_.starts_with(kByteOrderMark)) {
-            pending_.erase(0, kByteOrderMark.size());
-        }
+    if (isAtStart_ && pending_.size() < kByteOrderMark.size() && !isLast) {
+        return;
     }
-    std::size_t begin = 0;
-    while (!isAtStart_ && rows_ == nullptr && begin < pending_.size()) {
-        const std::size_t end = pending_.find_first_of("\r\n", begin);
-        const std::string line = dbif::trimmed(pending_.substr(begin, end - begin));
+    std::string_view rest = pending_;
+    if (std::exchange(isAtStart_, false) && rest.starts_with(kByteOrderMark)) {
+        rest.remove_prefix(kByteOrderMark.size());
+    }
+    while (const std::size_t length = line_length(rest, isLast)) {
+        const std::string line = dbif::trimmed(rest.substr(0, length));
         if (!line.empty() && line.front() != '#') {
             startRows();
-            break;
-        }
-        // A CR may be followed by its LF in the next block.
-        const bool isCut =
-            end == std::string::npos || (pending_[end] == '\r' && end + 1 == pending_.size());
-        if (isCut && !isLast) {
             break;
         }
         if (!line.empty()) {
             annotations_.addLine(line_, line);
         }
         ++line_;
-        const bool isPair = end != std::string::npos && pending_.compare(end, 2, "\r\n") == 0;
-        begin = end == std::string::npos ? pending_.size() : end + (isPair ? 2 : 1);
+        rest.remove_prefix(length);
     }
-    pending_.erase(0, begin);
+    pending_.erase(0, pending_.size() - rest.size());
     if (rows_ != nullptr) {
         addRows(std::exchange(pending_, {}));
     } else if (pending_.size() > kLongestAnnotation) {

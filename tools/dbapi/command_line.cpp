@@ -3,6 +3,7 @@
 #include "dbapi/text_rules.h"
 #include "dbif/error_text.h"
 #include "dbif/host_string.h"
+#include "dbif/not_copied.h"
 
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/nearest_text.h"
@@ -36,19 +37,26 @@ public:
     }
 };
 
+std::set<std::string> option_names(const CLI::App& command)
+{
+    std::set<std::string> names;
+    for (const CLI::Option* option : command.get_options()) {
+        for (const std::string& name : option->get_lnames()) {
+            names.insert("--" + name);
+        }
+    }
+    return names;
+}
+
 /// What is wrong with an argument that a command does not know.
 std::string unknown_argument(const CLI::App& command, const std::string& argument)
 {
-    std::set<std::string> known;
     if (argument.starts_with('-')) {
-        for (const CLI::Option* option : command.get_options()) {
-            for (const std::string& name : option->get_lnames()) {
-                known.insert("--" + name);
-            }
-        }
+        const std::set<std::string> known = option_names(command);
         return "there is no option " + argument + "." +
                suggestion(nearest_texts(argument.substr(0, argument.find('=')), known, 2));
     }
+    std::set<std::string> known;
     for (const CLI::App* subcommand : command.get_subcommands(nullptr)) {
         known.insert(subcommand->get_name());
     }
@@ -60,7 +68,7 @@ std::string unknown_argument(const CLI::App& command, const std::string& argumen
 }
 
 /// The program's arguments, and which command they chose.
-class CommandLine
+class CommandLine : private dbif::NotCopied
 {
 public:
     CommandLine()
@@ -73,9 +81,6 @@ public:
             add(command);
         }
     }
-
-    CommandLine(const CommandLine&) = delete;
-    CommandLine& operator=(const CommandLine&) = delete;
 
     ExitCode run(int argumentCount, char** arguments)
     {

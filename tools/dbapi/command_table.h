@@ -5,7 +5,7 @@
 #include <functional>
 #include <span>
 
-namespace CLI {
+namespace CLI { // NOLINT(readability-identifier-naming)
 class App;
 }
 

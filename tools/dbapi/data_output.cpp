@@ -87,22 +87,24 @@ void write_csv(const DataTable& table, Output& out)
     }
 }
 
-void write_lines(const DataTable& table, Output& out)
+void write_line_cell(std::string_view value, Output& out)
 {
     constexpr std::string_view kBreaks = "\t\r\n";
     constexpr std::string_view kLetters = "trn";
+    for (std::size_t at = value.find_first_of(kBreaks); at != std::string_view::npos;
+         at = value.find_first_of(kBreaks)) {
+        out << value.substr(0, at) << "\\" << kLetters.substr(kBreaks.find(value[at]), 1);
+        value.remove_prefix(at + 1);
+    }
+    out << value;
+}
+
+void write_lines(const DataTable& table, Output& out)
+{
     for (std::size_t row = 0; row < table.rows(); ++row) {
         for (const DataColumn& column : table.columns) {
             out << (&column == &table.columns.front() ? "" : "\t");
-            const std::string_view value = column.values[row];
-            std::size_t begin = 0;
-            for (std::size_t at = value.find_first_of(kBreaks); at != std::string_view::npos;
-                 at = value.find_first_of(kBreaks, begin)) {
-                out << value.substr(begin, at - begin) << "\\"
-                    << kLetters.substr(kBreaks.find(value[at]), 1);
-                begin = at + 1;
-            }
-            out << value.substr(begin);
+            write_line_cell(column.values[row], out);
         }
         out << "\n";
     }
@@ -113,6 +115,30 @@ std::string json_text(const std::string& text)
     return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
+void write_json_rows(const DataTable& table, Output& out)
+{
+    for (std::size_t row = 0; row < table.rows(); ++row) {
+        out << (row == 0 ? "{" : ",{");
+        for (const DataColumn& column : table.columns) {
+            out << (&column == &table.columns.front() ? "" : ",") << json_text(column.heading)
+                << ":" << json_text(column.values[row]);
+        }
+        out << "}";
+    }
+}
+
+void write_json_columns(const DataTable& table, Output& out)
+{
+    for (const DataColumn& column : table.columns) {
+        out << (&column == &table.columns.front() ? "" : ",")
+            << "{\"keyword\":" << json_text(column.heading) << ",\"values\":[";
+        for (const std::string& value : column.values) {
+            out << (&value == column.values.data() ? "" : ",") << json_text(value);
+        }
+        out << "]}";
+    }
+}
+
 /// Written piece by piece: a document in memory would be many times as large as the data.
 void write_json(const DataTable& table, Output& out)
 {
@@ -120,28 +146,12 @@ void write_json(const DataTable& table, Output& out)
     for (const auto& [name, text] : table.asked) {
         out << json_text(name) << ":" << json_text(text) << ",";
     }
-    const bool isRows = !table.rowsName.empty();
-    out << (isRows ? json_text(table.rowsName) : "\"columns\"") << ":[";
-    const char* separator = "";
-    if (isRows) {
-        for (std::size_t row = 0; row < table.rows(); ++row) {
-            out << separator << "{";
-            separator = ",";
-            for (const DataColumn& column : table.columns) {
-                out << (&column == &table.columns.front() ? "" : ",") << json_text(column.heading)
-                    << ":" << json_text(column.values[row]);
-            }
-            out << "}";
-        }
+    if (table.rowsName.empty()) {
+        out << "\"columns\":[";
+        write_json_columns(table, out);
     } else {
-        for (const DataColumn& column : table.columns) {
-            out << separator << "{\"keyword\":" << json_text(column.heading) << ",\"values\":[";
-            separator = ",";
-            for (const std::string& value : column.values) {
-                out << (&value == column.values.data() ? "" : ",") << json_text(value);
-            }
-            out << "]}";
-        }
+        out << json_text(table.rowsName) << ":[";
+        write_json_rows(table, out);
     }
     out << "]}\n";
 }

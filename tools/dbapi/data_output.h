@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-namespace CLI {
+namespace CLI { // NOLINT(readability-identifier-naming)
 class App;
 }
 

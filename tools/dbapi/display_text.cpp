@@ -1,5 +1,7 @@
 #include "tools/dbapi/display_text.h"
 
+#include "dbif/host_string.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -15,29 +17,31 @@ struct Character
     bool isValid;
 };
 
+/// How long a UTF-8 sequence is that begins with this byte; 0 when none does.
+std::size_t sequence_length(unsigned char first)
+{
+    if (first < 0x80) {
+        return 1;
+    }
+    if (first < 0xC2 || first > 0xF4) {
+        return 0;
+    }
+    return first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+}
+
 Character character_at(std::string_view text, std::size_t at)
 {
-    const auto byte = [&](std::size_t i) {
-        return static_cast<unsigned char>(text[at + i]);
-    };
-    const unsigned char first = byte(0);
-    const std::size_t length = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    constexpr std::array<std::uint32_t, 5> kSmallest{0, 0, 0x80, 0x800, 0x10000};
-    const Character broken{first, 1, false};
-    if ((first >= 0x80 && first < 0xC2) || first > 0xF4 || at + length > text.size()) {
-        return broken;
+    const auto first = static_cast<unsigned char>(text[at]);
+    const std::size_t length = sequence_length(first);
+    const std::string_view sequence = text.substr(at, length);
+    if (length == 0 || sequence.size() < length || !dbif::is_utf8(sequence)) {
+        return {first, 1, false};
     }
     std::uint32_t code = length == 1 ? first : first & (0xFFU >> (length + 1));
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0U) != 0x80U) {
-            return broken;
-        }
-        code = code << 6U | (byte(i) & 0x3FU);
+    for (const char next : sequence.substr(1)) {
+        code = code << 6U | (static_cast<unsigned char>(next) & 0x3FU);
     }
-    const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
-    return code < kSmallest[length] || code > 0x10FFFF || isSurrogate
-               ? broken
-               : Character{code, length, true};
+    return {code, length, true};
 }
 
 using Range = std::pair<std::uint32_t, std::uint32_t>;

@@ -3,6 +3,7 @@
 #include "dbif/host_string.h"
 
 #include <algorithm>
+#include <numeric>
 #include <tuple>
 
 namespace dbapi::tool {
@@ -25,19 +26,16 @@ std::size_t edit_distance(std::string_view first, std::string_view second)
     std::vector<std::size_t> twoAbove;
     std::vector<std::size_t> above;
     std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j) {
-        row[j] = j;
-    }
+    std::iota(row.begin(), row.end(), 0);
     for (std::size_t i = 1; i <= a.size(); ++i) {
         twoAbove = std::move(above);
         above = std::move(row);
         row.assign(b.size() + 1, i);
         for (std::size_t j = 1; j <= b.size(); ++j) {
             const std::size_t replaced = above[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
-            row[j] = std::min({replaced, above[j] + 1, row[j - 1] + 1});
-            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
-                row[j] = std::min(row[j], twoAbove[j - 2] + 1);
-            }
+            const bool isSwap = i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1];
+            const std::size_t swapped = isSwap ? twoAbove[j - 2] + 1 : replaced;
+            row[j] = std::min({replaced, swapped, above[j] + 1, row[j - 1] + 1});
         }
     }
     return row.back();

@@ -8,8 +8,8 @@
 
 namespace dbapi::tool {
 /// How many letters have to be typed, left out, replaced or swapped with their neighbour to get
-/// from `a` to `b`, in any letter case.
-std::size_t edit_distance(std::string_view a, std::string_view b);
+/// from one to the other, in any letter case.
+std::size_t edit_distance(std::string_view first, std::string_view second);
 
 /// Those of the candidates that somebody who wrote `text` may have meant, the likeliest first, at
 /// most `count`.

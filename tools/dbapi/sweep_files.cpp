@@ -56,23 +56,41 @@ std::vector<std::string> files_of(const std::string& path, std::string* fault)
     }
     return fs::is_directory(status) ? csv_files_of(path, fault) : std::vector<std::string>{path};
 }
+
+/// The files that were not found before.
+class NewFiles
+{
+public:
+    bool add(const std::string& file)
+    {
+        std::error_code error;
+        const fs::path place = fs::canonical(file, error);
+        return known_.insert(error ? file : place.string()).second;
+    }
+
+private:
+    std::set<std::string> known_;
+};
+
+std::uintmax_t size_of(const std::string& file)
+{
+    std::error_code error;
+    const std::uintmax_t size = fs::file_size(file, error);
+    return error ? 0 : size;
+}
 } // namespace
 
 SweepFiles find_sweep_files(const std::vector<std::string>& paths)
 {
     SweepFiles found;
-    std::set<std::string> known;
+    NewFiles newFiles;
     for (const std::string& path : paths) {
         std::string fault;
         for (const std::string& file : files_of(path, &fault)) {
-            std::error_code error;
-            const fs::path place = fs::canonical(file, error);
-            if (!known.insert(error ? file : place.string()).second) {
-                continue;
+            if (newFiles.add(file)) {
+                found.files.push_back(file);
+                found.bytes += size_of(file);
             }
-            found.files.push_back(file);
-            const std::uintmax_t size = fs::file_size(file, error);
-            found.bytes += error ? 0 : size;
         }
         if (!fault.empty()) {
             found.faults.push_back(fault);

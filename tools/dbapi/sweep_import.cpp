@@ -39,10 +39,11 @@ class Import
 public:
     explicit Import(DBIF_Connection connection) : connection_(std::move(connection)) {}
 
-    void add(const std::string& file, AnnotatedCsv csv);
+    void add(const std::string& file, const AnnotatedCsv& csv);
     ImportResult finish();
 
 private:
+    void storeUnlessRefused(const std::string& file, const AnnotatedCsv& csv);
     void store(const std::string& file, const AnnotatedCsv& csv);
     int deviceOf(const Annotations& annotations);
     /// Whether the file says the same of the catalogue entry as the files before it.
@@ -60,7 +61,7 @@ private:
     ImportResult result_;
 };
 
-void Import::add(const std::string& file, AnnotatedCsv csv)
+void Import::add(const std::string& file, const AnnotatedCsv& csv)
 {
     ++result_.files;
     result_.hasUnreadableFile = result_.hasUnreadableFile || csv.isUnreadable;
@@ -70,20 +71,25 @@ void Import::add(const std::string& file, AnnotatedCsv csv)
     }
     result_.faultCount = before + csv.faults.count();
     if (csv.faults.isEmpty() && isOneEntry(file, csv.annotations)) {
-        if (!writer_.has_value()) {
-            writer_.emplace(connection_);
-        }
-        try {
-            store(file, csv);
-        } catch (const DBIF_Exception& exception) {
-            // What the writer refuses is a fault of the file, and the next files may have more.
-            if (!exception.sql().isEmpty()) {
-                throw;
-            }
-            addFault(file, 0, dbif::trimmed(convert_sql_error_to_string(exception.error()).str()));
-        }
+        storeUnlessRefused(file, csv);
     }
     result_.faultyFiles += result_.faultCount > before ? 1 : 0;
+}
+
+void Import::storeUnlessRefused(const std::string& file, const AnnotatedCsv& csv)
+{
+    if (!writer_.has_value()) {
+        writer_.emplace(connection_);
+    }
+    try {
+        store(file, csv);
+    } catch (const DBIF_Exception& exception) {
+        // What the writer refuses is a fault of the file, and the next files may have more.
+        if (!exception.sql().isEmpty()) {
+            throw;
+        }
+        addFault(file, 0, dbif::trimmed(convert_sql_error_to_string(exception.error()).str()));
+    }
 }
 
 bool Import::isOneEntry(const std::string& file, const Annotations& annotations)
@@ -104,11 +110,11 @@ bool Import::isOneEntry(const std::string& file, const Annotations& annotations)
         const std::string here = said(texts, keyword);
         const std::string there = said(*catalogue_, keyword);
         if (here != there) {
-            addFault(
-                file, 0,
-                "It has " + here + ", but " + dbapi::quoted(catalogueFile_) + " has " + there +
-                    ". All files of one import share one catalogue entry: make them "
-                    "equal, or import the files apart.");
+            std::string fault = "It has " + here + ", but ";
+            fault += dbapi::quoted(catalogueFile_) + " has " + there;
+            fault += ". All files of one import share one catalogue entry: make them equal, or "
+                     "import the files apart.";
+            addFault(file, 0, fault);
             return false;
         }
     }

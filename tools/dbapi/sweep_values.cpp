@@ -33,20 +33,18 @@ std::string shown(std::string_view text)
     return dbapi::quoted(std::string(text.substr(0, end)) + "...");
 }
 
-std::string no_number(std::string_view text)
+/// What is wrong with a text that is no value of a kind.
+std::string no_value_of(dbif::ValueKind kind, std::string_view text)
 {
-    return shown(text) + " is no finite number. Write one like -1.5e-9 or 0.15u, or leave it "
-                         "empty for 'no value'.";
-}
-
-std::string no_complex_number(std::string_view text)
-{
-    return shown(text) + " is no complex number. Write one like 1.5-2j.";
-}
-
-std::string no_matrix(std::string_view text)
-{
-    return shown(text) + " is no complex matrix. Write one like [[1+0j, 0.5j], [0.5j, 1+0j]].";
+    switch (kind) {
+    case dbif::ValueKind::Complex:
+        return shown(text) + " is no complex number. Write one like 1.5-2j.";
+    case dbif::ValueKind::Matrix:
+        return shown(text) + " is no complex matrix. Write one like [[1+0j, 0.5j], [0.5j, 1+0j]].";
+    default:
+        return shown(text) + " is no finite number. Write one like -1.5e-9 or 0.15u, or leave it "
+                             "empty for 'no value'.";
+    }
 }
 
 bool is_finite(std::complex<double> number)
@@ -81,6 +79,31 @@ bool append_text(std::string_view cell, dbif::SweepArray* values, std::string* r
     return true;
 }
 
+/// Appends the value of a cell that does not hold text, if the cell has one.
+bool append_if_valid(std::string_view cell, dbif::SweepArray* values)
+{
+    if (values->kind == dbif::ValueKind::Double) {
+        double number = 0;
+        if (read_number(cell, &number)) {
+            values->numbers.push_back(number);
+            return true;
+        }
+    } else if (values->kind == dbif::ValueKind::Complex) {
+        std::complex<double> number;
+        if (read_finite_complex(cell, &number)) {
+            values->complexNumbers.push_back(number);
+            return true;
+        }
+    } else {
+        dbif::ComplexMatrix matrix;
+        if (read_finite_matrix(cell, &matrix)) {
+            values->matrices.push_back(std::move(matrix));
+            return true;
+        }
+    }
+    return false;
+}
+
 /// What to write in the place of a keyword that says too little about its column.
 std::string spellings_of(const std::string& name)
 {
@@ -94,20 +117,21 @@ bool set_key_value(const std::string& text, dbif::KeyValue* key, std::string* re
 {
     std::complex<double> number;
     dbif::ComplexMatrix matrix;
+    bool isValid = true;
     switch (key->kind) {
     case dbif::ValueKind::Double:
-        return read_number(text, &key->number) || refuse(reason, no_number(text));
+        return read_number(text, &key->number) || refuse(reason, no_value_of(key->kind, text));
     case dbif::ValueKind::Complex:
-        key->text = text;
-        return read_finite_complex(text, &number) || refuse(reason, no_complex_number(text));
+        isValid = read_finite_complex(text, &number);
+        break;
     case dbif::ValueKind::Matrix:
-        key->text = text;
-        return read_finite_matrix(text, &matrix) || refuse(reason, no_matrix(text));
+        isValid = read_finite_matrix(text, &matrix);
+        break;
     case dbif::ValueKind::Text:
         break;
     }
     key->text = text;
-    return true;
+    return isValid || refuse(reason, no_value_of(key->kind, text));
 }
 
 bool make_sweep_column(const std::string& keyword, dbif::SetupColumn* column, std::string* reason)
@@ -148,42 +172,20 @@ bool make_sweep_column(const std::string& keyword, dbif::SetupColumn* column, st
 
 bool append_value(std::string_view cell, dbif::SweepArray* values, std::string* reason)
 {
-    switch (values->kind) {
-    case dbif::ValueKind::Text:
+    if (values->kind == dbif::ValueKind::Text) {
         return append_text(cell, values, reason);
-    case dbif::ValueKind::Double: {
-        double number = 0;
-        if (read_number(cell, &number)) {
-            values->numbers.push_back(number);
-            return true;
-        }
-        break;
     }
-    case dbif::ValueKind::Complex: {
-        std::complex<double> number;
-        if (read_finite_complex(cell, &number)) {
-            values->complexNumbers.push_back(number);
-            return true;
-        }
-        break;
-    }
-    case dbif::ValueKind::Matrix: {
-        dbif::ComplexMatrix matrix;
-        if (read_finite_matrix(cell, &matrix)) {
-            values->matrices.push_back(std::move(matrix));
-            return true;
-        }
-        break;
-    }
+    if (append_if_valid(cell, values)) {
+        return true;
     }
     append_no_value(values);
-    const bool isEmpty = dbif::trimmed(cell).empty();
-    if (!isEmpty && reason != nullptr) {
-        *reason = values->kind == dbif::ValueKind::Double    ? no_number(cell)
-                  : values->kind == dbif::ValueKind::Complex ? no_complex_number(cell)
-                                                             : no_matrix(cell);
+    if (dbif::trimmed(cell).empty()) {
+        return true;
     }
-    return isEmpty;
+    if (reason != nullptr) {
+        *reason = no_value_of(values->kind, cell);
+    }
+    return false;
 }
 
 void append_no_value(dbif::SweepArray* values)

@@ -10,13 +10,18 @@
 #include <system_error>
 
 namespace dbapi::tool {
+/// A finite number in plain decimal notation. Allocates nothing.
+inline bool read_plain(std::string_view text, double* number)
+{
+    const char* end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, *number);
+    return result.ec == std::errc() && result.ptr == end && std::isfinite(*number);
+}
+
 /// A number in plain decimal or engineering notation. False for a text that is no finite number.
 inline bool read_number(std::string_view text, double* number)
 {
-    // Nearly every cell is plain, and this allocates nothing.
-    const char* end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, *number);
-    if (result.ec == std::errc() && result.ptr == end && std::isfinite(*number)) {
+    if (read_plain(text, number)) {
         return true;
     }
     *number = dbif::read_engineering_number(text);

@@ -23,7 +23,7 @@ bool shows_colours(std::FILE* stream)
 
 /// Reads keys one by one without echo while it lives. Also takes the keys that would stop the
 /// program, so that it is never left without echo.
-class SilentKeys
+class SilentKeys : private dbif::NotCopied
 {
 public:
     SilentKeys()
@@ -37,9 +37,6 @@ public:
     }
 
     ~SilentKeys() { tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_); }
-
-    SilentKeys(const SilentKeys&) = delete;
-    SilentKeys& operator=(const SilentKeys&) = delete;
 
     /// The next key; that for 'end of input' when there is none.
     [[nodiscard]] static char next()

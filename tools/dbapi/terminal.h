@@ -1,5 +1,7 @@
 #pragma once
 
+#include "dbif/not_copied.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -36,13 +38,11 @@ std::string ask_secretly(const std::string& prompt);
 
 /// A bar on the standard error stream that shows how far something is, where that is a terminal;
 /// elsewhere it does nothing. It is gone when this object is.
-class ProgressBar
+class ProgressBar : private dbif::NotCopied
 {
 public:
     ProgressBar(std::string what, std::uintmax_t total);
     ~ProgressBar();
-    ProgressBar(const ProgressBar&) = delete;
-    ProgressBar& operator=(const ProgressBar&) = delete;
 
     void advance(std::uintmax_t amount);
 

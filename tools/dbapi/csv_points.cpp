@@ -1,4 +1,4 @@
-#include "tools/dbapi/sweep_rows.h"
+#include "tools/dbapi/csv_points.h"
 
 #include "dbapi/text_rules.h"
 #include "dbif/column_store.h"
@@ -7,8 +7,6 @@
 #include "tools/dbapi/sweep_values.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 
 namespace dbapi::tool {
 namespace {
@@ -30,20 +28,13 @@ void SweepRows::addCell(std::string_view cell, bool isMissing)
         endedAtReturn_ = false;
     }
     // A plain number in its column, the one case that occurs a million times.
-    if (cells_ < columns_.size() && !isMissing) {
-        dbif::SweepArray& values = columns_[cells_].values;
-        const char* end = cell.data() + cell.size();
-        double number = 0;
-        if (values.kind == dbif::ValueKind::Double) {
-            const auto result = std::from_chars(cell.data(), end, number);
-            if (result.ec == std::errc() && result.ptr == end && std::isfinite(number)) {
-                values.numbers.push_back(number);
-                ++cells_;
-                return;
-            }
-        }
+    double number = 0;
+    if (cells_ < columns_.size() && !isMissing &&
+        columns_[cells_].values.kind == dbif::ValueKind::Double && read_plain(cell, &number)) {
+        columns_[cells_].values.numbers.push_back(number);
+    } else {
+        addSlowCell(cell, isMissing);
     }
-    addSlowCell(cell, isMissing);
     ++cells_;
 }
 

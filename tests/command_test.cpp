@@ -1,0 +1,369 @@
+#include "dbif/host_string.h"
+
+#include "tests/support/mariadb_server.h"
+#include "tests/support/temp_directory.h"
+
+#include <QProcess>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <pty.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+using Arguments = std::vector<std::string>;
+
+/// How the program ended, and what it wrote.
+struct Outcome
+{
+    int code = -1;
+    std::string data;
+    std::string talk;
+};
+
+Outcome dbapi(const Arguments& arguments, const std::string& input = {})
+{
+    QStringList list;
+    for (const std::string& argument : arguments) {
+        list << dbif::to_qt(argument);
+    }
+    QProcess process;
+    process.start(QStringLiteral(DBAPI_COMMAND), list);
+    process.write(QByteArray::fromStdString(input));
+    process.closeWriteChannel();
+    EXPECT_TRUE(process.waitForFinished(120'000));
+    return {
+        process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+        process.readAllStandardOutput().toStdString(),
+        process.readAllStandardError().toStdString()};
+}
+
+/// The same with a terminal of 20 rows for all three streams, on which `input` is typed. Data and
+/// talk come together.
+Outcome dbapi_on_terminal(Arguments arguments, const std::string& input = {})
+{
+    std::vector<char*> pointers;
+    arguments.insert(arguments.begin(), DBAPI_COMMAND);
+    for (std::string& argument : arguments) {
+        pointers.push_back(argument.data());
+    }
+    pointers.push_back(nullptr);
+    const winsize size{.ws_row = 20, .ws_col = 80, .ws_xpixel = 0, .ws_ypixel = 0};
+    int terminal = -1;
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, &size);
+    if (child == 0) {
+        setenv("TERM", "xterm", 1);
+        execv(DBAPI_COMMAND, pointers.data());
+        _exit(127);
+    }
+    Outcome outcome;
+    char byte = 0;
+    bool isTyped = input.empty();
+    while (read(terminal, &byte, 1) == 1) {
+        outcome.data += byte;
+        // Typed only once it is asked for: what the terminal shows before, it echoes.
+        if (!isTyped && outcome.data.ends_with("(it is not shown): ")) {
+            isTyped = write(terminal, input.data(), input.size()) > 0;
+        }
+    }
+    close(terminal);
+    int status = 0;
+    waitpid(child, &status, 0);
+    outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return outcome;
+}
+
+/// A folder with the stored connection "lab" to an empty SQLite database.
+class Command : public testing::Test
+{
+protected:
+    Command() { EXPECT_EQ(dbapi({"connection", "add", "lab", "--sqlite", database}).code, 0); }
+
+    /// Writes a file of annotated CSV, and returns its path.
+    std::string sweep(const std::string& name, const std::string& text)
+    {
+        std::filesystem::create_directories(folder.file("sweeps"));
+        test_support::write_file(folder.file("sweeps/" + name), text);
+        return folder.file("sweeps/" + name);
+    }
+
+    std::string lines(Arguments arguments)
+    {
+        arguments.insert(arguments.end(), {"--format", "lines"});
+        return dbapi(arguments).data;
+    }
+
+    test_support::TempDirectory folder;
+    const std::string database = folder.file("lab.db");
+};
+
+TEST_F(Command, KeepsConnectionsFromAddToRemove)
+{
+    EXPECT_EQ(
+        dbapi({"connection", "list", "--format", "json"}).data,
+        "{\"connections\":[{\"name\":\"lab\",\"driver\":\"QSQLITE\",\"database\":\"" + database +
+            "\",\"host\":\"\",\"port\":\"\",\"user\":\"\"}]}\n");
+    const Outcome again = dbapi({"connection", "add", "lab", "--sqlite", folder.file("b.db")});
+    EXPECT_EQ(again.code, 3);
+    EXPECT_THAT(again.talk, StartsWith("dbapi: there is a connection \"lab\" already."));
+    EXPECT_EQ(
+        dbapi({"connection", "test", "lab"}).data,
+        "check,result,detail\nrecord,ok,\"QSQLITE, file \"\"" + database +
+            "\"\"\"\nopen,ok,the database opens\n"
+            "schema,ok,it is a measurement database that this version reads\n");
+    std::filesystem::rename(database, folder.file("away.db"));
+    EXPECT_EQ(dbapi({"connection", "test", "lab"}).code, 3);
+    EXPECT_EQ(dbapi({"values", "lab", "W"}).code, 3);
+    EXPECT_FALSE(std::filesystem::exists(database));
+    test_support::write_file(
+        database, "this is no database, but longer than a hundred bytes: " + std::string(100, '.'));
+    EXPECT_NE(dbapi({"connection", "test", "lab"}).code, 0);
+    EXPECT_EQ(dbapi({"connection", "remove", "lab"}).code, 0);
+    EXPECT_TRUE(std::filesystem::exists(database));
+    const Outcome none = dbapi({"connection", "list"});
+    EXPECT_EQ(none.code, 1);
+    EXPECT_EQ(none.data, "name,driver,database,host,port,user\n");
+}
+
+TEST_F(Command, ExplainsWrongUse)
+{
+    struct WrongUse
+    {
+        Arguments arguments;
+        int code;
+        std::string talk;
+    };
+
+    const std::vector<WrongUse> uses{
+        {{}, 2, "dbapi: say what to do: dbapi COMMAND.\nSee: dbapi --help\n"},
+        {{"valeus", "lab", "W"},
+         2,
+         "dbapi: there is no command \"valeus\". Did you mean values?\nSee: dbapi --help\n"},
+        {{"connection", "lst"},
+         2,
+         "dbapi: there is no command \"lst\". Did you mean list?\nSee: dbapi connection --help\n"},
+        {{"values", "lab", "W", "--formt", "csv"},
+         2,
+         "dbapi: there is no option --formt. Did you mean --format?\nSee: dbapi values --help\n"},
+        {{"values", "lab"}, 2, "dbapi: KEYWORD is required\nSee: dbapi values --help\n"},
+        {{"connection", "list", "lab"},
+         2,
+         "dbapi: the argument \"lab\" is one too many.\nSee: dbapi connection list --help\n"},
+        {{"connection", "add", "x"}, 2, "dbapi: give either --sqlite FILE or --mysql DATABASE\n"},
+        {{"connection", "add", "x", "--sqlite", "/nowhere/x.db"},
+         5,
+         "dbapi: there is no folder \"/nowhere\" for the database. Make it first.\n"},
+        {{"values", "lsb", "W"},
+         3,
+         "dbapi: there is no stored connection \"lsb\". Did you mean lab? Stored are:\n  lab\n"},
+        {{"import", "lab", "/nowhere"},
+         5,
+         "dbapi: nothing was imported.\nThere is no file or folder \"/nowhere\".\n"},
+        {{"import", "lab", folder.path()},
+         5,
+         "dbapi: nothing was imported.\nThe folder \"" + folder.path() +
+             "\" holds no *.csv file. Folders below it are not searched.\n"}};
+    for (const WrongUse& use : uses) {
+        const Outcome outcome = dbapi(use.arguments);
+        EXPECT_EQ(outcome.code, use.code) << use.talk;
+        EXPECT_EQ(outcome.talk, use.talk);
+        EXPECT_EQ(outcome.data, "");
+    }
+    EXPECT_THAT(dbapi({"--version"}).data, StartsWith("dbapi "));
+    EXPECT_THAT(dbapi({"values", "--help"}).data, HasSubstr("\nExample: dbapi values "));
+}
+
+TEST_F(Command, ImportsTheShippedSweepsTwice)
+{
+    const std::string imported = "Imported 243 files into \"lab\": 243 setups, 84154 points, ";
+    const Outcome first = dbapi({"import", "lab", SAMPLE_DIRECTORY});
+    EXPECT_EQ(first.code, 0);
+    EXPECT_THAT(first.talk, StartsWith(imported));
+    EXPECT_EQ(first.data, "");
+    const std::string query = "$DEVNAME=nfet_01v8_w7u_l0p15u_m1;$SUBSITE=8434;$DEVID=10_11;"
+                              "IND.VD=0.1;IND.VB=0;IND.VG=[0.5,0.6]";
+    const std::string points = "IND.VG,OUTD.ID\n0.5,1.2762e-07\n0.55,4.9989e-07\n0.6,1.8226e-06\n";
+    EXPECT_EQ(dbapi({"values", "lab", "IND.VG", "OUTD.ID", "-q", query}).data, points);
+    EXPECT_THAT(dbapi({"import", "lab", SAMPLE_DIRECTORY}).talk, StartsWith(imported));
+    EXPECT_EQ(dbapi({"values", "lab", "IND.VG", "OUTD.ID", "-q", query}).data, points);
+    EXPECT_EQ(lines({"values", "lab", "$CATDBID"}), "1\n2\n");
+    EXPECT_EQ(lines({"values", "lab", "$CATDBID", "-q", "$SETNAME=IDVG"}), "2\n");
+}
+
+TEST_F(Command, WritesEveryFormat)
+{
+    const std::string path =
+        sweep("a.csv", "# $DEVNAME = d\nIND.n,OUTS.t\n10,\"a, \"\"b\"\"\"\n9,\"x\ty\nz\"\n-1.5,\n");
+    EXPECT_EQ(
+        dbapi({"import", "lab", path, path}).talk,
+        "Imported 1 file into \"lab\": 1 setup, 3 points, 1 device.\n");
+    const Arguments both{"values", "lab", "n", "t", "-q", "$DEVNAME=d", "--format"};
+    const auto written = [&both](const std::string& format) {
+        Arguments arguments = both;
+        arguments.push_back(format);
+        return dbapi(arguments).data;
+    };
+    EXPECT_EQ(written("csv"), "n,t\n-1.5,\n9,\"x\ty\nz\"\n10,\"a, \"\"b\"\"\"\n");
+    EXPECT_EQ(written("lines"), "-1.5\t\n9\tx\\ty\\nz\n10\ta, \"b\"\n");
+    EXPECT_EQ(written("table"), "   n  t\n-1.5\n   9  x\\ty\\nz\n  10  a, \"b\"\n");
+    EXPECT_EQ(
+        written("json"),
+        "{\"connection\":\"lab\",\"query\":\"$DEVNAME=d\",\"columns\":["
+        "{\"keyword\":\"n\",\"values\":[\"-1.5\",\"9\",\"10\"]},"
+        "{\"keyword\":\"t\",\"values\":[\"\",\"x\\ty\\nz\",\"a, \\\"b\\\"\"]}]}\n");
+    const Outcome nothing = dbapi({"values", "lab", "n", "-q", "$DEVNAME=e"});
+    EXPECT_EQ(nothing.code, 1);
+    EXPECT_EQ(nothing.data, "n\n");
+    EXPECT_THAT(nothing.talk, StartsWith("dbapi: nothing found: "));
+}
+
+TEST_F(Command, PointsAtTheFault)
+{
+    dbapi(
+        {"import", "lab",
+         sweep(
+             "a.csv", "# DEVD.W = 5u\n# TECHS.process = p\n# CED.W = 1\n"
+                      "# Key(S11,measurement,COMPLEX) = 1j\n"
+                      "# MED.length = 1\nOUTD.ID\n1\n")});
+
+    struct Fault
+    {
+        Arguments arguments;
+        std::string lines;
+    };
+
+    const std::vector<Fault> faults{
+        {{"lenght"}, "  lenght\n  ^^^^^^\nDid you mean length?\n"},
+        {{"LENGTH"}, "  LENGTH\n  ^^^^^^\nDid you mean length?\n"},
+        {{"length", "$DEVNAM"}, "  $DEVNAM\n  ^^^^^^^\nDid you mean $DEVNAME?\n"},
+        {{"device.length"},
+         "  device.length\n  ^^^^^^^^^^^^^\nDid you mean Key(length,measurement,DOUBLE)?\n"},
+        {{"W"},
+         "  W\n  ^\nDid you mean Key(W,catalog_entry,DOUBLE) or Key(W,device,DOUBLE,PHYSICAL)?\n"},
+        {{"Key(length"}, "  Key(length\n  ^^^^^^^^^^\n"},
+        {{"$dataorigin"}, "  $dataorigin\n  ^^^^^^^^^^^\nDid you mean $DATAORIGIN"},
+        {{"length", "-q", "length=1; DEVD.w = 5u"},
+         "  length=1; DEVD.w = 5u\n            ^^^^^^\n"},
+        {{"length", "-q", "process=\u00b5\u00b5;length=[0,1V]"},
+         "  process=\u00b5\u00b5;length=[0,1V]\n                       ^^\n"},
+        {{"length", "-q", "alldata: length=1,2y,3"},
+         "  alldata: length=1,2y,3\n                    ^^\n"},
+        {{"length", "-q", "process='p"}, "  process='p\n          ^^\n"},
+        {{"length", "-q", "length=[1]"}, "  length=[1]\n         ^^^\n"},
+        {{"length", "-q", "S11<1"}, "  S11<1\n      ^\n"},
+        {{"length", "-q", "length=1;{W"}, "  length=1;{W\n           ^^\n"},
+        {{"length", "-q", "length=1;W"}, "  length=1;W\n           ^\n"},
+        {{"length", "-q", "length=1 ALLDATA:"}, "  length=1 ALLDATA:\n           ^^^^^^^\n"},
+        {{"length", "-q", "NOT length=1"},
+         "  NOT length=1\n    ^^^^^^^^\nDid you mean NOT KEY(length)?\n"},
+        {{"\x1b[31mred"}, "  \\x1b[31mred\n  ^^^^^^^^^^^\n"}};
+    for (const Fault& fault : faults) {
+        Arguments arguments{"values", "lab"};
+        arguments.insert(arguments.end(), fault.arguments.begin(), fault.arguments.end());
+        const Outcome outcome = dbapi(arguments);
+        EXPECT_EQ(outcome.code, 2) << fault.lines;
+        EXPECT_THAT(outcome.talk, StartsWith("dbapi: "));
+        EXPECT_THAT(outcome.talk, HasSubstr("\n" + fault.lines));
+        EXPECT_EQ(outcome.data, "");
+    }
+}
+
+TEST_F(Command, ImportsAllOrNothing)
+{
+    const std::string good = sweep("a.csv", "# $LOT = x\n# $DEVNAME = d\n# $APP = t\nOUTD.a\n1\n");
+    const std::string bad = sweep("b.csv", "# $APP = t\nOUTD.a\nx\n1,2\n");
+    const std::string other = sweep("c.csv", "# $APP = u\nOUTD.a\n1\n");
+    const std::string same = sweep("d.csv", test_support::read_file(good));
+    const Outcome failed = dbapi({"import", "lab", folder.file("sweeps")});
+    EXPECT_EQ(failed.code, 4);
+    EXPECT_THAT(
+        failed.talk, StartsWith("dbapi: " + bad + ":3: OUTD.a: \"x\" is no finite number."));
+    EXPECT_THAT(failed.talk, HasSubstr("dbapi: " + bad + ":4: The row has 2 cells"));
+    EXPECT_THAT(
+        failed.talk,
+        HasSubstr("dbapi: " + other + ": It has $APP = u, but \"" + good + "\" has $APP = t."));
+    EXPECT_THAT(
+        failed.talk,
+        HasSubstr(
+            "dbapi: " + same + ": \"" + good + "\" and \"" + same + "\" hold the same sweep"));
+    EXPECT_THAT(failed.talk, HasSubstr("nothing was imported: 3 files of 4 have faults."));
+    EXPECT_EQ(dbapi({"values", "lab", "$CATDBID"}).code, 1);
+    EXPECT_EQ(dbapi({"values", "lab", "OUTD.a"}).code, 2); // not even the key was defined
+
+    EXPECT_EQ(dbapi({"import", "lab", good}).code, 0);
+    const std::string changed =
+        sweep("e.csv", "# $LOT = x\n# $DEVNAME = d\n# $DEVTYPE = n\n# DEVD.W = 1\nOUTD.a\n2\n");
+    EXPECT_EQ(dbapi({"import", "lab", changed}).code, 0);
+    EXPECT_EQ(lines({"values", "lab", "$DEVTYPE", "W", "a"}), "n\t1\t2\n");
+    const Outcome conflict = dbapi(
+        {"import", "lab", sweep("f.csv", "# $LOT = x\n# $DEVNAME = d\n# DEVD.W = 2\nOUTD.b\n")});
+    EXPECT_EQ(conflict.code, 4);
+    EXPECT_THAT(conflict.talk, HasSubstr("W = 1, but here W = 2."));
+
+    std::string rows = "OUTD.a\n";
+    for (int row = 0; row < 200; ++row) {
+        rows += "x\n";
+    }
+    EXPECT_THAT(
+        dbapi({"import", "lab", sweep("g.csv", rows)}).talk,
+        HasSubstr(":21: OUTD.a: \"x\" is no finite number. Write one like -1.5e-9 or 0.15u, or "
+                  "leave it empty for 'no value'.\ndbapi: ... and 180 more faults.\n"));
+}
+
+TEST_F(Command, ShortensTablesAndColoursOnATerminalOnly)
+{
+    std::string rows = "IND.n\n";
+    for (int row = 1; row <= 100; ++row) {
+        rows += std::to_string(row) + "\n";
+    }
+    dbapi({"import", "lab", sweep("a.csv", rows)});
+    const Arguments values{"values", "lab", "n"};
+    const Outcome shown = dbapi_on_terminal(values);
+    EXPECT_THAT(shown.data, StartsWith("\x1b[1m n\x1b[0m\r\n 1\r\n"));
+    EXPECT_THAT(
+        shown.data, testing::EndsWith("\r\n16\r\n... and 84 more rows. See all with --all, or "
+                                      "with --format csv.\r\n"));
+    EXPECT_THAT(
+        dbapi_on_terminal({"values", "lab", "n", "--all"}).data, testing::EndsWith("\r\n100\r\n"));
+    setenv("NO_COLOR", "1", 1);
+    EXPECT_THAT(dbapi_on_terminal(values).data, StartsWith(" n\r\n"));
+    unsetenv("NO_COLOR");
+    EXPECT_THAT(dbapi({"values", "lab", "n", "--format", "table"}).data, StartsWith("  n\n  1\n"));
+}
+
+TEST_F(Command, UsesAMySqlServerWithoutShowingThePassword)
+{
+    const MariaDbServer& server = MariaDbServer::instance();
+    const MariaDbDatabase onServer;
+    const auto add = [&](const std::string& name) {
+        return Arguments{"connection",  "add",           name,
+                         "--mysql",     onServer.name(), "--host",
+                         server.host(), "--port",        std::to_string(server.port()),
+                         "--user",      server.user()};
+    };
+    Arguments piped = add("piped");
+    piped.emplace_back("--password-stdin");
+    const Outcome wrong = dbapi(piped, "not the password\n");
+    EXPECT_EQ(wrong.code, 3);
+    EXPECT_THAT(wrong.talk, Not(HasSubstr("not the password")));
+    EXPECT_EQ(dbapi(piped, server.password() + "\n").code, 0);
+    const Outcome typed = dbapi_on_terminal(add("typed"), server.password() + "x\x7f\n");
+    EXPECT_EQ(typed.code, 0) << typed.data;
+    EXPECT_THAT(typed.data, Not(HasSubstr(server.password())));
+    EXPECT_EQ(dbapi_on_terminal(add("stopped"), "secret\x03").code, 2);
+    EXPECT_EQ(dbapi(add("empty")).code, 3);
+    EXPECT_THAT(dbapi({"connection", "list"}).data, Not(HasSubstr(server.password())));
+
+    EXPECT_EQ(dbapi({"import", "piped", sweep("a.csv", "# $DEVNAME = d\nOUTD.a\n1\n2\n")}).code, 0);
+    EXPECT_EQ(lines({"values", "typed", "a", "-q", "$DEVNAME=d"}), "1\n2\n");
+}
+} // namespace
