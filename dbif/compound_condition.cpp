@@ -1,14 +1,31 @@
 #include "dbif/compound_condition.h"
 
 #include "dbif/condition_tree.h"
+#include "dbif/exception.h"
 
 using dbif::ConditionTree;
+
+namespace {
+/// Working with a tree recurses where AND and OR change.
+constexpr std::size_t kGreatestDepth = 1000;
+
+std::shared_ptr<const ConditionTree> checked(ConditionTree tree)
+{
+    if (tree.depth() > kGreatestDepth) {
+        dbif::throw_error(
+            "The condition changes between AND and OR more than " + std::to_string(kGreatestDepth) +
+                " times within itself. Ask in several queries.",
+            __FILE__, __LINE__);
+    }
+    return std::make_shared<const ConditionTree>(std::move(tree));
+}
+} // namespace
 
 DBIF_CompoundQueryCondition::DBIF_CompoundQueryCondition(
     const DBIF_QueryCondition* left,
     Operator op,
     const DBIF_QueryCondition* right)
-    : tree_(std::make_shared<const ConditionTree>(ConditionTree::joined(
+    : tree_(checked(ConditionTree::joined(
           op == OR ? ConditionTree::Kind::Or : ConditionTree::Kind::And,
           {left->tree(false), right->tree(false)})))
 {}

@@ -2,6 +2,7 @@
 
 #include "dbif/column_store.h"
 
+#include <algorithm>
 #include <span>
 
 namespace dbif {
@@ -131,6 +132,31 @@ SqlText balanced(std::span<const SqlText> parts, bool isAnd)
                << (isAnd ? SqlText(" AND ") : SqlText(" OR "))
                << balanced(parts.subspan(half), isAnd) << ")";
 }
+
+/// Deeper trees do not fit a database's parser as nested AND and OR; SQLite's gives up at 30.
+constexpr std::size_t kGreatestNesting = 10;
+
+/// A deep tree as a flat list of decisions: what stands beside its largest part decides first, then
+/// what stands beside the largest part of that, and so on. What is nested in the list is at most
+/// half as large each time.
+SqlText decision_list(ConditionTree tree, DBIF_Connection connection)
+{
+    SqlText sql = "((CASE";
+    while (tree.kind() == ConditionTree::Kind::And || tree.kind() == ConditionTree::Kind::Or) {
+        const bool isAnd = tree.kind() == ConditionTree::Kind::And;
+        std::vector<ConditionTree> parts = tree.operands();
+        const auto largest = std::max_element(
+            parts.begin(), parts.end(),
+            [](const ConditionTree& a, const ConditionTree& b) { return a.size() < b.size(); });
+        tree = *largest;
+        parts.erase(largest);
+        const ConditionTree others = ConditionTree::joined(
+            isAnd ? ConditionTree::Kind::And : ConditionTree::Kind::Or, parts);
+        sql << "\nWHEN " << criteria(others, connection)
+            << (isAnd ? SqlText(" IS NOT TRUE THEN 0") : SqlText(" THEN 1"));
+    }
+    return sql << "\nELSE " << criteria(tree, connection) << " END) = 1)";
+}
 } // namespace
 
 SqlText criteria(const ConditionTree& tree, DBIF_Connection connection)
@@ -145,6 +171,9 @@ SqlText criteria(const ConditionTree& tree, DBIF_Connection connection)
     case ConditionTree::Kind::And:
     case ConditionTree::Kind::Or:
         break;
+    }
+    if (tree.depth() > kGreatestNesting) {
+        return decision_list(tree, connection);
     }
     std::vector<SqlText> parts;
     for (const ConditionTree& operand : tree.operands()) {

@@ -6,6 +6,8 @@ namespace dbif {
 struct ConditionTree::Node
 {
     Kind kind = Kind::True;
+    std::size_t size = 1;
+    std::size_t depth = 0;
     ColumnComparison comparison;
     std::vector<ConditionTree> operands;
 
@@ -133,12 +135,27 @@ ConditionTree ConditionTree::joined(Kind kind, const std::vector<ConditionTree>&
     if (node->operands.size() == 1) {
         return node->operands.front();
     }
+    node->size = 0;
+    for (const ConditionTree& operand : node->operands) {
+        node->size += operand.size();
+        node->depth = std::max(node->depth, operand.depth() + (operand.kind() == kind ? 0 : 1));
+    }
     return ConditionTree(std::move(node));
 }
 
 ConditionTree::Kind ConditionTree::kind() const
 {
     return node_->kind;
+}
+
+std::size_t ConditionTree::size() const
+{
+    return node_->size;
+}
+
+std::size_t ConditionTree::depth() const
+{
+    return node_->depth;
 }
 
 const ColumnComparison& ConditionTree::comparison() const

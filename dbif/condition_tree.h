@@ -51,6 +51,10 @@ public:
     static ConditionTree joined(Kind kind, const std::vector<ConditionTree>& operands);
 
     [[nodiscard]] Kind kind() const;
+    /// How many comparisons it has (constants count too), and how many times `And` and `Or` change
+    /// within each other.
+    [[nodiscard]] std::size_t size() const;
+    [[nodiscard]] std::size_t depth() const;
 
     [[nodiscard]] bool isConstant() const { return kind() == Kind::True || kind() == Kind::False; }
 
