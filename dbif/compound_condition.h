@@ -11,6 +11,7 @@
 class DBIF_CompoundQueryCondition : public DBIF_QueryCondition
 {
 public:
+    /// Throws `DBIF_Exception` when AND and OR change more than 1000 times within each other.
     DBIF_CompoundQueryCondition(
         const DBIF_QueryCondition* left,
         Operator op,

@@ -216,9 +216,8 @@ TEST_P(SqlTexts, TakeConditionsWithinConditions)
     }
     EXPECT_EQ(devices(nested), numbered(2));
     EXPECT_EQ(devices(DBIF_CompoundQueryCondition(NOT, &nested)), std::vector<int>{3});
-    const DBIF_CompoundQueryCondition deepest(&isA, OR, &nested);
     EXPECT_THAT(
-        thrown_by([&] { DBIF_CompoundQueryCondition(&isNoC, AND, &deepest); }),
+        thrown_by([&] { DBIF_CompoundQueryCondition(&isA, OR, &nested); }),
         HasSubstr("The condition changes between AND and OR more than 1000 times"));
 }
 
