@@ -1,0 +1,73 @@
+#include "benchmarks/point_rows.h"
+
+#include "benchmarks/stored_database.h"
+
+namespace bench {
+namespace {
+using Database = std::shared_ptr<StoredDatabase>;
+
+/// The library reads the keywords under the query, the peer runs the statement.
+Comparison read_row(
+    Comparison row,
+    const Database& database,
+    const std::vector<std::string>& keywords,
+    const std::string& query,
+    const char* sql)
+{
+    return timed<Values>(
+        std::move(row), 1,
+        [=](Values* values) {
+            if (keywords.size() == 1) {
+                *values = {database->values(keywords.front(), query)};
+            } else {
+                *values = database->values(keywords, query);
+            }
+        },
+        [=](Values* values) {
+            PeerStatement statement(database->peer(), sql);
+            *values = read_texts(statement);
+        });
+}
+} // namespace
+
+std::vector<Comparison> point_rows(const DataStore& store, std::size_t points)
+{
+    const std::string size = std::to_string(points);
+    const auto database = std::make_shared<StoredDatabase>(
+        "points" + size, [store, points] { return store.sweeps(points); });
+    const auto row = [&](const char* id, const char* title, double target) {
+        Comparison comparison;
+        comparison.id = std::string(id) + "/" + size;
+        comparison.title = title;
+        comparison.size = size + " points";
+        comparison.target = target;
+        comparison.prepare = [database] {
+            database->open();
+        };
+        comparison.turns = 3;
+        return comparison;
+    };
+    return {
+        read_row(
+            row("setup_key", "one setup key, all values (49 % of the points), sorted, as text",
+                0.3),
+            database, {"IB"}, "", "SELECT i_b FROM point WHERE i_b IS NOT NULL ORDER BY i_b"),
+        read_row(
+            row("three_setup_keys", "three setup keys side by side, sorted, as text", 0.35),
+            database, {"VG", "VD", "ID"}, "", "SELECT vg, vd, i_d FROM point ORDER BY vg, vd, i_d"),
+        read_row(
+            row("setup_key_where", "one setup key where another key = v, all setups", 0.2),
+            database, {"ID"}, "VG=0.6", "SELECT i_d FROM point WHERE vg = 0.6 ORDER BY i_d"),
+        read_row(
+            row("keys_of_lot", "three keys of the setups of one lot", 1.0), database,
+            {"VG", "VD", "ID"}, "$LOT=L107", R"(
+SELECT vg, vd, i_d
+FROM die JOIN device ON die_id = die.id
+JOIN measurement ON device_id = device.id
+JOIN measurement_condition ON measurement_id = measurement.id
+JOIN setup ON measurement_condition_id = measurement_condition.id
+JOIN point ON setup_id = setup.id
+WHERE lot = 'L107'
+ORDER BY vg, vd, i_d)")};
+}
+} // namespace bench

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "benchmarks/comparison.h"
+#include "benchmarks/data_store.h"
+
+namespace bench {
+/// Memory, import and size. Figures here stand beside an allowance where there is no peer.
+std::vector<Comparison> resource_rows(const DataStore& store, std::size_t points);
+
+/// Reads the setup key of `setup_key` from the library's database `path` in this process, which has
+/// done nothing else, and prints its peak memory, that of the result, and the number of values.
+int print_peak_memory(const std::string& path);
+} // namespace bench

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "benchmarks/comparison.h"
+#include "benchmarks/data_store.h"
+#include "benchmarks/peer_database.h"
+
+#include <memory>
+#include <string>
+
+namespace bench {
+/// A database of the library's, read through its public calls, and the peer's beside it. Members
+/// throw `std::runtime_error` when a call fails.
+class StoredDatabase
+{
+public:
+    /// `name`: of the stored connection.
+    StoredDatabase(std::string name, std::function<DatabasePair()> paths);
+
+    /// Makes and opens the databases, unless that is done. Comes before all else.
+    void open();
+
+    [[nodiscard]] const std::string& name() const { return name_; }
+
+    [[nodiscard]] PeerDatabase& peer() { return *peer_; }
+
+    /// One keyword's values.
+    [[nodiscard]] std::vector<std::string>
+    values(const std::string& keyword, const std::string& query = "") const;
+    [[nodiscard]] Values
+    values(const std::vector<std::string>& keywords, const std::string& query = "") const;
+    [[nodiscard]] std::set<int> deviceIds(const std::string& query) const;
+    [[nodiscard]] std::vector<std::string> deviceValues(int id, const std::string& keyword) const;
+
+private:
+    std::string name_;
+    std::function<DatabasePair()> paths_;
+    std::unique_ptr<PeerDatabase> peer_;
+};
+
+/// All rows of a statement, column by column, as text.
+Values read_texts(PeerStatement& statement);
+/// All rows of a statement that yields ids.
+std::set<int> read_ids(PeerStatement& statement);
+/// Asks for the newest modification time, prepared anew.
+void read_newest_time(PeerDatabase& database);
+} // namespace bench
