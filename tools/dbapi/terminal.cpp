@@ -36,7 +36,7 @@ public:
         tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
     }
 
-    ~SilentKeys() { tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_); }
+    ~SilentKeys() { tcsetattr(STDIN_FILENO, TCSADRAIN, &before_); }
 
     /// The next key; that for 'end of input' when there is none.
     [[nodiscard]] static char next()
@@ -99,10 +99,10 @@ void tell_error(const std::string& text)
 
 std::string ask_secretly(const std::string& prompt)
 {
+    std::string line;
+    const SilentKeys keys; // before the prompt, so that no early key is shown or lost
     std::fputs(prompt.c_str(), stderr);
     std::fflush(stderr);
-    std::string line;
-    const SilentKeys keys;
     for (;;) {
         const char key = SilentKeys::next();
         if (key == '\n' || key == '\r' || key == SilentKeys::kEndOfInput) {
