@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -94,7 +95,7 @@ std::string forged(ValueKind kind, std::uint32_t count, const std::vector<std::u
         : kind == ValueKind::Matrix  ? 3
                                      : 4);
     std::memcpy(chunk.data() + 4, &count, 4);
-    std::memcpy(chunk.data() + 16, words.data(), 4 * words.size());
+    std::copy_n(reinterpret_cast<const char*>(words.data()), 4 * words.size(), chunk.data() + 16);
     std::uint64_t seed = 0;
     std::memcpy(&seed, chunk.data(), 8);
     const std::uint64_t checksum = XXH3_64bits_withSeed(chunk.data() + 16, chunk.size() - 16, seed);
