@@ -57,36 +57,23 @@ SqlText value_condition(
     return ranges_condition(column, comparison.ranges, dialect);
 }
 
-/// The comparison on what the key's companion table says of a record.
-SqlText key_condition(const ColumnComparison& comparison, DBIF_Connection connection)
+/// Whether a record has the key with such a value.
+SqlText key_condition(const ColumnComparison& comparison, DBIF_Connection& connection)
 {
     const TableFacts& f = facts(comparison.table);
-    const KeyDefinition* definition =
-        ColumnStore::of(connection).find(connection, comparison.table, comparison.column);
-    if (definition == nullptr) {
-        return SqlText("(1 = 0)");
-    }
-    const bool isOnPoints = comparison.isOnPoints();
+    const SqlText id = qualified(f.name, "id");
     SqlText sql;
-    sql << "(" << qualified(f.name, "id") << " IN (SELECT " << SqlName(f.linkColumn()) << " FROM "
-        << SqlName(isOnPoints ? f.associationTable() : f.dataTable()) << " WHERE "
-        << SqlName(f.columnLink()) << " = " << definition->id;
-    if (comparison.comparator == NOT_NULL || (isOnPoints && !comparison.holdsNumbers)) {
-        return sql << "))";
+    if (comparison.isLookedUp) {
+        return sql << "(EXISTS (" << records_with_key("1", comparison, connection) << " AND "
+                   << SqlName(f.linkColumn()) << " = " << id << "))";
     }
-    const SqlDialect& dialect = connection.dialect();
-    sql << " AND (";
-    if (isOnPoints) {
-        sql << bounds_condition(comparison.ranges, dialect);
-    } else {
-        sql << value_condition(
-            comparison.holdsNumbers ? SqlText("number") : SqlText("text"), comparison, dialect);
-    }
-    return sql << ")))";
+    SqlText link;
+    link << SqlName(f.linkColumn());
+    return sql << "(" << id << " IN (" << records_with_key(link, comparison, connection) << "))";
 }
 
 /// That a record has no value. Of a record that there is not, nothing is true.
-SqlText absence_condition(const ColumnComparison& comparison, DBIF_Connection connection)
+SqlText absence_condition(const ColumnComparison& comparison, DBIF_Connection& connection)
 {
     const SqlText id = qualified(facts(comparison.table).name, "id");
     SqlText sql;
@@ -95,19 +82,19 @@ SqlText absence_condition(const ColumnComparison& comparison, DBIF_Connection co
     if (comparison.isKey && !comparison.isOnPoints()) {
         ColumnComparison presence = comparison;
         presence.comparator = NOT_NULL;
-        sql << " AND NOT " << key_condition(presence, std::move(connection));
+        sql << " AND NOT " << key_condition(presence, connection);
     } else if (!comparison.isKey) {
         sql << " AND " << qualified(facts(comparison.table).name, comparison.column) << " IS NULL";
     }
     return sql << ")";
 }
 
-SqlText comparison_sql(const ColumnComparison& comparison, DBIF_Connection connection)
+SqlText comparison_sql(const ColumnComparison& comparison, DBIF_Connection& connection)
 {
     SqlText sql;
     const TableFacts& f = facts(comparison.table);
     if (comparison.comparator == IS_NULL) {
-        return absence_condition(comparison, std::move(connection));
+        return absence_condition(comparison, connection);
     }
     if (comparison.idSelect.has_value()) {
         return sql << "(" << qualified(f.name, "id") << " IN (" << *comparison.idSelect << "))";
@@ -139,7 +126,7 @@ constexpr std::size_t kGreatestNesting = 10;
 /// A deep tree as a flat list of decisions: what stands beside its largest part decides first, then
 /// what stands beside the largest part of that, and so on. What is nested in the list is at most
 /// half as large each time.
-SqlText decision_list(ConditionTree tree, DBIF_Connection connection)
+SqlText decision_list(ConditionTree tree, DBIF_Connection& connection)
 {
     SqlText sql = "((CASE";
     while (tree.kind() == ConditionTree::Kind::And || tree.kind() == ConditionTree::Kind::Or) {
@@ -180,5 +167,32 @@ SqlText criteria(const ConditionTree& tree, DBIF_Connection connection)
         parts.push_back(criteria(operand, connection));
     }
     return balanced(parts, tree.kind() == ConditionTree::Kind::And);
+}
+
+SqlText records_with_key(
+    const SqlText& expression,
+    const ColumnComparison& comparison,
+    DBIF_Connection& connection)
+{
+    const TableFacts& f = facts(comparison.table);
+    const bool isOnPoints = comparison.isOnPoints();
+    const KeyDefinition* definition =
+        ColumnStore::of(connection).find(connection, comparison.table, comparison.column);
+    SqlText sql;
+    sql << "SELECT " << expression << " FROM "
+        << SqlName(isOnPoints ? f.associationTable() : f.dataTable()) << " WHERE "
+        << SqlName(f.columnLink()) << " = " << (definition == nullptr ? 0 : definition->id);
+    if (comparison.comparator == NOT_NULL || (isOnPoints && !comparison.holdsNumbers)) {
+        return sql;
+    }
+    const SqlDialect& dialect = connection.dialect();
+    sql << " AND (";
+    if (isOnPoints) {
+        sql << bounds_condition(comparison.ranges, dialect);
+    } else {
+        sql << value_condition(
+            comparison.holdsNumbers ? SqlText("number") : SqlText("text"), comparison, dialect);
+    }
+    return sql << ")";
 }
 } // namespace dbif

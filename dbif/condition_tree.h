@@ -27,6 +27,9 @@ struct ColumnComparison
     std::vector<std::string> texts;
     /// When given, the comparison holds for the records whose ids this statement yields.
     std::optional<SqlText> idSelect;
+    /// Prints as a look-up for each record that other comparisons leave, and not as the set of all
+    /// records that satisfy it.
+    bool isLookedUp = false;
 
     /// Whether it is decided on points of a setup.
     [[nodiscard]] bool isOnPoints() const { return isKey && table == RecordTable::Setup; }

@@ -1,5 +1,6 @@
 #include "dbif/id_list.h"
 
+#include "dbif/bulk_cursor.h"
 #include "dbif/host_string.h"
 
 #include <QUuid>
@@ -57,5 +58,13 @@ IdList::~IdList()
     } catch (const DBIF_Exception&) {
         // It ends with the session anyway.
     }
+}
+
+std::size_t highest_id(DBIF_Connection& connection, RecordTable table)
+{
+    SqlText sql;
+    sql << "SELECT max(id) FROM " << SqlName(facts(table).name);
+    BulkCursor cursor(connection, sql);
+    return cursor.next() ? static_cast<std::size_t>(cursor.integer(0)) : 0;
 }
 } // namespace dbif

@@ -43,4 +43,6 @@ private:
 
 /// "1, 2, 3".
 SqlText id_sequence(const std::vector<int>& ids, std::size_t first, std::size_t count);
+/// The highest id in a table, about the number of its records; 0 when it is empty.
+std::size_t highest_id(DBIF_Connection& connection, RecordTable table);
 } // namespace dbif

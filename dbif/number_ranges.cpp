@@ -123,6 +123,18 @@ NumberRanges complement(const NumberRanges& ranges)
     return result;
 }
 
+NumberRanges intersection(const NumberRanges& a, const NumberRanges& b)
+{
+    NumberRanges result;
+    auto inA = a.begin();
+    auto inB = b.begin();
+    while (inA != a.end() && inB != b.end()) {
+        add_if_not_empty(std::max(inA->low, inB->low), std::min(inA->high, inB->high), &result);
+        ++(inA->high < inB->high ? inA : inB);
+    }
+    return result;
+}
+
 bool contains(const NumberRanges& ranges, double number)
 {
     // A comparison, and mostly a range, has few; lists are searched.

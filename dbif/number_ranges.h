@@ -20,6 +20,9 @@ NumberRanges ranges_of(Comparator comparator, const std::vector<double>& values,
 /// All numbers that are in none of the ranges.
 NumberRanges complement(const NumberRanges& ranges);
 
+/// All numbers that are in one of `a` and in one of `b`.
+NumberRanges intersection(const NumberRanges& a, const NumberRanges& b);
+
 /// Whether a number lies in one of the ranges. NaN lies in none.
 bool contains(const NumberRanges& ranges, double number);
 

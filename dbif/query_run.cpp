@@ -83,10 +83,7 @@ void drop_rows_without_value(const RowMask& hasValue, QueryResult* result)
 QueryResult
 read_single_key(DBIF_Connection& connection, const ResultSource& source, const RecordQuery& records)
 {
-    SqlText idSelect;
-    if (!records.selectsAll()) {
-        idSelect = records.select({qualified(facts(source.table).name, "id")}, false);
-    }
+    const SqlText idSelect = records.selectsAll() ? SqlText() : records.selectIds();
     QueryResult result;
     result.columns.push_back(read_key_values(connection, source.table, source.key, idSelect));
     result.rows = result.columns.front().size();
@@ -132,6 +129,10 @@ QueryResult read_rows(
     if (sources.size() == 1 && sources.front().isKey) {
         return read_single_key(connection, sources.front(), records);
     }
+    if (sources.size() == 1 && sources.front().isIdOf(records.base())) {
+        RowMask hasValue;
+        return read_cells(connection, records.selectIds(), {Kind::Integer}, {true}, &hasValue);
+    }
     return read_records(connection, sources, records, isDistinct);
 }
 
@@ -155,15 +156,13 @@ std::vector<int> exact_ids(
     const ConditionTree& tree,
     bool latestOnly)
 {
-    const SqlText id = qualified(facts(table).name, "id");
     const ConditionTree withoutPoints = tree.mapped([](const ConditionTree& comparison) {
         return comparison.comparison().isOnPoints() ? ConditionTree::constant(false) : comparison;
     });
     std::vector<int> ids;
     if (withoutPoints.kind() != ConditionTree::Kind::False) {
         ids = read_ids(
-            connection,
-            RecordQuery(connection, {table}, withoutPoints, latestOnly).select({id}, false));
+            connection, RecordQuery(connection, {table}, withoutPoints, latestOnly).selectIds());
     }
     if (has_points(tree)) {
         const std::vector<int> more = ids_with_points(connection, table, tree, latestOnly);

@@ -1,6 +1,8 @@
 #include "dbif/record_query.h"
 
+#include "dbif/condition_simplification.h"
 #include "dbif/condition_sql.h"
+#include "dbif/driving_term.h"
 
 #include <algorithm>
 
@@ -42,10 +44,11 @@ TableSet with_paths(RecordTable lowest, const TableSet& tables)
 {
     TableSet all{lowest};
     for (const RecordTable table : kRecordTables) {
-        if (tables.has(table)) {
-            for (const RecordTable step : path_up(lowest, table)) {
-                all.add(step);
-            }
+        if (!tables.has(table)) {
+            continue;
+        }
+        for (const RecordTable step : path_up(lowest, table)) {
+            all.add(step);
         }
     }
     return all;
@@ -63,13 +66,13 @@ TableSet tables_of(const ConditionTree& tree)
 RecordQuery::RecordQuery(
     DBIF_Connection connection,
     const TableSet& results,
-    ConditionTree condition,
+    const ConditionTree& condition,
     bool latestOnly)
     : connection_(std::move(connection)),
       results_(results),
-      condition_(std::move(condition)),
       latestOnly_(latestOnly),
       base_(meeting_table(results)),
+      condition_(with_driving_term(simplified(condition, base_), base_, connection_)),
       aboveBase_(with_ancestors(base_))
 {}
 
@@ -94,29 +97,49 @@ bool RecordQuery::selectsAll() const
     return condition_.kind() == Kind::True && !(latestOnly_ && latest_table(base_) != nullptr);
 }
 
-RecordQuery::Split RecordQuery::split() const
+namespace {
+std::vector<ConditionTree> conjunction(const ConditionTree& condition)
+{
+    return condition.kind() == Kind::And ? condition.operands()
+                                         : std::vector<ConditionTree>{condition};
+}
+
+/// Whether the companion table alone says which records of `table` satisfy the comparison.
+bool picks_by_key(const ColumnComparison& comparison, RecordTable table)
+{
+    return comparison.isKey && comparison.table == table && !comparison.isOnPoints() &&
+           !comparison.isLookedUp && comparison.comparator != IS_NULL;
+}
+} // namespace
+
+RecordQuery::Split RecordQuery::split(const ConditionTree& condition) const
 {
     std::vector<ConditionTree> above;
     std::vector<ConditionTree> below;
-    const std::vector<ConditionTree> parts = condition_.kind() == Kind::And
-                                                 ? condition_.operands()
-                                                 : std::vector<ConditionTree>{condition_};
-    for (const ConditionTree& part : parts) {
+    for (const ConditionTree& part : conjunction(condition)) {
         (tables_of(part).isWithin(aboveBase_) ? above : below).push_back(part);
     }
     return {ConditionTree::joined(Kind::And, above), ConditionTree::joined(Kind::And, below)};
 }
 
-SqlText
-RecordQuery::from(RecordTable lowest, const TableSet& needed, const TableSet& required) const
+/// The tables that a selected record of `lowest` has to be connected with.
+TableSet RecordQuery::innerTables(RecordTable lowest, const TableSet& required) const
 {
     TableSet inner = with_paths(lowest, required);
-    TableSet all = with_paths(lowest, needed);
     const TableFacts* latest = latestOnly_ ? latest_table(lowest) : nullptr;
     if (latest != nullptr) {
         inner.add(with_paths(lowest, {latest->table}));
     }
+    return inner;
+}
+
+SqlText
+RecordQuery::from(RecordTable lowest, const TableSet& needed, const TableSet& required) const
+{
+    const TableSet inner = innerTables(lowest, required);
+    TableSet all = with_paths(lowest, needed);
     all.add(inner);
+    const TableFacts* latest = latestOnly_ ? latest_table(lowest) : nullptr;
 
     SqlText sql;
     for (const RecordTable table : kUpwards) {
@@ -143,6 +166,23 @@ RecordQuery::from(RecordTable lowest, const TableSet& needed, const TableSet& re
     return sql;
 }
 
+namespace {
+/// Whether something else picks the records, so that the whole tree is only looked up.
+bool is_looked_up(const ConditionTree& tree)
+{
+    return !tree.any([](const ColumnComparison& comparison) { return !comparison.isLookedUp; });
+}
+
+ConditionTree not_looked_up(const ConditionTree& tree)
+{
+    return tree.mapped([](const ConditionTree& comparison) {
+        ColumnComparison picking = comparison.comparison();
+        picking.isLookedUp = false;
+        return ConditionTree::comparison(std::move(picking));
+    });
+}
+} // namespace
+
 SqlText RecordQuery::subSelect(RecordTable lowest, const ConditionTree& tree) const
 {
     const std::vector<RecordTable> path = path_up(lowest, base_);
@@ -151,12 +191,37 @@ SqlText RecordQuery::subSelect(RecordTable lowest, const ConditionTree& tree) co
     required.add(child);
     TableSet needed = tables_of(tree);
     needed.add(required);
+    const SqlText id = qualified(facts(base_).name, "id");
+    const SqlText link = qualified(facts(child).name, link_column(child, base_));
+    // A sub-select that has the base itself among its tables cannot name the record outside.
+    const bool isLookUp = is_looked_up(tree) && !with_paths(lowest, needed).has(base_) &&
+                          !innerTables(lowest, required).has(base_);
     SqlText sql;
-    return sql << "(" << qualified(facts(base_).name, "id") << " IN (SELECT "
-               << qualified(facts(child).name, link_column(child, base_))
-               << from(lowest, needed, required) << "\nWHERE " << criteria(tree, connection_)
-               << "))";
+    if (isLookUp) {
+        return sql << "(EXISTS (SELECT 1" << from(lowest, needed, required) << "\nWHERE " << link
+                   << " = " << id << " AND " << criteria(tree, connection_) << "))";
+    }
+    return sql << "(" << id << " IN (SELECT " << link << from(lowest, needed, required)
+               << "\nWHERE "
+               << criteria(is_looked_up(tree) ? not_looked_up(tree) : tree, connection_) << "))";
 }
+
+namespace {
+/// The operands of an OR that compare a column of a table outside `tables`; any other tree whole.
+ConditionTree reaching_beyond(const TableSet& tables, const ConditionTree& tree)
+{
+    if (tree.kind() != Kind::Or) {
+        return tree;
+    }
+    std::vector<ConditionTree> parts;
+    for (const ConditionTree& part : tree.operands()) {
+        if (!tables_of(part).isWithin(tables)) {
+            parts.push_back(part);
+        }
+    }
+    return ConditionTree::joined(Kind::Or, parts);
+}
+} // namespace
 
 SqlText RecordQuery::belowCriteria(const ConditionTree& below) const
 {
@@ -170,16 +235,7 @@ SqlText RecordQuery::belowCriteria(const ConditionTree& below) const
         forms.push_back(criteria(atBase, connection_));
     }
     // What is decided at the base needs no second look from below.
-    ConditionTree rest = below;
-    if (below.kind() == Kind::Or) {
-        std::vector<ConditionTree> parts;
-        for (const ConditionTree& part : below.operands()) {
-            if (!tables_of(part).isWithin(aboveBase_)) {
-                parts.push_back(part);
-            }
-        }
-        rest = ConditionTree::joined(Kind::Or, parts);
-    }
+    const ConditionTree rest = reaching_beyond(aboveBase_, below);
     std::vector<RecordTable> path = path_up(lowest, base_);
     path.pop_back();
     std::reverse(path.begin(), path.end());
@@ -196,20 +252,10 @@ SqlText RecordQuery::belowCriteria(const ConditionTree& below) const
     return sql.isEmpty() ? SqlText("(1 = 0)") : sql << ")";
 }
 
-SqlText RecordQuery::select(const std::vector<SqlText>& expressions, bool isDistinct) const
+SqlText RecordQuery::where(const Split& parts) const
 {
-    const Split parts = split();
-    TableSet needed = results_;
-    needed.add(tables_of(parts.above));
-    const ConditionTree atBase = restricted_to(parts.below, aboveBase_);
-    needed.add(tables_of(atBase));
-
-    SqlText sql = isDistinct ? SqlText("SELECT DISTINCT ") : SqlText("SELECT ");
-    for (std::size_t i = 0; i < expressions.size(); ++i) {
-        sql << (i == 0 ? SqlText() : SqlText(", ")) << expressions[i];
-    }
-    sql << from(base_, needed, required_tables(parts.above));
     const bool hasAbove = parts.above.kind() != Kind::True;
+    SqlText sql;
     if (hasAbove) {
         sql << "\nWHERE " << criteria(parts.above, connection_);
     }
@@ -217,5 +263,46 @@ SqlText RecordQuery::select(const std::vector<SqlText>& expressions, bool isDist
         sql << (hasAbove ? SqlText("\nAND ") : SqlText("\nWHERE ")) << belowCriteria(parts.below);
     }
     return sql;
+}
+
+SqlText RecordQuery::select(const std::vector<SqlText>& expressions, bool isDistinct) const
+{
+    const Split parts = split(condition_);
+    TableSet needed = results_;
+    needed.add(tables_of(parts.above));
+    needed.add(tables_of(restricted_to(parts.below, aboveBase_)));
+
+    SqlText sql = isDistinct ? SqlText("SELECT DISTINCT ") : SqlText("SELECT ");
+    for (std::size_t i = 0; i < expressions.size(); ++i) {
+        sql << (i == 0 ? SqlText() : SqlText(", ")) << expressions[i];
+    }
+    return sql << from(base_, needed, required_tables(parts.above)) << where(parts);
+}
+
+SqlText RecordQuery::selectIds() const
+{
+    const SqlText id = qualified(facts(base_).name, "id");
+    std::vector<ConditionTree> rest = conjunction(condition_);
+    const auto driver = std::find_if(rest.begin(), rest.end(), [this](const ConditionTree& part) {
+        return part.kind() == Kind::Comparison && picks_by_key(part.comparison(), base_);
+    });
+    if (driver == rest.end() || (latestOnly_ && latest_table(base_) != nullptr)) {
+        return select({id}, false);
+    }
+    const ColumnComparison picking = driver->comparison();
+    rest.erase(driver);
+    const ConditionTree others = ConditionTree::joined(Kind::And, rest);
+    const bool needsRecord = others.any([this](const ColumnComparison& comparison) {
+        return comparison.table == base_ ? !comparison.isKey : aboveBase_.has(comparison.table);
+    });
+    if (needsRecord) {
+        return select({id}, false);
+    }
+    DBIF_Connection connection = connection_;
+    SqlText link;
+    link << SqlName(facts(base_).linkColumn()) << " AS id";
+    SqlText sql = "SELECT ";
+    return sql << id << "\nFROM (" << records_with_key(link, picking, connection) << ") AS "
+               << SqlName(facts(base_).name) << where(split(others));
 }
 } // namespace dbif

@@ -22,7 +22,7 @@ public:
     RecordQuery(
         DBIF_Connection connection,
         const TableSet& results,
-        ConditionTree condition,
+        const ConditionTree& condition,
         bool latestOnly);
 
     [[nodiscard]] RecordTable base() const { return base_; }
@@ -32,6 +32,8 @@ public:
     /// "SELECT expressions FROM ... WHERE ...". Expressions may use all columns of the base and of
     /// the tables in `results`, where an absent parent is NULL.
     [[nodiscard]] SqlText select(const std::vector<SqlText>& expressions, bool isDistinct) const;
+    /// Selects the ids of the base; without a look at its records where keys alone decide.
+    [[nodiscard]] SqlText selectIds() const;
 
 private:
     struct Split
@@ -40,17 +42,19 @@ private:
         ConditionTree below;
     };
 
-    [[nodiscard]] Split split() const;
+    [[nodiscard]] Split split(const ConditionTree& condition) const;
+    [[nodiscard]] SqlText where(const Split& parts) const;
     [[nodiscard]] SqlText belowCriteria(const ConditionTree& below) const;
     [[nodiscard]] SqlText subSelect(RecordTable lowest, const ConditionTree& tree) const;
+    [[nodiscard]] TableSet innerTables(RecordTable lowest, const TableSet& required) const;
     [[nodiscard]] SqlText
     from(RecordTable lowest, const TableSet& needed, const TableSet& required) const;
 
     DBIF_Connection connection_;
     TableSet results_;
-    ConditionTree condition_;
     bool latestOnly_;
     RecordTable base_;
+    ConditionTree condition_;
     TableSet aboveBase_;
 };
 } // namespace dbif

@@ -108,14 +108,6 @@ private:
     std::vector<std::uint32_t> first_;
 };
 
-std::size_t highest_id(DBIF_Connection& connection, const TableFacts& f)
-{
-    SqlText sql;
-    sql << "SELECT max(id) FROM " << SqlName(f.name);
-    BulkCursor cursor(connection, sql);
-    return cursor.next() ? static_cast<std::size_t>(cursor.integer(0)) : 0;
-}
-
 ResultColumn empty_column(Kind kind, std::size_t rows)
 {
     ResultColumn column;
@@ -235,7 +227,7 @@ ResultColumn read_key_beside(
     sql << "SELECT " << SqlName(f.linkColumn()) << ", " << value_column(definition) << " FROM "
         << SqlName(f.dataTable()) << " WHERE " << SqlName(f.columnLink()) << " = " << definition.id;
     if (distinct.size() > kIdsPerStatement &&
-        kPassedPerLookUp * distinct.size() > highest_id(connection, f)) {
+        kPassedPerLookUp * distinct.size() > highest_id(connection, table)) {
         place_values(connection, sql, rows, &column, hasValue);
         return column;
     }

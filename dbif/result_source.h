@@ -18,6 +18,11 @@ struct ResultSource
     FixedColumnFacts fixed;
     KeyDefinition key;
 
+    [[nodiscard]] bool isIdOf(RecordTable records) const
+    {
+        return !isKey && table == records && fixed.name == "id";
+    }
+
     [[nodiscard]] bool isOnPoints() const { return isKey && table == RecordTable::Setup; }
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <boost/sort/spreadsort/integer_sort.hpp>
 #include <cmath>
 #include <cstdint>
 #include <numeric>
@@ -61,21 +62,6 @@ void order_dictionary(ResultColumn* column)
         code = rank[code];
     }
     column->dictionary = std::move(ordered);
-}
-
-void sort_single(bool isAscending, ResultColumn* column)
-{
-    with_values(*column, [isAscending](auto& values) {
-        const auto isBefore = [](const auto& a, const auto& b) {
-            return order_of(a, b) < 0;
-        };
-        if (!std::is_sorted(values.begin(), values.end(), isBefore)) {
-            std::sort(values.begin(), values.end(), isBefore);
-        }
-        if (!isAscending) {
-            std::reverse(values.begin(), values.end());
-        }
-    });
 }
 
 int order_of_rows(const ResultColumn& column, Row a, Row b)
@@ -138,6 +124,48 @@ std::uint64_t rank_of(const std::string& text)
     return rank;
 }
 
+/// The number of that rank; both zeros are 0.
+double number_of_rank(std::uint64_t rank)
+{
+    constexpr std::uint64_t kSign = std::uint64_t(1) << 63U;
+    if (rank == 0) {
+        return std::numeric_limits<double>::quiet_NaN();
+    }
+    return std::bit_cast<double>((rank & kSign) != 0 ? rank & ~kSign : ~rank);
+}
+
+template <typename T>
+void sort_values(std::vector<T>* values)
+{
+    const auto isBefore = [](const T& a, const T& b) {
+        return order_of(a, b) < 0;
+    };
+    if (!std::is_sorted(values->begin(), values->end(), isBefore)) {
+        std::sort(values->begin(), values->end(), isBefore);
+    }
+}
+
+/// By their ranks, which a radix sort takes.
+void sort_values(std::vector<double>* numbers)
+{
+    std::vector<std::uint64_t> ranks(numbers->size());
+    std::transform(numbers->begin(), numbers->end(), ranks.begin(), [](double number) {
+        return rank_of(number);
+    });
+    boost::sort::spreadsort::integer_sort(ranks.begin(), ranks.end());
+    std::transform(ranks.begin(), ranks.end(), numbers->begin(), number_of_rank);
+}
+
+void sort_single(bool isAscending, ResultColumn* column)
+{
+    with_values(*column, [isAscending](auto& values) {
+        sort_values(&values);
+        if (!isAscending) {
+            std::reverse(values.begin(), values.end());
+        }
+    });
+}
+
 /// A row while the rows are sorted by one column.
 struct RankedRow
 {
@@ -147,7 +175,7 @@ struct RankedRow
 
 /// Sorts rows column by column: first by the first, then each run of equal rows by the next. The
 /// numbers that are compared stand side by side, which is several times as fast as comparing
-/// through the columns.
+/// through the columns. Equal rows keep their order.
 class RowSorter
 {
 public:
@@ -157,42 +185,90 @@ public:
 
     void sort(std::span<RankedRow> rows, std::size_t level) const
     {
-        const SortKey& key = keys_[level];
-        const ResultColumn& column = result_.columns[key.column];
-        with_values(column, [&](const auto& values) {
-            for (RankedRow& row : rows) {
-                row.rank = key.isAscending ? rank_of(values[row.row]) : ~rank_of(values[row.row]);
-            }
-        });
-        const bool isExact = column.kind != Kind::Text && column.kind != Kind::Complex;
-        const auto order = [&](const RankedRow& a, const RankedRow& b) {
-            if (a.rank != b.rank) {
-                return a.rank < b.rank ? -1 : 1;
-            }
-            const int by = isExact ? 0 : order_of_rows(column, a.row, b.row);
-            return key.isAscending ? by : -by;
-        };
-        // Equal rows keep their order.
-        std::sort(rows.begin(), rows.end(), [&order](const RankedRow& a, const RankedRow& b) {
-            const int by = order(a, b);
-            return by != 0 ? by < 0 : a.row < b.row;
-        });
+        rank(rows, level);
+        sortByRank(rows);
+        if (!isExact(level)) {
+            forEachRun(rows, byRank, [&](std::span<RankedRow> run) { sortByValue(run, level); });
+        }
         if (level + 1 == keys_.size()) {
             return;
         }
+        const auto areEqual = [&](const RankedRow& a, const RankedRow& b) {
+            return a.rank == b.rank && (isExact(level) || order(level, a, b) == 0);
+        };
+        forEachRun(rows, areEqual, [&](std::span<RankedRow> run) { sort(run, level + 1); });
+    }
+
+private:
+    static bool byRank(const RankedRow& a, const RankedRow& b) { return a.rank == b.rank; }
+
+    [[nodiscard]] const ResultColumn& column(std::size_t level) const
+    {
+        return result_.columns[keys_[level].column];
+    }
+
+    /// Whether equal ranks are equal values.
+    [[nodiscard]] bool isExact(std::size_t level) const
+    {
+        return column(level).kind != Kind::Text && column(level).kind != Kind::Complex;
+    }
+
+    [[nodiscard]] int order(std::size_t level, const RankedRow& a, const RankedRow& b) const
+    {
+        const int by = order_of_rows(column(level), a.row, b.row);
+        return keys_[level].isAscending ? by : -by;
+    }
+
+    void rank(std::span<RankedRow> rows, std::size_t level) const
+    {
+        const bool isAscending = keys_[level].isAscending;
+        with_values(column(level), [&](const auto& values) {
+            for (RankedRow& row : rows) {
+                row.rank = isAscending ? rank_of(values[row.row]) : ~rank_of(values[row.row]);
+            }
+        });
+    }
+
+    static void sortByRank(std::span<RankedRow> rows)
+    {
+        const auto isBefore = [](const RankedRow& a, const RankedRow& b) {
+            return a.rank != b.rank ? a.rank < b.rank : a.row < b.row;
+        };
+        if (rows.size() < kFewRows) {
+            std::sort(rows.begin(), rows.end(), isBefore);
+            return;
+        }
+        boost::sort::spreadsort::integer_sort(
+            rows.begin(), rows.end(),
+            [](const RankedRow& row, unsigned bits) { return row.rank >> bits; }, isBefore);
+    }
+
+    void sortByValue(std::span<RankedRow> rows, std::size_t level) const
+    {
+        std::sort(rows.begin(), rows.end(), [&](const RankedRow& a, const RankedRow& b) {
+            const int by = order(level, a, b);
+            return by != 0 ? by < 0 : a.row < b.row;
+        });
+    }
+
+    /// Calls `handle` for each run of two or more equal rows.
+    template <typename Equal, typename Handle>
+    static void forEachRun(std::span<RankedRow> rows, const Equal& areEqual, const Handle& handle)
+    {
         for (std::size_t start = 0; start < rows.size();) {
             std::size_t end = start + 1;
-            while (end < rows.size() && order(rows[start], rows[end]) == 0) {
+            while (end < rows.size() && areEqual(rows[start], rows[end])) {
                 ++end;
             }
             if (end - start > 1) {
-                sort(rows.subspan(start, end - start), level + 1);
+                handle(rows.subspan(start, end - start));
             }
             start = end;
         }
     }
 
-private:
+    static constexpr std::size_t kFewRows = 1000;
+
     const std::vector<SortKey>& keys_;
     const QueryResult& result_;
 };
@@ -227,20 +303,23 @@ void sort_rows(const std::vector<SortKey>& keys, QueryResult* result)
 
 void remove_repeated_rows(QueryResult* result)
 {
-    std::size_t kept = 0;
+    const auto areEqual = [result](Row a, Row b) {
+        return std::all_of(
+            result->columns.begin(), result->columns.end(),
+            [a, b](const ResultColumn& column) { return order_of_rows(column, a, b) == 0; });
+    };
+    const auto move = [result](Row from, Row to) {
+        for (ResultColumn& column : result->columns) {
+            with_values(column, [from, to](auto& values) { values[to] = std::move(values[from]); });
+        }
+    };
+    Row kept = 0;
     for (Row row = 0; row < result->rows; ++row) {
-        const bool isRepeated =
-            kept > 0 &&
-            std::all_of(result->columns.begin(), result->columns.end(), [&](const auto& column) {
-                return order_of_rows(column, static_cast<Row>(kept - 1), row) == 0;
-            });
-        if (isRepeated) {
+        if (kept > 0 && areEqual(kept - 1, row)) {
             continue;
         }
         if (kept != row) {
-            for (ResultColumn& column : result->columns) {
-                with_values(column, [&](auto& values) { values[kept] = std::move(values[row]); });
-            }
+            move(row, kept);
         }
         ++kept;
     }

@@ -117,6 +117,9 @@ public:
     /// Collects statistics for the planner.
     [[nodiscard]] virtual std::vector<SqlText>
     analyze(const std::vector<SqlName>& tables) const = 0;
+    /// Whether the planner weighs the sub-selects of a condition against each other, and chooses
+    /// which of them drives.
+    [[nodiscard]] virtual bool weighsSubSelects() const = 0;
     /// The join of the table on the left, kept on the left by the planner.
     [[nodiscard]] virtual SqlText orderedJoin() const = 0;
     /// A sub-select of number ranges with the columns `low` and `high`.

@@ -112,6 +112,8 @@ public:
         return statements;
     }
 
+    [[nodiscard]] bool weighsSubSelects() const override { return true; }
+
     [[nodiscard]] SqlText orderedJoin() const override { return " STRAIGHT_JOIN "; }
 
     [[nodiscard]] SqlText rangeTable(const std::vector<NumberRange>& ranges) const override
