@@ -3,7 +3,6 @@
 #include "dbapi/keyword_resolution.h"
 #include "dbif/condition.h"
 #include "dbif/connection.h"
-#include "dbif/not_copied.h"
 #include "dbui/connection_record.h"
 
 #include <QDateTime>
@@ -14,8 +13,10 @@
 
 /// What the last public call leaves to the next one: the open connection with the record that it
 /// was made from, the query string with its condition, and how new the data was. Owns all of it.
-class DbapiCache : private dbif::NotCopied
+class DbapiCache
 {
+    Q_DISABLE_COPY_MOVE(DbapiCache)
+
 public:
     DbapiCache() = default;
 
@@ -59,8 +60,10 @@ public:
 };
 
 /// Marks the outermost of nested public calls while it lives.
-class DbapiCacheHelper : private dbif::NotCopied
+class DbapiCacheHelper
 {
+    Q_DISABLE_COPY_MOVE(DbapiCacheHelper)
+
 public:
     DbapiCacheHelper();
     ~DbapiCacheHelper();

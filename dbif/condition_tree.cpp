@@ -1,10 +1,14 @@
 #include "dbif/condition_tree.h"
 
+#include <QtGlobal>
+
 #include <algorithm>
 
 namespace dbif {
 struct ConditionTree::Node
 {
+    Q_DISABLE_COPY_MOVE(Node)
+
     Kind kind = Kind::True;
     std::size_t size = 1;
     std::size_t depth = 0;
@@ -12,8 +16,6 @@ struct ConditionTree::Node
     std::vector<ConditionTree> operands;
 
     Node() = default;
-    Node(const Node&) = delete;
-    Node& operator=(const Node&) = delete;
 
     /// Takes a long chain apart in a loop; node by node its destruction would recurse.
     ~Node()

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "dbif/exception.h"
-#include "dbif/not_copied.h"
 #include "dbif/sql_dialect.h"
 
 #include <QDateTime>
@@ -19,11 +18,15 @@ namespace dbif {
 enum class MissingFile { Create, Fail };
 
 /// State that an upper floor keeps with one open connection, for as long as it is open.
-class ConnectionAttachment : private NotCopied
+class ConnectionAttachment
 {
+    Q_DISABLE_COPY_MOVE(ConnectionAttachment)
+
 public:
-    ConnectionAttachment() = default;
     virtual ~ConnectionAttachment() = default;
+
+protected:
+    ConnectionAttachment() = default;
 };
 } // namespace dbif
 

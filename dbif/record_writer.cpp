@@ -5,9 +5,10 @@
 #include "dbif/host_string.h"
 #include "dbif/key_writer.h"
 #include "dbif/newest_time.h"
-#include "dbif/not_copied.h"
 #include "dbif/record_identity.h"
 #include "dbif/schema_names.h"
+
+#include <QtGlobal>
 
 #include <algorithm>
 #include <cmath>
@@ -127,8 +128,10 @@ std::optional<std::string> data_origin(const std::vector<KeyValue>& keys)
 }
 } // namespace
 
-class RecordWriter::Work : private NotCopied
+class RecordWriter::Work
 {
+    Q_DISABLE_COPY_MOVE(Work)
+
 public:
     explicit Work(DBIF_Connection connection)
         : connection_(connection), rows_(connection), keys_(rows_)
@@ -156,9 +159,6 @@ public:
             ColumnStore::of(connection_).refresh();
         }
     }
-
-    Work(const Work&) = delete;
-    Work& operator=(const Work&) = delete;
 
     /// Inserts a record: links, fixed texts, time and user, identity.
     int insert(
