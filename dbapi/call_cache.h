@@ -19,6 +19,7 @@ class DbapiCache
 
 public:
     DbapiCache() = default;
+    ~DbapiCache() = default;
 
     /// Null unless connection, record and condition are all there.
     [[nodiscard]] DBIF_Connection* get_connectionObj() const;
