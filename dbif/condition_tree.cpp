@@ -26,8 +26,7 @@ struct ConditionTree::Node
             doomed.pop_back();
             if (last.node_ != nullptr && last.node_.use_count() == 1) {
                 // This is the only owner, and nobody sees the node again.
-                auto& inner = const_cast<Node&>(*last.node_)
-                                  .operands; // NOLINT(cppcoreguidelines-pro-type-const-cast)
+                auto& inner = const_cast<Node&>(*last.node_).operands;
                 std::move(inner.begin(), inner.end(), std::back_inserter(doomed));
                 inner.clear();
             }
@@ -233,13 +232,11 @@ bool ConditionTree::any(const std::function<bool(const ColumnComparison&)>& test
     while (!pending.empty()) {
         const ConditionTree next = std::move(pending.back());
         pending.pop_back();
-        if (next.kind() == Kind::Comparison) {
-            if (test(next.comparison())) {
-                return true;
-            }
-        } else {
+        if (next.kind() != Kind::Comparison) {
             pending.insert(
                 pending.end(), next.node_->operands.rbegin(), next.node_->operands.rend());
+        } else if (test(next.comparison())) {
+            return true;
         }
     }
     return false;

@@ -258,7 +258,7 @@ dbif::SqlSession& DBIF_Connection::session() const
     return *managed_->session_;
 }
 
-dbif::ChangeToken DBIF_Connection::changeToken()
+dbif::ChangeToken DBIF_Connection::changeToken() const
 {
     return session().changeToken();
 }

@@ -82,7 +82,7 @@ public:
     void rollbackTransaction();
     void execute(const dbif::SqlText& sql, const char* file, int line);
     /// See `ChangeToken`. Costs a microsecond on SQLite; unknown on a server.
-    [[nodiscard]] dbif::ChangeToken changeToken();
+    [[nodiscard]] dbif::ChangeToken changeToken() const;
     /// Whether the SQLite file that was opened still stands at its path; true for a server.
     [[nodiscard]] bool isSameFile() const;
     /// The state that a floor above keeps with this connection, made by `make` on first use.

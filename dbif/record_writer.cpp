@@ -133,7 +133,7 @@ class RecordWriter::Work
     Q_DISABLE_COPY_MOVE(Work)
 
 public:
-    explicit Work(DBIF_Connection connection)
+    explicit Work(const DBIF_Connection& connection)
         : connection_(connection), rows_(connection), keys_(rows_)
     {
         connection_.beginWriteTransaction();
@@ -469,8 +469,8 @@ private:
     std::map<RecordTable, std::map<std::string, int>> known_;
 };
 
-RecordWriter::RecordWriter(DBIF_Connection connection)
-    : work_(std::make_unique<Work>(std::move(connection)))
+RecordWriter::RecordWriter(const DBIF_Connection& connection)
+    : work_(std::make_unique<Work>(connection))
 {}
 
 RecordWriter::~RecordWriter() = default;

@@ -22,7 +22,7 @@ class RecordWriter
     Q_DISABLE_COPY_MOVE(RecordWriter)
 
 public:
-    explicit RecordWriter(DBIF_Connection connection);
+    explicit RecordWriter(const DBIF_Connection& connection);
     ~RecordWriter();
 
     int addCatalogEntry(const FixedTexts& columns, const std::vector<KeyValue>& keys = {});

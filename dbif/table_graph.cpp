@@ -1,5 +1,7 @@
 #include "dbif/table_graph.h"
 
+#include <ranges>
+
 namespace dbif {
 TableSet with_ancestors(RecordTable table)
 {
@@ -13,9 +15,9 @@ TableSet with_ancestors(RecordTable table)
 RecordTable meeting_table(const TableSet& tables)
 {
     // From the top down, so that the first that reaches all is the highest.
-    for (auto table = kUpwards.rbegin(); table != kUpwards.rend(); ++table) {
-        if (tables.isWithin(with_ancestors(*table))) {
-            return *table;
+    for (const RecordTable table : std::views::reverse(kUpwards)) {
+        if (tables.isWithin(with_ancestors(table))) {
+            return table;
         }
     }
     return RecordTable::Setup;
