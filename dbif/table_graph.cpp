@@ -1,6 +1,6 @@
 #include "dbif/table_graph.h"
 
-#include <ranges>
+#include <algorithm>
 
 namespace dbif {
 TableSet with_ancestors(RecordTable table)
@@ -15,12 +15,11 @@ TableSet with_ancestors(RecordTable table)
 RecordTable meeting_table(const TableSet& tables)
 {
     // From the top down, so that the first that reaches all is the highest.
-    for (const RecordTable table : std::views::reverse(kUpwards)) {
-        if (tables.isWithin(with_ancestors(table))) {
-            return table;
-        }
-    }
-    return RecordTable::Setup;
+    const auto highest =
+        std::find_if(kUpwards.rbegin(), kUpwards.rend(), [&tables](RecordTable table) {
+            return tables.isWithin(with_ancestors(table));
+        });
+    return highest == kUpwards.rend() ? RecordTable::Setup : *highest;
 }
 
 std::vector<RecordTable> path_up(RecordTable table, RecordTable ancestor)
