@@ -85,6 +85,8 @@ public:
         }
     }
 
+    ~CommandLine() = default;
+
     ExitCode run(int argumentCount, char** arguments)
     {
         try {
