@@ -5,8 +5,9 @@
 #include "dbif/column_store.h"
 #include "dbif/error_text.h"
 #include "dbif/newest_time.h"
-#include "dbif/not_copied.h"
 #include "dbui/connections_path.h"
+
+#include <QtGlobal>
 
 #include <sys/stat.h>
 
@@ -49,8 +50,10 @@ bool is_connection_usable(DbapiCache& cache)
            cache.connection->isSameFile();
 }
 
-class UpdateMark : private dbif::NotCopied
+class UpdateMark
 {
+    Q_DISABLE_COPY_MOVE(UpdateMark)
+
 public:
     explicit UpdateMark(DbapiCache& cache) : cache_(cache) { cache_.inUpdate = true; }
 

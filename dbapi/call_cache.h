@@ -3,7 +3,6 @@
 #include "dbapi/keyword_resolution.h"
 #include "dbif/condition.h"
 #include "dbif/connection.h"
-#include "dbif/not_copied.h"
 #include "dbui/connection_record.h"
 
 #include <QDateTime>
@@ -14,10 +13,13 @@
 
 /// What the last public call leaves to the next one: the open connection with the record that it
 /// was made from, the query string with its condition, and how new the data was. Owns all of it.
-class DbapiCache : private dbif::NotCopied
+class DbapiCache
 {
+    Q_DISABLE_COPY_MOVE(DbapiCache)
+
 public:
     DbapiCache() = default;
+    ~DbapiCache() = default;
 
     /// Null unless connection, record and condition are all there.
     [[nodiscard]] DBIF_Connection* get_connectionObj() const;
@@ -59,8 +61,10 @@ public:
 };
 
 /// Marks the outermost of nested public calls while it lives.
-class DbapiCacheHelper : private dbif::NotCopied
+class DbapiCacheHelper
 {
+    Q_DISABLE_COPY_MOVE(DbapiCacheHelper)
+
 public:
     DbapiCacheHelper();
     ~DbapiCacheHelper();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 #include <map>
 #include <set>
 #include <string>
@@ -34,13 +36,11 @@ namespace dbapi {
 /// clears the state of the process.
 class ResolutionMark
 {
+    Q_DISABLE_COPY_MOVE(ResolutionMark)
+
 public:
     ResolutionMark();
     ~ResolutionMark();
-    ResolutionMark(const ResolutionMark&) = delete;
-    ResolutionMark& operator=(const ResolutionMark&) = delete;
-    ResolutionMark(ResolutionMark&&) = delete;
-    ResolutionMark& operator=(ResolutionMark&&) = delete;
 
     [[nodiscard]] static bool is_resolving();
 

@@ -116,15 +116,17 @@ void set_texts(const std::string& value, ColumnComparison* comparison)
 }
 } // namespace
 
+// NOLINTBEGIN(performance-unnecessary-value-param): a published signature
 DBIF_SingleColumnCondition::DBIF_SingleColumnCondition(
-    QString table,  // NOLINT(performance-unnecessary-value-param)
-    QString column, // NOLINT(performance-unnecessary-value-param)
+    QString table,
+    QString column,
     Comparator comparator,
-    QString value, // NOLINT(performance-unnecessary-value-param)
+    QString value,
     bool holdsNumbers,
     bool isApproximate,
     double tolerance,
     double /*epsilon*/)
+// NOLINTEND(performance-unnecessary-value-param)
 {
     auto comparison = std::make_shared<ColumnComparison>();
     set_column(table, column, comparison.get());

@@ -24,8 +24,8 @@ void DBIF_QueryCondition::addTableToSet(QSet<QString>& tables) const
     });
 }
 
-void DBIF_QueryCondition::columnSetFor(QString table, DBIF_UniqueStringList& columns)
-    const // NOLINT(performance-unnecessary-value-param)
+// NOLINTNEXTLINE(performance-unnecessary-value-param): a published signature
+void DBIF_QueryCondition::columnSetFor(QString table, DBIF_UniqueStringList& columns) const
 {
     tree(false).forEachComparison([&](const dbif::ColumnComparison& comparison) {
         if (table_of(comparison) == table) {

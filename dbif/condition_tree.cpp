@@ -1,10 +1,14 @@
 #include "dbif/condition_tree.h"
 
+#include <QtGlobal>
+
 #include <algorithm>
 
 namespace dbif {
 struct ConditionTree::Node
 {
+    Q_DISABLE_COPY_MOVE(Node)
+
     Kind kind = Kind::True;
     std::size_t size = 1;
     std::size_t depth = 0;
@@ -12,8 +16,6 @@ struct ConditionTree::Node
     std::vector<ConditionTree> operands;
 
     Node() = default;
-    Node(const Node&) = delete;
-    Node& operator=(const Node&) = delete;
 
     /// Takes a long chain apart in a loop; node by node its destruction would recurse.
     ~Node()
@@ -24,8 +26,7 @@ struct ConditionTree::Node
             doomed.pop_back();
             if (last.node_ != nullptr && last.node_.use_count() == 1) {
                 // This is the only owner, and nobody sees the node again.
-                auto& inner = const_cast<Node&>(*last.node_)
-                                  .operands; // NOLINT(cppcoreguidelines-pro-type-const-cast)
+                auto& inner = const_cast<Node&>(*last.node_).operands;
                 std::move(inner.begin(), inner.end(), std::back_inserter(doomed));
                 inner.clear();
             }
@@ -231,13 +232,11 @@ bool ConditionTree::any(const std::function<bool(const ColumnComparison&)>& test
     while (!pending.empty()) {
         const ConditionTree next = std::move(pending.back());
         pending.pop_back();
-        if (next.kind() == Kind::Comparison) {
-            if (test(next.comparison())) {
-                return true;
-            }
-        } else {
+        if (next.kind() != Kind::Comparison) {
             pending.insert(
                 pending.end(), next.node_->operands.rbegin(), next.node_->operands.rend());
+        } else if (test(next.comparison())) {
+            return true;
         }
     }
     return false;

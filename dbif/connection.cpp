@@ -19,6 +19,8 @@ QSqlError connection_error(const QString& text)
 
 class DBIF_Connection::ManagedConnection
 {
+    Q_DISABLE_COPY_MOVE(ManagedConnection)
+
 public:
     ManagedConnection(dbif::ConnectionParameters parameters, dbif::MissingFile missingFile)
         : parameters_(std::move(parameters))
@@ -47,9 +49,6 @@ public:
             QSqlDatabase::removeDatabase(name_);
         }
     }
-
-    ManagedConnection(const ManagedConnection&) = delete;
-    ManagedConnection& operator=(const ManagedConnection&) = delete;
 
     void open()
     {
@@ -259,7 +258,7 @@ dbif::SqlSession& DBIF_Connection::session() const
     return *managed_->session_;
 }
 
-dbif::ChangeToken DBIF_Connection::changeToken()
+dbif::ChangeToken DBIF_Connection::changeToken() const
 {
     return session().changeToken();
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "dbif/exception.h"
-#include "dbif/not_copied.h"
 #include "dbif/sql_dialect.h"
 
 #include <QDateTime>
@@ -19,11 +18,15 @@ namespace dbif {
 enum class MissingFile { Create, Fail };
 
 /// State that an upper floor keeps with one open connection, for as long as it is open.
-class ConnectionAttachment : private NotCopied
+class ConnectionAttachment
 {
+    Q_DISABLE_COPY_MOVE(ConnectionAttachment)
+
 public:
-    ConnectionAttachment() = default;
     virtual ~ConnectionAttachment() = default;
+
+protected:
+    ConnectionAttachment() = default;
 };
 } // namespace dbif
 
@@ -79,7 +82,7 @@ public:
     void rollbackTransaction();
     void execute(const dbif::SqlText& sql, const char* file, int line);
     /// See `ChangeToken`. Costs a microsecond on SQLite; unknown on a server.
-    [[nodiscard]] dbif::ChangeToken changeToken();
+    [[nodiscard]] dbif::ChangeToken changeToken() const;
     /// Whether the SQLite file that was opened still stands at its path; true for a server.
     [[nodiscard]] bool isSameFile() const;
     /// The state that a floor above keeps with this connection, made by `make` on first use.

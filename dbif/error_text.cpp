@@ -9,8 +9,7 @@ KTString convert_sql_error_to_string(const QSqlError& error)
     return text.isEmpty() ? KTString() : KTString(dbif::to_utf8(text) + "\n");
 }
 
-KTString
-convert_DBIF_Exception_to_string(DBIF_Exception* exception) // NOLINT(readability-identifier-naming)
+KTString convert_DBIF_Exception_to_string(DBIF_Exception* exception)
 {
     KTString text = convert_sql_error_to_string(exception->error());
     if (!exception->sql().isEmpty()) {
@@ -19,7 +18,7 @@ convert_DBIF_Exception_to_string(DBIF_Exception* exception) // NOLINT(readabilit
     return text;
 }
 
-void report_DBIF_Exception(DBIF_Exception* exception) // NOLINT(readability-identifier-naming)
+void report_DBIF_Exception(DBIF_Exception* exception)
 {
     std::cerr << convert_DBIF_Exception_to_string(exception).str();
 }

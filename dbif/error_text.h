@@ -10,10 +10,11 @@
 /// Readable text of a database error, ending in a newline; empty when there is no error.
 KTString convert_sql_error_to_string(const QSqlError& error);
 /// Readable text of an exception: the database error, and the statement where there is one.
-KTString convert_DBIF_Exception_to_string(
-    DBIF_Exception* exception); // NOLINT(readability-identifier-naming)
+// NOLINTNEXTLINE(readability-identifier-naming): a published name
+KTString convert_DBIF_Exception_to_string(DBIF_Exception* exception);
 /// Writes the exception's text to the standard error stream.
-void report_DBIF_Exception(DBIF_Exception* exception); // NOLINT(readability-identifier-naming)
+// NOLINTNEXTLINE(readability-identifier-naming): a published name
+void report_DBIF_Exception(DBIF_Exception* exception);
 
 /// Assigns the heading and the text of the exception's database error to `text`.
 void dbapi_build_error_string_from_dbif_exception(

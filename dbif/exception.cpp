@@ -11,7 +11,7 @@ DBIF_Exception::DBIF_Exception(QString sql, QSqlError error, QString file, int l
 const char* DBIF_Exception::what() const noexcept
 {
     // Published behaviour: one buffer for the process. It is a global by that contract.
-    static QByteArray buffer; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
+    static QByteArray buffer;
     // The texts are put in with one arg() call, so that a "%1" inside the SQL stays as it is.
     buffer =
         QStringLiteral(

@@ -12,7 +12,7 @@ char* copy_of(const std::string& text)
 
 std::string value_of(const std::string& name)
 {
-    const char* value = std::getenv(name.c_str()); // NOLINT(concurrency-mt-unsafe)
+    const char* value = std::getenv(name.c_str());
     return value == nullptr ? std::string() : std::string(value);
 }
 
@@ -41,18 +41,18 @@ std::string expand_reference(const std::string& text, std::size_t* at)
 }
 } // namespace
 
-char* astr_expand_environment_value(const char* /*context*/, const char* given)
+char* astr_expand_environment_value(const char* /*context*/, const char* text)
 {
-    if (given == nullptr) {
+    if (text == nullptr) {
         return nullptr;
     }
-    const std::string text = given;
+    const std::string given = text;
     std::string expanded;
-    for (std::size_t at = 0; at < text.size();) {
-        if (text[at] == '$') {
-            expanded += expand_reference(text, &at);
+    for (std::size_t at = 0; at < given.size();) {
+        if (given[at] == '$') {
+            expanded += expand_reference(given, &at);
         } else {
-            expanded += text[at++];
+            expanded += given[at++];
         }
     }
     return copy_of(expanded);
@@ -62,17 +62,16 @@ void astr_set_environment(const char* /*context*/) {}
 
 char* astr_environment_value(const char* name)
 {
-    const char* value =
-        name == nullptr ? nullptr : std::getenv(name); // NOLINT(concurrency-mt-unsafe)
+    const char* value = name == nullptr ? nullptr : std::getenv(name);
     return value == nullptr ? nullptr : copy_of(value);
 }
 
 void astr_free_string(char* text)
 {
     std::free(text);
-} // NOLINT(cppcoreguidelines-no-malloc)
+}
 
 void gmem_ee_free(void* memory)
 {
     std::free(memory);
-} // NOLINT(cppcoreguidelines-no-malloc)
+}

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -119,30 +120,30 @@ double read_decimal(std::string_view mantissa, std::string_view exponent, int sc
 } // namespace
 
 namespace dbif {
-double read_engineering_number(std::string_view given)
+double read_engineering_number(std::string_view text)
 {
-    const std::string text = upper_case(trimmed(given));
-    const std::size_t sign = !text.empty() && (text[0] == '+' || text[0] == '-') ? 1 : 0;
-    const std::size_t mantissa = mantissa_length(text, sign);
+    const std::string upper = upper_case(trimmed(text));
+    const std::size_t sign = !upper.empty() && (upper[0] == '+' || upper[0] == '-') ? 1 : 0;
+    const std::size_t mantissa = mantissa_length(upper, sign);
     if (mantissa == 0) {
         return kNoNumber;
     }
-    const std::size_t exponent = exponent_length(text, sign + mantissa);
+    const std::size_t exponent = exponent_length(upper, sign + mantissa);
     int scale = 0;
-    const std::string_view all = text;
+    const std::string_view all = upper;
     if (!find_scale(all.substr(sign + mantissa + exponent), &scale)) {
         return kNoNumber;
     }
     const double number =
         read_decimal(all.substr(sign, mantissa), all.substr(sign + mantissa, exponent), scale);
-    return text[0] == '-' ? -number : number;
+    return upper[0] == '-' ? -number : number;
 }
 
 namespace {
 /// Digits and decimal point position of a number: value = 0.d1d2d3... x 10^point.
 struct Decimal
 {
-    std::array<char, 20> digits;
+    std::array<char, 20> digits{};
     int count = 0;
     int point = 0;
 };
@@ -150,7 +151,7 @@ struct Decimal
 Decimal shortest_decimal(double magnitude)
 {
     std::array<char, kLongestDouble> text{};
-    const auto end =
+    const char* const end =
         std::to_chars(
             text.data(), text.data() + text.size(), magnitude, std::chars_format::scientific)
             .ptr;
@@ -231,10 +232,8 @@ char* format_double(double number, char* buffer)
         *buffer = '0';
         return buffer + 1;
     }
-    if (!(number - number == 0)) {
-        const char* word = number != number
-                               ? "nan"
-                               : (number < 0 ? "-inf" : "inf"); // NOLINT(misc-redundant-expression)
+    if (!std::isfinite(number)) {
+        const char* word = std::isnan(number) ? "nan" : (number < 0 ? "-inf" : "inf");
         return append(buffer, word, static_cast<int>(std::strlen(word)));
     }
     char* out = buffer;

@@ -3,7 +3,8 @@
 #include "dbif/condition.h"
 #include "dbif/condition_tree.h"
 #include "dbif/connection.h"
-#include "dbif/not_copied.h"
+
+#include <QtGlobal>
 
 #include <vector>
 
@@ -27,8 +28,10 @@ private:
 
 /// Records of one table, picked by their ids, as a condition: a list in the statement up to 500
 /// ids, beyond that a temporary table, which lives as long as this object.
-class IdList : private NotCopied
+class IdList
 {
+    Q_DISABLE_COPY_MOVE(IdList)
+
 public:
     IdList(DBIF_Connection connection, RecordTable table, const std::vector<int>& ids);
     ~IdList();

@@ -8,6 +8,8 @@
 #include "dbif/host_string.h"
 #include "dbif/record_identity.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace dbif {
@@ -77,10 +79,10 @@ void check_category(const TableFacts& f, const std::string& name, const std::str
         &DBIF_DeviceColumn::CALIBRATION_CATEGORY, &DBIF_DeviceColumn::NODE_CATEGORY,
         &DBIF_DeviceColumn::TECHNOLOGY_CATEGORY,  &DBIF_DeviceColumn::IS_MEASUREMENT_CATEGORY};
     if (f.table == RecordTable::Device) {
-        for (const QString* known : kDeviceCategories) {
-            if (to_utf8(*known) == category) {
-                return;
-            }
+        if (std::any_of(
+                kDeviceCategories.begin(), kDeviceCategories.end(),
+                [&category](const QString* known) { return to_utf8(*known) == category; })) {
+            return;
         }
         throw_error(
             "The device key \"" + name + "\" has the category \"" + category +
@@ -191,10 +193,10 @@ void KeyWriter::add(RecordTable table, int record, const std::vector<KeyValue>& 
         }
         const int column = define(table, key.name, key.kind, key.category);
         const auto [first, isNew] = written.emplace(column, canonical_text(key));
+        if (!isNew && first->second == canonical_text(key)) {
+            continue;
+        }
         if (!isNew) {
-            if (first->second == canonical_text(key)) {
-                continue;
-            }
             throw_error(
                 "The key \"" + key.name + "\" is given twice, as \"" + first->second +
                     "\" and as \"" + canonical_text(key) + "\". Give it once.",

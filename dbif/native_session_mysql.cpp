@@ -3,7 +3,6 @@
 #include "dbif/exception.h"
 #include "dbif/host_number.h"
 #include "dbif/host_string.h"
-#include "dbif/not_copied.h"
 
 #include <QSqlDriver>
 #include <QVariant>
@@ -60,6 +59,8 @@ Cell::Kind kind_of(const MYSQL_FIELD& field)
 
 class MysqlStatement final : public NativeStatement
 {
+    Q_DISABLE_COPY_MOVE(MysqlStatement)
+
 public:
     MysqlStatement(MYSQL* handle, const SqlText& sql)
         : sql_(sql.utf8()), statement_(mysql_stmt_init(handle))

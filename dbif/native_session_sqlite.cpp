@@ -2,7 +2,6 @@
 
 #include "dbif/exception.h"
 #include "dbif/host_string.h"
-#include "dbif/not_copied.h"
 
 #include <QSqlDriver>
 #include <QVariant>
@@ -23,6 +22,8 @@ namespace {
 
 class SqliteStatement final : public NativeStatement
 {
+    Q_DISABLE_COPY_MOVE(SqliteStatement)
+
 public:
     SqliteStatement(sqlite3* handle, const SqlText& sql) : handle_(handle), sql_(sql.utf8())
     {

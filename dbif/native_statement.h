@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbif/not_copied.h"
+#include <QtGlobal>
 
 #include <memory>
 #include <string_view>
@@ -8,10 +8,11 @@
 namespace dbif {
 /// One prepared statement of a database's own C client. Positions count from 0. Every member throws
 /// `DBIF_Exception` when the client reports an error.
-class NativeStatement : private NotCopied
+class NativeStatement
 {
+    Q_DISABLE_COPY_MOVE(NativeStatement)
+
 public:
-    NativeStatement() = default;
     virtual ~NativeStatement() = default;
 
     /// The values of the next run. Texts and blobs are copied.
@@ -29,14 +30,18 @@ public:
     virtual long long integer(int column) = 0;
     virtual double number(int column) = 0;
     virtual std::string_view text(int column) = 0;
+
+protected:
+    NativeStatement() = default;
 };
 
 /// Inserts rows into one table: a value per column in order, then `endRow`. Rows may be sent in
 /// batches, so an error can show as late as `flush`, which has to be called at the end.
-class RowInserter : private NotCopied
+class RowInserter
 {
+    Q_DISABLE_COPY_MOVE(RowInserter)
+
 public:
-    RowInserter() = default;
     virtual ~RowInserter() = default;
 
     virtual RowInserter& null() = 0;
@@ -46,5 +51,8 @@ public:
     virtual RowInserter& blob(std::string_view value) = 0;
     virtual void endRow() = 0;
     virtual void flush() = 0;
+
+protected:
+    RowInserter() = default;
 };
 } // namespace dbif

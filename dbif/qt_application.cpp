@@ -6,12 +6,10 @@ namespace dbif {
 void make_application_if_missing()
 {
     if (QCoreApplication::instance() == nullptr) {
-        static int argumentCount = 1; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
-        static char name[] = "dbapi"; // NOLINT
-        static char* arguments[] = {name}; // NOLINT
-        static QCoreApplication
-            application( // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
-                argumentCount, arguments);
+        static int argumentCount = 1;
+        static char name[] = "dbapi";
+        static char* arguments[] = {name};
+        static QCoreApplication application(argumentCount, arguments);
     }
 }
 } // namespace dbif

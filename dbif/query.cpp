@@ -44,14 +44,14 @@ const DBIF_Query::SharedData& DBIF_Query::data() const
 
 DBIF_Query::Column DBIF_Query::addColumn(QString table, QString column, bool isNamedByTable)
 {
-    const Column added{std::move(table), std::move(column), isNamedByTable};
+    Column added{std::move(table), std::move(column), isNamedByTable};
     data_->columns.append(added);
     return added;
 }
 
 DBIF_Query::Column DBIF_Query::addColumnAt(QString table, QString column, int position)
 {
-    const Column added{std::move(table), std::move(column), false};
+    Column added{std::move(table), std::move(column), false};
     data_->columns.insert(position, added);
     return added;
 }

@@ -3,7 +3,6 @@
 #include "dbif/compound_condition.h"
 #include "dbif/connection.h"
 #include "dbif/fixed_column.h"
-#include "dbif/not_copied.h"
 
 #include <QList>
 #include <QSet>
@@ -15,14 +14,18 @@
 class DBIF_Query;
 
 /// Computes how the tables of a query are joined.
-class DBIF_QueryJoinAlgorithm : private dbif::NotCopied
+class DBIF_QueryJoinAlgorithm
 {
+    Q_DISABLE_COPY_MOVE(DBIF_QueryJoinAlgorithm)
+
 public:
-    DBIF_QueryJoinAlgorithm() = default;
     virtual ~DBIF_QueryJoinAlgorithm() = default;
 
     /// Adds joins to the query, one for each table behind the first.
     virtual void computeJoins(DBIF_Query& query) = 0;
+
+protected:
+    DBIF_QueryJoinAlgorithm() = default;
 };
 
 /// A query as data: result columns, condition, order, and how its tables are joined. Copies share

@@ -122,6 +122,18 @@ ResultColumn empty_column(Kind kind, std::size_t rows)
     return column;
 }
 
+/// Puts the one value of `value` into the row.
+void place_value(const ResultColumn& value, std::uint32_t row, ResultColumn* column)
+{
+    if (column->kind == Kind::Text) {
+        column->texts[row] = value.texts.front();
+    } else if (column->kind == Kind::Complex) {
+        column->complexNumbers[row] = value.complexNumbers.front();
+    } else {
+        column->numbers[row] = value.numbers.front();
+    }
+}
+
 void place_values(
     DBIF_Connection& connection,
     const SqlText& sql,
@@ -139,13 +151,7 @@ void place_values(
         append_cell(cursor, 1, &value);
         rows.forRows(cursor.integer(0), [&](std::uint32_t row) {
             (*hasValue)[row] = true;
-            if (column->kind == Kind::Text) {
-                column->texts[row] = value.texts.front();
-            } else if (column->kind == Kind::Complex) {
-                column->complexNumbers[row] = value.complexNumbers.front();
-            } else {
-                column->numbers[row] = value.numbers.front();
-            }
+            place_value(value, row, column);
         });
     }
 }

@@ -5,9 +5,10 @@
 #include "dbif/host_string.h"
 #include "dbif/key_writer.h"
 #include "dbif/newest_time.h"
-#include "dbif/not_copied.h"
 #include "dbif/record_identity.h"
 #include "dbif/schema_names.h"
+
+#include <QtGlobal>
 
 #include <algorithm>
 #include <cmath>
@@ -127,10 +128,12 @@ std::optional<std::string> data_origin(const std::vector<KeyValue>& keys)
 }
 } // namespace
 
-class RecordWriter::Work : private NotCopied
+class RecordWriter::Work
 {
+    Q_DISABLE_COPY_MOVE(Work)
+
 public:
-    explicit Work(DBIF_Connection connection)
+    explicit Work(const DBIF_Connection& connection)
         : connection_(connection), rows_(connection), keys_(rows_)
     {
         connection_.beginWriteTransaction();
@@ -156,9 +159,6 @@ public:
             ColumnStore::of(connection_).refresh();
         }
     }
-
-    Work(const Work&) = delete;
-    Work& operator=(const Work&) = delete;
 
     /// Inserts a record: links, fixed texts, time and user, identity.
     int insert(
@@ -469,8 +469,8 @@ private:
     std::map<RecordTable, std::map<std::string, int>> known_;
 };
 
-RecordWriter::RecordWriter(DBIF_Connection connection)
-    : work_(std::make_unique<Work>(std::move(connection)))
+RecordWriter::RecordWriter(const DBIF_Connection& connection)
+    : work_(std::make_unique<Work>(connection))
 {}
 
 RecordWriter::~RecordWriter() = default;

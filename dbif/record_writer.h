@@ -1,8 +1,9 @@
 #pragma once
 
 #include "dbif/connection.h"
-#include "dbif/not_copied.h"
 #include "dbif/record_values.h"
+
+#include <QtGlobal>
 
 #include <memory>
 #include <string>
@@ -16,10 +17,12 @@ namespace dbif {
 ///
 /// Every member throws `DBIF_Exception` with a message that says what is wrong with the data, or on
 /// a database error. Without `commit` nothing is stored.
-class RecordWriter : private NotCopied
+class RecordWriter
 {
+    Q_DISABLE_COPY_MOVE(RecordWriter)
+
 public:
-    explicit RecordWriter(DBIF_Connection connection);
+    explicit RecordWriter(const DBIF_Connection& connection);
     ~RecordWriter();
 
     int addCatalogEntry(const FixedTexts& columns, const std::vector<KeyValue>& keys = {});

@@ -19,6 +19,22 @@ void keep_first(std::size_t count, ResultColumn* column)
 {
     with_values(*column, [count](auto& values) { values.resize(std::min(count, values.size())); });
 }
+
+template <typename T>
+void keep_marked(const std::vector<bool>& isKept, std::vector<T>* values)
+{
+    std::size_t kept = 0;
+    for (std::size_t row = 0; row < values->size(); ++row) {
+        if (!isKept[row]) {
+            continue;
+        }
+        if (kept != row) {
+            (*values)[kept] = std::move((*values)[row]);
+        }
+        ++kept;
+    }
+    values->resize(kept);
+}
 } // namespace
 
 std::size_t ResultColumn::size() const
@@ -50,19 +66,7 @@ void ResultColumn::reserve(std::size_t rows)
 
 void ResultColumn::keepRows(const std::vector<bool>& isKept)
 {
-    with_values(*this, [&isKept](auto& values) {
-        std::size_t kept = 0;
-        for (std::size_t row = 0; row < values.size(); ++row) {
-            if (!isKept[row]) {
-                continue;
-            }
-            if (kept != row) {
-                values[kept] = std::move(values[row]);
-            }
-            ++kept;
-        }
-        values.resize(kept);
-    });
+    with_values(*this, [&isKept](auto& values) { keep_marked(isKept, &values); });
 }
 
 void keep_first_rows(std::size_t count, QueryResult* result)

@@ -8,19 +8,16 @@
 #include <string_view>
 
 /// The texts that the layer publishes for data types and data origins.
-inline const QString DOUBLE_DATATYPE =
-    QStringLiteral("DOUBLE"); // NOLINT(readability-identifier-naming)
-inline const QString TEXT_DATATYPE =
-    QStringLiteral("TEXT"); // NOLINT(readability-identifier-naming)
-inline const QString COMPLEX_NUMBER_DATATYPE =
-    QStringLiteral("COMPLEX"); // NOLINT(readability-identifier-naming)
-inline const QString COMPLEX_MATRIX_DATATYPE =
-    QStringLiteral("MATRIX"); // NOLINT(readability-identifier-naming)
-inline const QString MEASURED_DATA_ORIGIN =
-    QStringLiteral("MEASURED"); // NOLINT(readability-identifier-naming)
-inline const QString SIMULATED_DATA_ORIGIN =
-    QStringLiteral("SIMULATED");                            // NOLINT(readability-identifier-naming)
-inline const QString SQL_NULL = QStringLiteral("SQL_NULL"); // NOLINT(readability-identifier-naming)
+// NOLINTBEGIN(readability-identifier-naming): published names
+inline const QString DOUBLE_DATATYPE = QStringLiteral("DOUBLE");
+inline const QString TEXT_DATATYPE = QStringLiteral("TEXT");
+inline const QString COMPLEX_NUMBER_DATATYPE = QStringLiteral("COMPLEX");
+inline const QString COMPLEX_MATRIX_DATATYPE = QStringLiteral("MATRIX");
+inline const QString MEASURED_DATA_ORIGIN = QStringLiteral("MEASURED");
+inline const QString SIMULATED_DATA_ORIGIN = QStringLiteral("SIMULATED");
+inline const QString SQL_NULL = QStringLiteral("SQL_NULL");
+
+// NOLINTEND(readability-identifier-naming)
 
 namespace dbif {
 /// The record tables, in the order in which a table name is looked up.
@@ -103,6 +100,8 @@ struct TableFacts
 const TableFacts& facts(RecordTable table);
 /// The record table of that name; null when there is none.
 const TableFacts* find_table(std::string_view name);
+/// The fixed column of that name; null when the table has none.
+const FixedColumnFacts* find_fixed_column(const TableFacts& table, std::string_view name);
 /// The record table whose keys stand in the data table of that name; null when there is none.
 const TableFacts* find_data_table(std::string_view dataTable);
 } // namespace dbif

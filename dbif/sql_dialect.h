@@ -1,7 +1,6 @@
 #pragma once
 
 #include "dbif/native_statement.h"
-#include "dbif/not_copied.h"
 #include "dbif/sql_text.h"
 
 #include <QSqlDatabase>
@@ -40,10 +39,11 @@ struct ChangeToken
 
 /// An open connection seen through the database's own C client. Ends before the Qt connection it
 /// stands on.
-class SqlSession : private NotCopied
+class SqlSession
 {
+    Q_DISABLE_COPY_MOVE(SqlSession)
+
 public:
-    SqlSession() = default;
     virtual ~SqlSession() = default;
 
     virtual std::unique_ptr<NativeStatement> prepare(const SqlText& sql) = 0;
@@ -52,6 +52,9 @@ public:
     virtual ChangeToken changeToken() = 0;
     /// The version of the database engine, for people.
     virtual std::string version() = 0;
+
+protected:
+    SqlSession() = default;
 };
 
 /// The names of the column types of a schema.
@@ -74,10 +77,11 @@ struct NumberRange
 };
 
 /// What differs between database engines, as one object of answers. Everything else is plain SQL.
-class SqlDialect : private NotCopied
+class SqlDialect
 {
+    Q_DISABLE_COPY_MOVE(SqlDialect)
+
 public:
-    SqlDialect() = default;
     virtual ~SqlDialect() = default;
 
     /// Name of the engine, for people.
@@ -130,6 +134,9 @@ public:
     [[nodiscard]] virtual SqlText dropIdTable(const SqlName& name) const = 0;
     /// What stands before a statement to see its plan.
     [[nodiscard]] virtual SqlText explain() const = 0;
+
+protected:
+    SqlDialect() = default;
 };
 
 /// The dialect of a Qt driver; null for a driver that is not supported.

@@ -21,11 +21,11 @@ void append_quoted(std::string_view text, char quote, std::string* out)
     for (const char c : text) {
         if (c == '\0') {
             *out += kReplacement;
-        } else {
+            continue;
+        }
+        *out += c;
+        if (c == quote) {
             *out += c;
-            if (c == quote) {
-                *out += c;
-            }
         }
     }
     *out += quote;

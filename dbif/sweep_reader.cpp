@@ -57,6 +57,22 @@ void check_length(const KeyDefinition& column, int setup, const ReadColumn& read
     }
 }
 
+/// Ends the column of one setup and goes on to that of another one; false when the block does not
+/// hold that setup, as a range of ids brings setups along that were not asked for.
+bool go_on_to(
+    int setup,
+    const KeyDefinition& column,
+    std::span<const SweepPlace> block,
+    ReadColumn* read)
+{
+    check_length(column, block[read->place].setup, *read);
+    read->array = nullptr;
+    while (read->place + 1 < block.size() && block[read->place].setup < setup) {
+        ++read->place;
+    }
+    return block[read->place].setup == setup;
+}
+
 void read_column(
     DBIF_Connection& connection,
     const KeyDefinition& column,
@@ -67,16 +83,8 @@ void read_column(
     ReadColumn read;
     while (cursor.next()) {
         const int setup = cursor.integer(0);
-        if (block[read.place].setup != setup) {
-            check_length(column, block[read.place].setup, read);
-            read.array = nullptr;
-            while (read.place + 1 < block.size() && block[read.place].setup < setup) {
-                ++read.place;
-            }
-            if (block[read.place].setup != setup) {
-                // A range of ids brings setups along that were not asked for.
-                continue;
-            }
+        if (block[read.place].setup != setup && !go_on_to(setup, column, block, &read)) {
+            continue;
         }
         if (read.array == nullptr) {
             read.array = &arrays[read.place][column.key];

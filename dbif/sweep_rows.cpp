@@ -139,19 +139,8 @@ public:
             points += place.points;
         }
         for (const ResultSource& source : sources) {
-            Output output;
-            if (source.isOnPoints()) {
-                output.key = source.key.key;
-                output.column.kind = point_column_kind(source.key.kind);
-            } else {
-                output.record = &setups.column(recordSource++);
-                output.column.kind =
-                    output.record->kind == Kind::Text ? Kind::SharedText : output.record->kind;
-                if (output.column.kind == Kind::SharedText) {
-                    // Each setup's text stands once; the rows refer to it.
-                    output.column.dictionary = std::move(output.record->texts);
-                }
-            }
+            Output output = source.isOnPoints() ? pointOutput(source.key)
+                                                : recordOutput(&setups.column(recordSource++));
             if (!setups.isDecidedOnPoints()) {
                 output.column.reserve(points);
             }
@@ -202,6 +191,28 @@ private:
         ResultColumn* record = nullptr;
         ResultColumn column;
     };
+
+    static Output pointOutput(const KeyDefinition& key)
+    {
+        Output output;
+        output.key = key.key;
+        output.column.kind = point_column_kind(key.kind);
+        return output;
+    }
+
+    static Output recordOutput(ResultColumn* record)
+    {
+        Output output;
+        output.record = record;
+        if (record->kind != Kind::Text) {
+            output.column.kind = record->kind;
+            return output;
+        }
+        // Each setup's text stands once; the rows refer to it.
+        output.column.kind = Kind::SharedText;
+        output.column.dictionary = std::move(record->texts);
+        return output;
+    }
 
     static Kind point_column_kind(ValueKind kind)
     {

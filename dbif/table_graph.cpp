@@ -1,5 +1,7 @@
 #include "dbif/table_graph.h"
 
+#include <algorithm>
+
 namespace dbif {
 TableSet with_ancestors(RecordTable table)
 {
@@ -13,12 +15,11 @@ TableSet with_ancestors(RecordTable table)
 RecordTable meeting_table(const TableSet& tables)
 {
     // From the top down, so that the first that reaches all is the highest.
-    for (auto table = kUpwards.rbegin(); table != kUpwards.rend(); ++table) {
-        if (tables.isWithin(with_ancestors(*table))) {
-            return *table;
-        }
-    }
-    return RecordTable::Setup;
+    const auto highest =
+        std::find_if(kUpwards.rbegin(), kUpwards.rend(), [&tables](RecordTable table) {
+            return tables.isWithin(with_ancestors(table));
+        });
+    return highest == kUpwards.rend() ? RecordTable::Setup : *highest;
 }
 
 std::vector<RecordTable> path_up(RecordTable table, RecordTable ancestor)

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "dbif/connection.h"
-#include "dbif/not_copied.h"
+
+#include <QtGlobal>
 
 /// Ends a transaction at the end of a scope: `arm` it right after `beginTransaction()`. Holds its
 /// own copy of the connection handle.
-class DConHelper : private dbif::NotCopied
+class DConHelper
 {
+    Q_DISABLE_COPY_MOVE(DConHelper)
+
 public:
     explicit DConHelper(DBIF_Connection connection);
     ~DConHelper();

@@ -20,7 +20,7 @@ DBIF_VantoJoinAlgorithm& join_algorithm()
 dbif::SqlText expression_of(const dbif::ResultSource& source)
 {
     const dbif::TableFacts& f = dbif::facts(source.table);
-    const dbif::SqlText id = dbif::qualified(f.name, "id");
+    dbif::SqlText id = dbif::qualified(f.name, "id");
     if (!source.isKey) {
         return dbif::qualified(f.name, source.fixed.name);
     }
@@ -34,6 +34,18 @@ dbif::SqlText expression_of(const dbif::ResultSource& source)
                << " FROM " << dbif::SqlName(f.dataTable()) << " WHERE "
                << dbif::SqlName(f.linkColumn()) << " = " << id << " AND "
                << dbif::SqlName(f.columnLink()) << " = " << source.key.id << ")";
+}
+
+dbif::SqlText order_clause(DBIF_Connection& connection, const QList<DBIF_Query::Order>& orders)
+{
+    dbif::SqlText order;
+    for (const DBIF_Query::Order& by : orders) {
+        order << (order.isEmpty() ? dbif::SqlText("\nORDER BY ") : dbif::SqlText(", "))
+              << expression_of(dbif::find_source(connection, by.table, by.column))
+              << (by.direction == QStringLiteral("ASC") ? dbif::SqlText(" ASC")
+                                                        : dbif::SqlText(" DESC"));
+    }
+    return order;
 }
 
 QList<DBIF_DataType*> objects_of(const dbif::ResultColumn& column, const QString& datatype)
@@ -98,20 +110,14 @@ QString DBIF_VantoQuery::generateSql(bool isOrdered)
     if (!isOrdered) {
         return sql.toQt();
     }
-    dbif::SqlText order;
-    for (const Order& by : data().orders) {
-        order << (order.isEmpty() ? dbif::SqlText("\nORDER BY ") : dbif::SqlText(", "))
-              << expression_of(dbif::find_source(connection, by.table, by.column))
-              << (by.direction == QStringLiteral("ASC") ? dbif::SqlText(" ASC")
-                                                        : dbif::SqlText(" DESC"));
-    }
-    return (sql << order).toQt() + generateLimit();
+    sql << order_clause(connection, data().orders);
+    return sql.toQt() + generateLimit();
 }
 
-QList<DBIF_DataType*> queryValues( // NOLINT(readability-identifier-naming)
-    DBIF_Connection /*connection*/,
-    DBIF_Query* query,
-    QString datatype) // NOLINT(performance-unnecessary-value-param)
+// NOLINTBEGIN(performance-unnecessary-value-param): a published signature
+QList<DBIF_DataType*>
+queryValues(DBIF_Connection /*connection*/, DBIF_Query* query, QString datatype)
+// NOLINTEND(performance-unnecessary-value-param)
 {
     const dbif::QueryResult result = dbif::run_query(*query);
     return result.columns.empty() ? QList<DBIF_DataType*>()

@@ -26,10 +26,8 @@ public:
 
 /// The values of the query's first column as objects of a data type, which the caller owns. Throws
 /// `DBIF_Exception` as running a query does.
-QList<DBIF_DataType*> queryValues( // NOLINT(readability-identifier-naming)
-    DBIF_Connection connection,
-    DBIF_Query* query,
-    QString datatype);
+// NOLINTNEXTLINE(readability-identifier-naming): a published name
+QList<DBIF_DataType*> queryValues(DBIF_Connection connection, DBIF_Query* query, QString datatype);
 
 namespace dbif {
 /// The same values as text, without an object for each.

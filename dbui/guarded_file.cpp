@@ -1,5 +1,7 @@
 #include "dbui/guarded_file.h"
 
+#include <QtGlobal>
+
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -19,6 +21,8 @@ constexpr int kMostLinks = 40; // as many as the kernel follows
 /// A file descriptor that closes itself.
 class Descriptor
 {
+    Q_DISABLE_COPY_MOVE(Descriptor)
+
 public:
     explicit Descriptor(int number) : number_(number) {}
 
@@ -28,11 +32,6 @@ public:
             close(number_);
         }
     }
-
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    Descriptor(Descriptor&&) = delete;
-    Descriptor& operator=(Descriptor&&) = delete;
 
     [[nodiscard]] bool is_open() const { return number_ >= 0; }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 #include <string>
 
 /// A small file that several processes read and rewrite: read and replaced whole, one writer at a
@@ -30,14 +32,12 @@ bool replace_file(const std::string& path, const std::string& bytes);
 /// thread does not ask twice.
 class FileLock
 {
+    Q_DISABLE_COPY_MOVE(FileLock)
+
 public:
     /// Waits up to 10 s.
     explicit FileLock(const std::string& path);
     ~FileLock();
-    FileLock(const FileLock&) = delete;
-    FileLock& operator=(const FileLock&) = delete;
-    FileLock(FileLock&&) = delete;
-    FileLock& operator=(FileLock&&) = delete;
 
     [[nodiscard]] bool is_held() const { return descriptor_ >= 0; }
 

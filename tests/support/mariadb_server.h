@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 #include <string>
 
 /// The MariaDB server that the tests use: the one that ctest started for this run, or, when the
@@ -7,14 +9,12 @@
 /// Throws `std::runtime_error` when there is none to be had.
 class MariaDbServer
 {
+    Q_DISABLE_COPY_MOVE(MariaDbServer)
+
 public:
     static MariaDbServer& instance();
 
     ~MariaDbServer();
-    MariaDbServer(const MariaDbServer&) = delete;
-    MariaDbServer& operator=(const MariaDbServer&) = delete;
-    MariaDbServer(MariaDbServer&&) = delete;
-    MariaDbServer& operator=(MariaDbServer&&) = delete;
 
     [[nodiscard]] std::string host() const { return "127.0.0.1"; }
 
@@ -42,15 +42,13 @@ private:
 /// A database with a name of its own on the server, dropped with this object whoever created it.
 class MariaDbDatabase
 {
+    Q_DISABLE_COPY_MOVE(MariaDbDatabase)
+
 public:
     enum class Initially { Empty, Missing };
 
     explicit MariaDbDatabase(Initially initially = Initially::Empty);
     ~MariaDbDatabase();
-    MariaDbDatabase(const MariaDbDatabase&) = delete;
-    MariaDbDatabase& operator=(const MariaDbDatabase&) = delete;
-    MariaDbDatabase(MariaDbDatabase&&) = delete;
-    MariaDbDatabase& operator=(MariaDbDatabase&&) = delete;
 
     [[nodiscard]] const std::string& name() const { return name_; }
 

@@ -1,9 +1,10 @@
 #include "tools/dbapi/annotated_csv.h"
 
 #include "dbif/host_string.h"
-#include "dbif/not_copied.h"
 
 #include "tools/dbapi/csv_points.h"
+
+#include <QtGlobal>
 
 #include <cerrno>
 #include <cstdio>
@@ -42,8 +43,10 @@ struct CloseFile
 };
 
 /// Reads one file from its first block to its last.
-class FileReader : private dbif::NotCopied
+class FileReader
 {
+    Q_DISABLE_COPY_MOVE(FileReader)
+
 public:
     explicit FileReader(AnnotatedCsv* csv) : csv_(csv), annotations_(&csv->faults) {}
 

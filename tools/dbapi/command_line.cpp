@@ -3,11 +3,12 @@
 #include "dbapi/text_rules.h"
 #include "dbif/error_text.h"
 #include "dbif/host_string.h"
-#include "dbif/not_copied.h"
 
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/nearest_text.h"
 #include "tools/dbapi/terminal.h"
+
+#include <QtGlobal>
 
 #include <CLI/CLI.hpp>
 #include <exception>
@@ -68,8 +69,10 @@ std::string unknown_argument(const CLI::App& command, const std::string& argumen
 }
 
 /// The program's arguments, and which command they chose.
-class CommandLine : private dbif::NotCopied
+class CommandLine
 {
+    Q_DISABLE_COPY_MOVE(CommandLine)
+
 public:
     CommandLine()
     {
@@ -81,6 +84,8 @@ public:
             add(command);
         }
     }
+
+    ~CommandLine() = default;
 
     ExitCode run(int argumentCount, char** arguments)
     {

@@ -3,6 +3,8 @@
 #include "tools/dbapi/command_failure.h"
 #include "tools/dbapi/display_text.h"
 
+#include <QtGlobal>
+
 #include <algorithm>
 #include <cstdlib>
 #include <string_view>
@@ -23,8 +25,10 @@ bool shows_colours(std::FILE* stream)
 
 /// Reads keys one by one without echo while it lives. Also takes the keys that would stop the
 /// program, so that it is never left without echo.
-class SilentKeys : private dbif::NotCopied
+class SilentKeys
 {
+    Q_DISABLE_COPY_MOVE(SilentKeys)
+
 public:
     SilentKeys()
     {

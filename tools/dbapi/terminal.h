@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbif/not_copied.h"
+#include <QtGlobal>
 
 #include <cstddef>
 #include <cstdint>
@@ -38,8 +38,10 @@ std::string ask_secretly(const std::string& prompt);
 
 /// A bar on the standard error stream that shows how far something is, where that is a terminal;
 /// elsewhere it does nothing. It is gone when this object is.
-class ProgressBar : private dbif::NotCopied
+class ProgressBar
 {
+    Q_DISABLE_COPY_MOVE(ProgressBar)
+
 public:
     ProgressBar(std::string what, std::uintmax_t total);
     ~ProgressBar();
