@@ -6,6 +6,7 @@
 #include "dbif/error_text.h"
 #include "dbif/newest_time.h"
 #include "dbif/not_copied.h"
+#include "dbif/read_trace.h"
 #include "dbui/connections_path.h"
 
 #include <sys/stat.h>
@@ -64,6 +65,7 @@ enum class Freshness { Same, Newer, Unknown };
 
 Freshness compare_with_database(DbapiCache& cache)
 {
+    const dbif::TraceStep step(cache.connection->trace(), dbif::kFreshnessStep);
     try {
         const dbif::ChangeToken token = cache.connection->changeToken();
         if (token == cache.changeToken) {
@@ -107,6 +109,7 @@ bool is_database_modified_time_newer(DbapiCache& cache)
 void update_database_modified_time(DbapiCache& cache)
 {
     cache.clear_database_modified_time();
+    const dbif::TraceStep step(cache.connection->trace(), dbif::kFreshnessStep);
     try {
         // The token first: a change in between then makes the next check look again.
         const dbif::ChangeToken token = cache.connection->changeToken();

@@ -31,12 +31,10 @@ ResultSource find_source(DBIF_Connection& connection, const QString& table, cons
         return source;
     }
     if (const TableFacts* fixed = find_table(tableName)) {
-        for (const FixedColumnFacts& candidate : fixed->fixedColumns) {
-            if (candidate.name == columnName) {
-                source.table = fixed->table;
-                source.fixed = candidate;
-                return source;
-            }
+        if (const FixedColumnFacts* found = find_fixed_column(*fixed, columnName)) {
+            source.table = fixed->table;
+            source.fixed = *found;
+            return source;
         }
     }
     throw_unknown(table, column);

@@ -1,5 +1,7 @@
 #include "dbif/schema_names.h"
 
+#include <algorithm>
+
 namespace dbif {
 namespace {
 using enum FixedKind;
@@ -100,6 +102,14 @@ const TableFacts* find_table(std::string_view name)
         }
     }
     return nullptr;
+}
+
+const FixedColumnFacts* find_fixed_column(const TableFacts& table, std::string_view name)
+{
+    const auto found = std::find_if(
+        table.fixedColumns.begin(), table.fixedColumns.end(),
+        [name](const FixedColumnFacts& column) { return column.name == name; });
+    return found == table.fixedColumns.end() ? nullptr : &*found;
 }
 
 const TableFacts* find_data_table(std::string_view dataTable)

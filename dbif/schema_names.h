@@ -103,6 +103,8 @@ struct TableFacts
 const TableFacts& facts(RecordTable table);
 /// The record table of that name; null when there is none.
 const TableFacts* find_table(std::string_view name);
+/// The fixed column of that name; null when the table has none.
+const FixedColumnFacts* find_fixed_column(const TableFacts& table, std::string_view name);
 /// The record table whose keys stand in the data table of that name; null when there is none.
 const TableFacts* find_data_table(std::string_view dataTable);
 } // namespace dbif

@@ -143,7 +143,32 @@ public:
         return text << "DROP TEMPORARY TABLE IF EXISTS " << table;
     }
 
-    [[nodiscard]] SqlText explain() const override { return "EXPLAIN "; }
+    [[nodiscard]] std::vector<PlanStep>
+    plan(const QSqlDatabase& database, const std::string& sql) const override
+    {
+        std::vector<PlanStep> steps;
+        QSqlQuery query(database);
+        query.exec(QStringLiteral("EXPLAIN ") + to_qt(sql));
+        const auto cell = [&query](const char* name) {
+            return to_utf8(query.value(QLatin1String(name)).toString());
+        };
+        while (query.next()) {
+            PlanStep step;
+            step.depth =
+                cell("select_type") == "SIMPLE" || cell("select_type") == "PRIMARY" ? 0 : 1;
+            step.table = cell("table");
+            step.isWholeTable = cell("type") == "ALL" || cell("type") == "index";
+            const std::string key = cell("key");
+            step.index = key == "PRIMARY" ? "primary key" : key;
+            step.text = cell("select_type") + " " + step.table + ": " + cell("type") +
+                        (key.empty() ? "" : " by " + key) +
+                        (cell("ref").empty() ? "" : " = " + cell("ref")) +
+                        (cell("rows").empty() ? "" : ", about " + cell("rows") + " rows") +
+                        (cell("Extra").empty() ? "" : " (" + cell("Extra") + ")");
+            steps.push_back(std::move(step));
+        }
+        return steps;
+    }
 
 private:
     /// The server's collation by code point, without padding where it has one, so that texts

@@ -2,6 +2,7 @@
 
 #include "dbif/bulk_cursor.h"
 #include "dbif/exception.h"
+#include "dbif/read_trace.h"
 
 #include <span>
 
@@ -63,6 +64,7 @@ void read_column(
     std::span<const SweepPlace> block,
     std::span<SweepArrays> arrays)
 {
+    const TraceStep step(connection.trace(), "read the points");
     BulkCursor cursor(connection, chunk_statement(column, block));
     ReadColumn read;
     while (cursor.next()) {
