@@ -153,18 +153,27 @@ public:
             return to_utf8(query.value(QLatin1String(name)).toString());
         };
         while (query.next()) {
-            PlanStep step;
-            step.depth =
-                cell("select_type") == "SIMPLE" || cell("select_type") == "PRIMARY" ? 0 : 1;
-            step.table = cell("table");
-            step.isWholeTable = cell("type") == "ALL" || cell("type") == "index";
+            const std::string kind = cell("select_type");
             const std::string key = cell("key");
-            step.index = key == "PRIMARY" ? "primary key" : key;
-            step.text = cell("select_type") + " " + step.table + ": " + cell("type") +
-                        (key.empty() ? "" : " by " + key) +
-                        (cell("ref").empty() ? "" : " = " + cell("ref")) +
-                        (cell("rows").empty() ? "" : ", about " + cell("rows") + " rows") +
-                        (cell("Extra").empty() ? "" : " (" + cell("Extra") + ")");
+            const std::string table = cell("table");
+            PlanStep step;
+            step.depth = kind == "SIMPLE" || kind == "PRIMARY" ? 0 : 1;
+            // "<subquery2>" is no table, nor is its key an index.
+            if (!table.starts_with('<')) {
+                step.table = table;
+                step.index = key == "PRIMARY" ? "primary key" : key;
+                step.isWholeTable = cell("type") == "ALL" || cell("type") == "index";
+            }
+            step.text = kind;
+            const auto add = [&step](const char* before, const std::string& text) {
+                step.text += text.empty() ? "" : before + text;
+            };
+            add(" ", table);
+            add(": ", cell("type"));
+            add(" by ", key);
+            add(" = ", cell("ref"));
+            add(", rows about ", cell("rows"));
+            add(", ", cell("Extra"));
             steps.push_back(std::move(step));
         }
         return steps;
