@@ -16,6 +16,17 @@ struct KeywordParts
     std::string datatype;
 };
 
+bool agrees(
+    const KeywordParts& keyword,
+    const dbif::TableFacts& table,
+    const dbif::KeyDefinition& key)
+{
+    return dbapi_compare_keyword_key_table_attributes_are_potential_match_to_db_key(
+        keyword.names.keyname, keyword.names.tablename, keyword.datatype, keyword.category,
+        key.name, std::string(table.name), dbif::to_utf8(dbif::datatype_name(key.kind)),
+        key.category);
+}
+
 void count_definitions(DBIF_Connection& connection, const KeywordParts& keyword, RuledKey* found)
 {
     for (const dbif::RecordTable table : dbif::kRecordTables) {
@@ -25,16 +36,8 @@ void count_definitions(DBIF_Connection& connection, const KeywordParts& keyword,
         }
         for (const dbif::KeyDefinition& key :
              dbif::ColumnStore::of(connection).all(connection, table)) {
-            if (key.name != keyword.names.keyname) {
-                continue;
-            }
-            ++found->named;
-            const bool agrees =
-                dbapi_compare_keyword_key_table_attributes_are_potential_match_to_db_key(
-                    keyword.names.keyname, keyword.names.tablename, keyword.datatype,
-                    keyword.category, key.name, std::string(facts.name),
-                    dbif::to_utf8(dbif::datatype_name(key.kind)), key.category);
-            found->agreeing += agrees ? 1 : 0;
+            found->named += key.name == keyword.names.keyname ? 1 : 0;
+            found->agreeing += agrees(keyword, facts, key) ? 1 : 0;
         }
     }
 }

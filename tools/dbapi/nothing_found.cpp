@@ -117,20 +117,26 @@ private:
         leaveOut(node);
     }
 
+    /// The condition of an AND's operands but one.
+    static std::shared_ptr<const DBIF_QueryCondition>
+    others(const NodeExplanation& node, const NodeExplanation& left)
+    {
+        std::shared_ptr<const DBIF_QueryCondition> all;
+        for (const NodeExplanation& operand : node.operands) {
+            if (&operand != &left) {
+                all = all == nullptr ? operand.condition : both(all.get(), operand.condition.get());
+            }
+        }
+        return all;
+    }
+
     void leaveOut(const NodeExplanation& node)
     {
         if (node.operands.size() > kMostLeftOut) {
             return;
         }
         for (const NodeExplanation& left : node.operands) {
-            std::shared_ptr<const DBIF_QueryCondition> others;
-            for (const NodeExplanation& operand : node.operands) {
-                if (&operand != &left) {
-                    others = others == nullptr ? operand.condition
-                                               : both(others.get(), operand.condition.get());
-                }
-            }
-            const std::size_t count = counter_.count(others.get()).records;
+            const std::size_t count = counter_.count(others(node, left).get()).records;
             if (count > 0) {
                 found_.suggestions.push_back(
                     "Without " + shown(left) + ", " + records(count) +

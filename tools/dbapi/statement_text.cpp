@@ -35,7 +35,7 @@ std::string joined(const std::vector<std::string>& texts)
 std::string shortened_list(const std::string& sql, std::size_t* begin)
 {
     const std::size_t end = std::min(sql.find_first_not_of("0123456789, ", *begin), sql.size());
-    const std::string list = sql.substr(*begin, end - *begin);
+    std::string list = sql.substr(*begin, end - *begin);
     *begin = end;
     const auto commas = static_cast<std::size_t>(std::count(list.begin(), list.end(), ','));
     if (commas + 1 < kLongList) {
