@@ -1,6 +1,5 @@
+#include "tests/support/command_fixture.h"
 #include "tests/support/mariadb_server.h"
-#include "tests/support/run_command.h"
-#include "tests/support/temp_directory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,30 +13,6 @@ using namespace test_support; // NOLINT(google-build-using-namespace)
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
-
-/// A folder with the stored connection "lab" to an empty SQLite database.
-class Command : public testing::Test
-{
-protected:
-    Command() { EXPECT_EQ(dbapi({"connection", "add", "lab", "--sqlite", database}).code, 0); }
-
-    /// Writes a file of annotated CSV, and returns its path.
-    std::string sweep(const std::string& name, const std::string& text)
-    {
-        std::filesystem::create_directories(folder.file("sweeps"));
-        test_support::write_file(folder.file("sweeps/" + name), text);
-        return folder.file("sweeps/" + name);
-    }
-
-    std::string lines(Arguments arguments)
-    {
-        arguments.insert(arguments.end(), {"--format", "lines"});
-        return dbapi(arguments).data;
-    }
-
-    test_support::TempDirectory folder;
-    const std::string database = folder.file("lab.db");
-};
 
 TEST_F(Command, KeepsConnectionsFromAddToRemove)
 {
@@ -198,6 +173,8 @@ TEST_F(Command, PointsAtTheFault)
         {{"length", "-q", "length=1 ALLDATA:"}, "  length=1 ALLDATA:\n           ^^^^^^^\n"},
         {{"length", "-q", "NOT length=1"},
          "  NOT length=1\n    ^^^^^^^^\nDid you mean NOT KEY(length)?\n"},
+        {{"length", "-q", "NOT{length=1}"},
+         "  NOT{length=1}\n    ^^^^^^^^\nDid you mean NOT KEY(length)?\n"},
         {{"\x1b[31mred"}, "  \\x1b[31mred\n  ^^^^^^^^^^^\n"}};
     for (const Fault& fault : faults) {
         Arguments arguments{"values", "lab"};

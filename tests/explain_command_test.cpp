@@ -94,6 +94,18 @@ TEST_P(ExplainCommand, TellsWhatLeavesNothing)
          {{"W", "-q", "NOT KEY(W)>0"}, {"NOT \"KEY(W) > 0\" keeps nothing: wherever there is"}},
          {{"W", "-q", "W=5u;{nokey}"}, {"\"{nokey}\" is false: it names no key, or several."}},
          {{"$ROUTINENAME"}, {"The database has no routines at all."}}});
+    std::string many = "{W=1}";
+    for (int i = 2; i <= 120; ++i) {
+        many += " OR {W=" + std::to_string(i) + "}";
+        if (i == 20) {
+            expect(
+                {{{"W", "-q", many},
+                  {"\"W = 5\" keeps nothing, even by itself. So do 15 more terms. What"}}});
+        }
+    }
+    expect(
+        {{{"W", "-q", many},
+          {"too many parts to count each of them.", " OR 0 W = 1 device.W W = 2 device.W "}}});
     lab.supersedeFirstSetup();
     expect(
         {{{"OUTD.ID", "-q", "IND.VG=2"},

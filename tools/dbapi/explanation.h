@@ -63,6 +63,12 @@ struct NodeExplanation
     std::optional<KeptCount> alone;
     std::optional<KeptCount> soFar;
     std::vector<NodeExplanation> operands;
+
+    /// Whether its operands have been counted, too.
+    [[nodiscard]] bool isCountedInParts() const
+    {
+        return operands.empty() || operands.front().alone.has_value();
+    }
 };
 
 /// What a query leaves nothing of, and what to try.

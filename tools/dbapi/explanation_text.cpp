@@ -155,12 +155,10 @@ std::string tree_text(const Explanation& explanation, std::size_t width)
     const TreeTable lines(explanation);
     text += indented(table_text(lines.table(), false));
     text += wrapped_text(lines.legend(), 2, width);
-    const NodeExplanation& tree = *explanation.tree;
-    const bool isPartly = !tree.operands.empty() && !tree.operands.front().alone.has_value();
-    return isPartly
-               ? text +
-                     wrapped_text("The query has more parts than are counted one by one.", 2, width)
-               : text;
+    return explanation.tree->isCountedInParts()
+               ? text
+               : text + wrapped_text(
+                            "The query has more parts than are counted one by one.", 2, width);
 }
 
 std::string keys_text(const Explanation& explanation)

@@ -11,6 +11,8 @@ namespace dbapi::tool {
 namespace {
 using Kind = QueryNode::Kind;
 
+/// Terms that are named; a query may have any number that keep nothing.
+constexpr std::size_t kMostBlamed = 5;
 /// Terms of an AND that are left out one by one to see what the others keep.
 constexpr std::size_t kMostLeftOut = 20;
 
@@ -61,11 +63,21 @@ public:
         }
     }
 
-    NothingFound take() { return std::move(found_); }
+    NothingFound take()
+    {
+        if (blamed_ > kMostBlamed) {
+            found_.reasons.push_back(
+                "So do " + std::to_string(blamed_ - kMostBlamed) + " more terms.");
+        }
+        return std::move(found_);
+    }
 
 private:
     void blameTerm(const NodeExplanation& node)
     {
+        if (++blamed_ > kMostBlamed) {
+            return;
+        }
         found_.reasons.push_back(shown(node) + " keeps nothing, even by itself.");
         if (const KeyExplanation* key = explanation_.keyOf(node.keyword)) {
             const std::string text = stored_values_text(
@@ -153,6 +165,7 @@ private:
     const Explanation& explanation_;
     RecordCounter counter_;
     NothingFound found_;
+    std::size_t blamed_ = 0;
 };
 
 /// The records are there, but have no value.
@@ -188,6 +201,12 @@ NothingFound explain_nothing(const DBIF_Connection& connection, const Explanatio
             "dbapi keys " + explanation.connection + " " +
             std::string(dbif::facts(explanation.table).name) +
             " lists the keys that records have; -q QUERY those of the selected ones.");
+        return nothing;
+    }
+    if (!explanation.tree->isCountedInParts()) {
+        nothing.reasons.emplace_back(
+            "The query has too many parts to count each of them. Explain some of them by "
+            "themselves.");
         return nothing;
     }
     Blame blame(connection, explanation);
