@@ -5,6 +5,7 @@
 #include "dbif/column_store.h"
 #include "dbif/error_text.h"
 #include "dbif/newest_time.h"
+#include "dbif/read_trace.h"
 #include "dbui/connections_path.h"
 
 #include <QtGlobal>
@@ -67,6 +68,7 @@ enum class Freshness { Same, Newer, Unknown };
 
 Freshness compare_with_database(DbapiCache& cache)
 {
+    const dbif::TraceStep step(cache.connection->trace(), dbif::kFreshnessStep);
     try {
         const dbif::ChangeToken token = cache.connection->changeToken();
         if (token == cache.changeToken) {
@@ -110,6 +112,7 @@ bool is_database_modified_time_newer(DbapiCache& cache)
 void update_database_modified_time(DbapiCache& cache)
 {
     cache.clear_database_modified_time();
+    const dbif::TraceStep step(cache.connection->trace(), dbif::kFreshnessStep);
     try {
         // The token first: a change in between then makes the next check look again.
         const dbif::ChangeToken token = cache.connection->changeToken();

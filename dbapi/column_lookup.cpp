@@ -7,6 +7,7 @@
 #include "dbapi/keyword_split.h"
 #include "dbapi/table_dispatch.h"
 #include "dbif/error_text.h"
+#include "dbif/read_trace.h"
 
 #include <set>
 #include <tuple>
@@ -137,6 +138,7 @@ bool find_columns(
     const ColumnLists& lists,
     std::string* errors)
 {
+    const dbif::TraceStep step(connection.trace(), "resolve the keywords");
     std::map<std::string, std::set<std::string>> resolved;
     if (!dbapi::resolve_set_of_keywords_by_definition(
             connection, std::set<std::string>(keywords.begin(), keywords.end()), &resolved,

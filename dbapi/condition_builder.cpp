@@ -6,8 +6,26 @@
 #include "dbapi/query_parser.h"
 #include "dbif/constant_condition.h"
 #include "dbif/error_text.h"
+#include "dbif/read_trace.h"
 
 namespace {
+bool resolve_terms(
+    DBIF_Connection& connection,
+    const std::set<std::string>& terms,
+    bool latestOnly,
+    std::map<std::string, std::set<std::string>>* resolved,
+    KTString* errors)
+{
+    const dbif::TraceStep step(connection.trace(), "resolve the keywords");
+    std::string reason;
+    if (!dbapi::resolve_set_of_keywords_by_definition(
+            connection, terms, resolved, nullptr, latestOnly, &reason)) {
+        *errors = reason;
+        return false;
+    }
+    return true;
+}
+
 /// The condition of a query without command; null on failure, with the reason in `errors`.
 DBIF_QueryCondition* build_condition(
     DBIF_Connection& connection,
@@ -15,18 +33,17 @@ DBIF_QueryCondition* build_condition(
     bool latestOnly,
     KTString* errors)
 {
+    const dbif::TraceStep step(connection.trace(), "parse the query");
     std::set<std::string> terms;
     if (!dbapi_extract_query_terms_impl(connection, query, &terms, errors, false)) {
         return nullptr;
     }
     try {
         std::map<std::string, std::set<std::string>> resolved;
-        std::string reason;
-        if (!dbapi::resolve_set_of_keywords_by_definition(
-                connection, terms, &resolved, nullptr, latestOnly, &reason)) {
-            *errors = reason;
+        if (!resolve_terms(connection, terms, latestOnly, &resolved, errors)) {
             return nullptr;
         }
+        const dbif::TraceStep building(connection.trace(), "build the condition");
         return dbapi_parse_query(connection, query, resolved, latestOnly, errors, false);
     } catch (DBIF_Exception& exception) {
         *errors = convert_DBIF_Exception_to_string(&exception);

@@ -7,6 +7,7 @@
 #include "dbif/error_text.h"
 #include "dbif/host_string.h"
 #include "dbif/query_run.h"
+#include "dbif/read_trace.h"
 #include "dbif/vanto_query.h"
 
 #include <algorithm>
@@ -127,6 +128,7 @@ std::vector<std::vector<std::string>> read_rows(
     query.markLatestOnly(latestOnly);
     query.setCondition(condition);
     dbif::QueryResult result = dbif::run_query(query);
+    const dbif::TraceStep step(connection.trace(), "write the values as text");
     std::vector<std::vector<std::string>> texts;
     for (dbif::ResultColumn& column : result.columns) {
         texts.push_back(dbif::take_texts(&column));

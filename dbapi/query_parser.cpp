@@ -220,12 +220,7 @@ DBIF_QueryCondition* dbapi_parse_query(
 {
     KTString message;
     const auto tree = dbapi::parse_query_syntax(query.str(), allowBareTerm);
-    Condition condition;
-    try {
-        condition = ConditionWalk(connection, resolved, &message).build(*tree);
-    } catch (DBIF_Exception& exception) {
-        message = convert_DBIF_Exception_to_string(&exception);
-    }
+    Condition condition = dbapi::condition_of(connection, *tree, resolved, &message);
     if (errors != nullptr) {
         *errors = condition == nullptr ? message : KTString();
     } else if (condition == nullptr) {
@@ -233,3 +228,20 @@ DBIF_QueryCondition* dbapi_parse_query(
     }
     return condition.release();
 }
+
+namespace dbapi {
+std::unique_ptr<DBIF_QueryCondition> condition_of(
+    DBIF_Connection& connection,
+    const QueryNode& node,
+    const std::map<std::string, std::set<std::string>>& resolved,
+    KTString* errors)
+{
+    errors->clear();
+    try {
+        return ConditionWalk(connection, resolved, errors).build(node);
+    } catch (DBIF_Exception& exception) {
+        *errors = convert_DBIF_Exception_to_string(&exception);
+        return nullptr;
+    }
+}
+} // namespace dbapi

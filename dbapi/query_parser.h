@@ -8,6 +8,7 @@
 #include "dbif/host_string.h"
 
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 
@@ -43,3 +44,15 @@ DBIF_QueryCondition* dbapi_parse_query(
     bool latestOnly,
     KTString* errors,
     bool allowBareTerm);
+
+namespace dbapi {
+struct QueryNode;
+
+/// The condition of one node of a query's tree (see query_syntax.h), in the same way. Null on
+/// failure.
+std::unique_ptr<DBIF_QueryCondition> condition_of(
+    DBIF_Connection& connection,
+    const QueryNode& node,
+    const std::map<std::string, std::set<std::string>>& resolved,
+    KTString* errors);
+} // namespace dbapi

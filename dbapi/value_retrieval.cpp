@@ -8,6 +8,7 @@
 #include "dbapi/keyword_split.h"
 #include "dbapi/table_dispatch.h"
 #include "dbif/error_text.h"
+#include "dbif/read_trace.h"
 #include "dbif/vanto_query.h"
 
 #include <functional>
@@ -95,6 +96,7 @@ bool resolve(
     const Wanted& wanted,
     std::string* errors)
 {
+    const dbif::TraceStep step(connection.trace(), "resolve the keywords");
     const bool isCached = dbapi_cache_is_valid() && *dbapi_get_cached_connection() == connection;
     if (isCached) {
         const auto known = dbapi::cache()->resolvedKeywords.find(keyword);

@@ -15,8 +15,8 @@ namespace dbif {
 class BulkCursor
 {
 public:
-    BulkCursor(DBIF_Connection& connection, const SqlText& sql)
-        : statement_(connection.session().prepare(sql))
+    BulkCursor(const DBIF_Connection& connection, const SqlText& sql)
+        : statement_(connection.prepare(sql))
     {}
 
     bool next() { return statement_->step(); }

@@ -1,6 +1,7 @@
 #include "dbif/column_store.h"
 
 #include "dbif/host_string.h"
+#include "dbif/read_trace.h"
 #include "dbif/sql_text.h"
 
 #include <memory>
@@ -37,6 +38,7 @@ ColumnStore& ColumnStore::of(DBIF_Connection& connection)
 void ColumnStore::load(DBIF_Connection& connection, RecordTable table, Definitions* definitions)
 {
     const TableFacts& f = facts(table);
+    const TraceStep step(connection.trace(), kDefinitionsStep);
     definitions->list.clear();
     definitions->byKey.clear();
     definitions->readAt = connection.changeToken();
@@ -46,7 +48,7 @@ void ColumnStore::load(DBIF_Connection& connection, RecordTable table, Definitio
                 ? SqlText("CASE WHEN is_input = 1 THEN 'IN' ELSE 'OUT' END")
                 : SqlText("category"))
         << ", column_key FROM " << SqlName(f.columnTable()) << " ORDER BY id";
-    const auto rows = connection.session().prepare(sql);
+    const auto rows = connection.prepare(sql);
     while (rows->step()) {
         KeyDefinition definition;
         definition.id = static_cast<int>(rows->integer(0));

@@ -2,8 +2,10 @@
 
 #include "dbif/host_string.h"
 #include "dbif/qt_application.h"
+#include "dbif/read_trace.h"
 #include "dbif/schema.h"
 
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QSqlDriver>
 #include <QTimeZone>
@@ -110,6 +112,7 @@ public:
     std::string fileIdentity_;
     std::unique_ptr<dbif::SqlSession> session_;
     std::unique_ptr<dbif::ConnectionAttachment> attachment_;
+    dbif::ReadTrace* trace_ = nullptr;
     bool isInTransaction_ = false;
 
 private:
@@ -130,6 +133,40 @@ private:
         return false;
     }
 };
+
+namespace {
+/// Notes a SELECT that Qt runs, for a trace if there is one.
+class QueryNote
+{
+    Q_DISABLE_COPY_MOVE(QueryNote)
+
+public:
+    QueryNote(
+        dbif::ReadTrace* trace,
+        const dbif::SqlDialect& dialect,
+        const QSqlDatabase& database,
+        const QString& sql)
+        : trace_(sql.startsWith(QStringLiteral("SELECT")) ? trace : nullptr)
+    {
+        if (trace_ != nullptr) {
+            place_ = trace_->begin(dialect, database, dbif::to_utf8(sql));
+            timer_.start();
+        }
+    }
+
+    ~QueryNote()
+    {
+        if (trace_ != nullptr) {
+            trace_->end(place_, 0, static_cast<double>(timer_.nsecsElapsed()) * 1e-9);
+        }
+    }
+
+private:
+    dbif::ReadTrace* trace_;
+    std::size_t place_ = 0;
+    QElapsedTimer timer_;
+};
+} // namespace
 
 DBIF_Connection::DBIF_Connection(
     const char* driver,
@@ -159,6 +196,7 @@ QSqlQuery DBIF_Connection::query(const QString& sql, int /*option*/, const char*
     if (!isValid()) {
         throw DBIF_Exception(sql, managed_->lastError_, QString::fromUtf8(file), line);
     }
+    const QueryNote note(managed_->trace_, *managed_->dialect_, managed_->database_, sql);
     for (bool isRetry = false;; isRetry = true) {
         QSqlQuery query(managed_->database_);
         query.setForwardOnly(false);
@@ -256,6 +294,23 @@ dbif::SqlSession& DBIF_Connection::session() const
         throw DBIF_Exception(QString(), managed_->lastError_, QStringLiteral(__FILE__), __LINE__);
     }
     return *managed_->session_;
+}
+
+std::unique_ptr<dbif::NativeStatement> DBIF_Connection::prepare(const dbif::SqlText& sql) const
+{
+    dbif::ReadTrace* trace = managed_->trace_;
+    return trace == nullptr ? session().prepare(sql)
+                            : trace->prepare(session(), dialect(), managed_->database_, sql);
+}
+
+void DBIF_Connection::setTrace(dbif::ReadTrace* trace)
+{
+    managed_->trace_ = trace;
+}
+
+dbif::ReadTrace* DBIF_Connection::trace() const
+{
+    return managed_->trace_;
 }
 
 dbif::ChangeToken DBIF_Connection::changeToken() const

@@ -14,6 +14,8 @@
 #include <string>
 
 namespace dbif {
+class ReadTrace;
+
 /// What opening a connection does when its SQLite file does not exist.
 enum class MissingFile { Create, Fail };
 
@@ -76,6 +78,12 @@ public:
     [[nodiscard]] const dbif::SqlDialect& dialect() const;
     [[nodiscard]] QSqlDatabase database() const;
     [[nodiscard]] dbif::SqlSession& session() const;
+    /// A statement of the database's own client.
+    [[nodiscard]] std::unique_ptr<dbif::NativeStatement> prepare(const dbif::SqlText& sql) const;
+    /// Attaches what notes the statements that are read through the connection from now on; null
+    /// ends it. Not owned.
+    void setTrace(dbif::ReadTrace* trace);
+    [[nodiscard]] dbif::ReadTrace* trace() const;
     /// Ends a writing transaction: `commitTransaction` throws when it cannot be made durable.
     void beginWriteTransaction();
     void commitTransaction();

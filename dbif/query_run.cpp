@@ -3,6 +3,7 @@
 #include "dbif/bulk_cursor.h"
 #include "dbif/condition_sql.h"
 #include "dbif/id_list.h"
+#include "dbif/read_trace.h"
 #include "dbif/record_query.h"
 #include "dbif/record_reader.h"
 #include "dbif/result_source.h"
@@ -198,6 +199,7 @@ QueryResult run_query(const DBIF_Query& query)
         transaction.arm();
     }
 
+    const TraceStep step(connection.trace(), "read the records");
     const Plan plan = plan_columns(connection, data);
     ConditionTree condition = tree_of(data.condition.get());
     const bool hasPointColumns =
@@ -206,6 +208,7 @@ QueryResult run_query(const DBIF_Query& query)
         });
     std::unique_ptr<IdList> picked;
     if (has_points(condition) && !hasPointColumns) {
+        const TraceStep picking(connection.trace(), "pick the records by their points");
         const RecordTable base = meeting_table(tables_of(plan.sources));
         picked = std::make_unique<IdList>(
             connection, base, exact_ids(connection, base, condition, data.latestOnly));
@@ -213,6 +216,7 @@ QueryResult run_query(const DBIF_Query& query)
     }
     QueryResult result =
         read_rows(connection, plan.sources, condition, data.latestOnly, data.distinct);
+    const TraceStep sorting(connection.trace(), "sort the rows");
     sort_rows(plan.order, &result);
     result.columns.resize(plan.shown);
     if (data.distinct) {

@@ -3,6 +3,7 @@
 #include "dbif/bulk_cursor.h"
 #include "dbif/complex_values.h"
 #include "dbif/id_list.h"
+#include "dbif/read_trace.h"
 
 #include <algorithm>
 #include <cmath>
@@ -225,6 +226,7 @@ ResultColumn read_key_beside(
     const std::vector<double>& ids,
     RowMask* hasValue)
 {
+    const TraceStep step(connection.trace(), "read the keys of the records");
     const TableFacts& f = facts(table);
     ResultColumn column = empty_column(key_column_kind(definition), ids.size());
     const RowsById rows(ids);

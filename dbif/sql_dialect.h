@@ -69,6 +69,21 @@ struct SqlTypes
     SqlText blob;
 };
 
+/// One step of the plan by which an engine runs a statement.
+struct PlanStep
+{
+    /// How many steps it stands within.
+    int depth = 0;
+    /// In the words of the engine.
+    std::string text;
+    /// The table that it reads, by its name in the statement, and the index that serves it; empty
+    /// where there is none.
+    std::string table;
+    std::string index;
+    /// Whether it passes over all rows of a table or an index.
+    bool isWholeTable = false;
+};
+
 /// A closed range of numbers.
 struct NumberRange
 {
@@ -132,8 +147,9 @@ public:
     [[nodiscard]] virtual SqlText createIdTable(const SqlName& name) const = 0;
     /// Drops it without ending a transaction.
     [[nodiscard]] virtual SqlText dropIdTable(const SqlName& name) const = 0;
-    /// What stands before a statement to see its plan.
-    [[nodiscard]] virtual SqlText explain() const = 0;
+    /// The plan of a SELECT statement, which is not run; empty when the engine tells none.
+    [[nodiscard]] virtual std::vector<PlanStep>
+    plan(const QSqlDatabase& database, const std::string& sql) const = 0;
 
 protected:
     SqlDialect() = default;

@@ -145,7 +145,41 @@ public:
         return text << "DROP TEMPORARY TABLE IF EXISTS " << table;
     }
 
-    [[nodiscard]] SqlText explain() const override { return "EXPLAIN "; }
+    [[nodiscard]] std::vector<PlanStep>
+    plan(const QSqlDatabase& database, const std::string& sql) const override
+    {
+        std::vector<PlanStep> steps;
+        QSqlQuery query(database);
+        query.exec(QStringLiteral("EXPLAIN ") + to_qt(sql));
+        const auto cell = [&query](const char* name) {
+            return to_utf8(query.value(QLatin1String(name)).toString());
+        };
+        while (query.next()) {
+            const std::string kind = cell("select_type");
+            const std::string key = cell("key");
+            const std::string table = cell("table");
+            PlanStep step;
+            step.depth = kind == "SIMPLE" || kind == "PRIMARY" ? 0 : 1;
+            // "<subquery2>" is no table, nor is its key an index.
+            if (!table.starts_with('<')) {
+                step.table = table;
+                step.index = key == "PRIMARY" ? "primary key" : key;
+                step.isWholeTable = cell("type") == "ALL" || cell("type") == "index";
+            }
+            step.text = kind;
+            const auto add = [&step](const char* before, const std::string& text) {
+                step.text += text.empty() ? "" : before + text;
+            };
+            add(" ", table);
+            add(": ", cell("type"));
+            add(" by ", key);
+            add(" = ", cell("ref"));
+            add(", rows about ", cell("rows"));
+            add(", ", cell("Extra"));
+            steps.push_back(std::move(step));
+        }
+        return steps;
+    }
 
 private:
     /// The server's collation by code point, without padding where it has one, so that texts

@@ -5,8 +5,10 @@
 #include <QFileInfo>
 #include <QSqlQuery>
 #include <QStorageInfo>
+#include <QVariant>
 
 #include <array>
+#include <map>
 #include <sys/stat.h>
 #include <sys/vfs.h>
 
@@ -157,7 +159,48 @@ public:
         return text << "DROP TABLE IF EXISTS temp." << table;
     }
 
-    [[nodiscard]] SqlText explain() const override { return "EXPLAIN QUERY PLAN "; }
+    [[nodiscard]] std::vector<PlanStep>
+    plan(const QSqlDatabase& database, const std::string& sql) const override
+    {
+        std::vector<PlanStep> steps;
+        std::map<int, int> depths{{0, -1}};
+        QSqlQuery query(database);
+        query.exec(QStringLiteral("EXPLAIN QUERY PLAN ") + to_qt(sql));
+        while (query.next()) {
+            PlanStep step;
+            step.depth = depths[query.value(1).toInt()] + 1;
+            depths[query.value(0).toInt()] = step.depth;
+            step.text = to_utf8(query.value(3).toString());
+            readWords(&step);
+            steps.push_back(std::move(step));
+        }
+        return steps;
+    }
+
+private:
+    /// Finds table and index in "SEARCH t USING COVERING INDEX i (...)", "SEARCH t USING INTEGER
+    /// PRIMARY KEY (...)" and "SCAN t".
+    static void readWords(PlanStep* step)
+    {
+        const std::string& text = step->text;
+        const bool isSearch = text.starts_with("SEARCH ");
+        if (!isSearch && !text.starts_with("SCAN ")) {
+            return;
+        }
+        const auto word = [&text](std::size_t begin) {
+            return text.substr(begin, text.find(' ', begin) - begin);
+        };
+        step->table = word(isSearch ? 7 : 5);
+        const bool isTable = step->table.front() >= 'a' && step->table.front() <= 'z';
+        step->isWholeTable = !isSearch && isTable;
+        constexpr std::string_view kIndex = " INDEX ";
+        const std::size_t index = text.find(kIndex);
+        if (index != std::string::npos) {
+            step->index = word(index + kIndex.size());
+        } else if (text.find(" PRIMARY KEY") != std::string::npos) {
+            step->index = "primary key";
+        }
+    }
 };
 } // namespace
 

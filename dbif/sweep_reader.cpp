@@ -2,6 +2,7 @@
 
 #include "dbif/bulk_cursor.h"
 #include "dbif/exception.h"
+#include "dbif/read_trace.h"
 
 #include <span>
 
@@ -21,15 +22,16 @@ SqlText chunk_statement(const KeyDefinition& column, std::span<const SweepPlace>
 {
     SqlText sql;
     sql << "SELECT a.setup_id, a.points, d.payload FROM setup_association a LEFT JOIN "
-           "setup_data d ON d.setup_column_id = a.setup_column_id AND d.setup_id = a.setup_id"
-           " WHERE a.setup_column_id = "
-        << column.id << " AND a.setup_id ";
+           "setup_data d ON d.setup_column_id = "
+        << column.id << " AND d.setup_id = a.setup_id WHERE a.setup_column_id";
     const int first = block.front().setup;
     const int last = block.back().setup;
     if (static_cast<std::size_t>(last - first) < 2 * block.size()) {
-        sql << "BETWEEN " << first << " AND " << last;
+        // The sum keeps the planner on the range of setups: without statistics SQLite would rather
+        // pass over all setups that have the key.
+        sql << " + 0 = " << column.id << " AND a.setup_id BETWEEN " << first << " AND " << last;
     } else {
-        sql << "IN (";
+        sql << " = " << column.id << " AND a.setup_id IN (";
         for (std::size_t i = 0; i < block.size(); ++i) {
             sql << (i == 0 ? SqlText() : SqlText(", ")) << block[i].setup;
         }
@@ -79,6 +81,7 @@ void read_column(
     std::span<const SweepPlace> block,
     std::span<SweepArrays> arrays)
 {
+    const TraceStep step(connection.trace(), "read the points");
     BulkCursor cursor(connection, chunk_statement(column, block));
     ReadColumn read;
     while (cursor.next()) {

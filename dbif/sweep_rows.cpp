@@ -2,6 +2,7 @@
 
 #include "dbif/condition_sql.h"
 #include "dbif/point_filter.h"
+#include "dbif/read_trace.h"
 #include "dbif/record_query.h"
 #include "dbif/record_reader.h"
 #include "dbif/sweep_reader.h"
@@ -41,6 +42,8 @@ bool has_key(const std::vector<KeyDefinition>& columns, const std::string& key)
 /// read.
 class SelectedSetups
 {
+    Q_DISABLE_COPY_MOVE(SelectedSetups)
+
 public:
     /// `sources` are record columns to read beside each setup.
     SelectedSetups(
@@ -48,8 +51,9 @@ public:
         const std::vector<ResultSource>& sources,
         const ConditionTree& condition,
         bool latestOnly)
-        : pointPart_(point_part(condition))
+        : pointPart_(point_part(condition)), trace_(connection.trace())
     {
+        const TraceStep step(trace_, "select the setups");
         TableSet tables = tables_of(sources);
         tables.add(RecordTable::Setup);
         const RecordCells cells(sources);
@@ -83,6 +87,14 @@ public:
         }
     }
 
+    ~SelectedSetups()
+    {
+        if (trace_ != nullptr && isDecidedOnPoints()) {
+            decided_.setups = places_.size();
+            trace_->decided(decided_);
+        }
+    }
+
     [[nodiscard]] const std::vector<SweepPlace>& places() const { return places_; }
 
     /// The column of a source, a value per setup.
@@ -110,12 +122,20 @@ public:
         });
     }
 
-    [[nodiscard]] PointMask satisfying(std::size_t place, const SweepArrays& arrays) const
+    [[nodiscard]] PointMask satisfying(std::size_t place, const SweepArrays& arrays)
     {
-        return satisfying_points(
+        const TraceStep step(trace_, "decide the points in memory");
+        PointMask mask = satisfying_points(
             pointPart_, places_[place].points, arrays, [&](const ColumnComparison& comparison) {
                 return cells_.columns[firstFlag_ + flags_.at(&comparison)].numbers[place] != 0;
             });
+        if (trace_ != nullptr) {
+            const auto kept = static_cast<std::size_t>(std::count(mask.begin(), mask.end(), 1));
+            decided_.points += mask.size();
+            decided_.keptPoints += kept;
+            decided_.keptSetups += kept > 0 ? 1 : 0;
+        }
+        return mask;
     }
 
 private:
@@ -125,6 +145,8 @@ private:
     QueryResult cells_;
     RowMask hasRecordValue_;
     std::vector<SweepPlace> places_;
+    ReadTrace* trace_;
+    TracedPoints decided_;
 };
 
 /// Collects the rows of points.

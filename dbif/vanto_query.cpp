@@ -3,6 +3,7 @@
 #include "dbif/complex_values.h"
 #include "dbif/host_string.h"
 #include "dbif/query_run.h"
+#include "dbif/read_trace.h"
 #include "dbif/record_query.h"
 #include "dbif/result_source.h"
 
@@ -128,6 +129,7 @@ namespace dbif {
 std::vector<std::string> query_texts(const DBIF_Query& query)
 {
     QueryResult result = run_query(query);
+    const TraceStep step(query.data().connection.trace(), "write the values as text");
     return result.columns.empty() ? std::vector<std::string>()
                                   : take_texts(&result.columns.front());
 }

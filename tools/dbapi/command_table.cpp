@@ -25,6 +25,9 @@ std::span<const Command> commands()
             "values", "Show what is stored under keywords",
             "dbapi values lab '$DEVNAME' W -q 'W=[1u,5u];$TEMP=25' --distinct", declare_values},
         Command{
+            "explain", "Show how a read is understood and run, and what leaves nothing",
+            "dbapi explain lab IND.VG OUTD.ID -q 'W=5u;IND.VG=[0.6,0.7]'", declare_explain},
+        Command{
             "keys", "List the keys that the records of a table have",
             "dbapi keys lab device -q '$LOT=S130'", declare_keys},
         Command{

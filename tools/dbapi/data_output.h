@@ -56,4 +56,7 @@ struct DataTable
 ///          shortened to its height unless `all` is set
 /// CSV, JSON and lines are always complete. Throws `CommandFailure` when it cannot be written.
 void write_data(const DataTable& table, const OutputOptions& options);
+
+/// Writes a text to standard output as it is. Throws `CommandFailure` when it cannot be written.
+void write_text(const std::string& text);
 } // namespace dbapi::tool

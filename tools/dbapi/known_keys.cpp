@@ -20,13 +20,7 @@ constexpr std::size_t kMostSuggested = 3;
 const dbif::FixedColumnFacts* fixed_column(const ResolvedKey& key)
 {
     const dbif::TableFacts* table = dbif::find_table(key.tablename);
-    if (table == nullptr) {
-        return nullptr;
-    }
-    const auto found = std::find_if(
-        table->fixedColumns.begin(), table->fixedColumns.end(),
-        [&key](const dbif::FixedColumnFacts& column) { return column.name == key.keyname; });
-    return found == table->fixedColumns.end() ? nullptr : &*found;
+    return table == nullptr ? nullptr : dbif::find_fixed_column(*table, key.keyname);
 }
 } // namespace
 

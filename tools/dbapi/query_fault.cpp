@@ -128,8 +128,11 @@ private:
     {
         const std::size_t position = offset + term.keywordPosition;
         const bool isNegated = position >= 2 && query_.compare(position - 2, 3, "NOT") == 0;
-        if (isNegated && term.keyword.starts_with("T ")) {
-            return {"NOT KEY(" + dbif::trimmed(term.keyword.substr(2)) + ")"};
+        if (isNegated && (term.keyword.starts_with("T ") || term.keyword.starts_with("T{"))) {
+            // "NOT {W=5u}": braces do not help.
+            std::string name = term.keyword.substr(1);
+            std::erase(name, '{');
+            return {"NOT KEY(" + dbif::trimmed(name) + ")"};
         }
         return keys_.near(term.keyword);
     }

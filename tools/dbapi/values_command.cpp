@@ -1,4 +1,3 @@
-#include "dbapi/dbapi.h"
 #include "dbapi/text_rules.h"
 
 #include "tools/dbapi/call_failure.h"
@@ -6,6 +5,7 @@
 #include "tools/dbapi/data_output.h"
 #include "tools/dbapi/stored_names.h"
 #include "tools/dbapi/terminal.h"
+#include "tools/dbapi/value_reading.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -20,25 +20,6 @@ struct ValuesOptions
     OutputOptions output;
 };
 
-bool get_values(
-    const ValuesOptions& options,
-    std::vector<std::vector<std::string>>* values,
-    std::string* errors)
-{
-    const DataRequest& request = options.request;
-    if (request.keywords.size() > 1) {
-        const auto call =
-            options.isDistinct ? db_get_distinct_values_for_keywords : db_get_values_for_keywords;
-        return call(request.connection, request.keywords, values, request.query, errors);
-    }
-    // The call for a single keyword leaves out the records that have no value.
-    const auto call = options.isDistinct ? db_get_distinct_values_for_keyword_as_text
-                                         : db_get_values_for_keyword_as_text;
-    values->resize(1);
-    return call(
-        request.connection, request.keywords.front(), &values->front(), request.query, errors);
-}
-
 void tell_nothing_found(const DataRequest& request)
 {
     std::string text = "nothing found: no record has a value of";
@@ -47,7 +28,8 @@ void tell_nothing_found(const DataRequest& request)
     }
     if (!request.query.empty()) {
         text += " and fits the query " + dbapi::quoted(request.query) +
-                ". Loosen the query, or put \"ALLDATA:\" in front to count superseded records too.";
+                ". Loosen the query, or put \"ALLDATA:\" in front to count superseded records too; "
+                "dbapi explain with the same arguments tells which term leaves nothing.";
     } else {
         text += ".";
     }
@@ -60,7 +42,7 @@ ExitCode show_values(const ValuesOptions& options)
     stored_connection(request.connection);
     std::vector<std::vector<std::string>> values;
     std::string errors;
-    if (!get_values(options, &values, &errors)) {
+    if (!read_values(request, options.isDistinct, &values, &errors)) {
         throw_call_failure(request, errors);
     }
     DataTable table;

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace test_support {
+using Arguments = std::vector<std::string>;
+
+/// How the program ended, and what it wrote.
+struct Outcome
+{
+    int code = -1;
+    std::string data;
+    std::string talk;
+};
+
+/// Runs the command `dbapi`.
+Outcome dbapi(const Arguments& arguments, const std::string& input = {});
+
+/// The same with a terminal of 20 rows and 80 columns for all three streams, on which `input` is
+/// typed. Data and talk come together.
+Outcome dbapi_on_terminal(Arguments arguments, const std::string& input = {});
+} // namespace test_support
