@@ -92,6 +92,9 @@ CommandRunner declare_values(CLI::App& arguments)
         ->type_name("QUERY");
     arguments.add_flag("--distinct", options->isDistinct, "leave out repeated values or rows");
     add_output_options(arguments, &options->output);
+    arguments.footer(
+        arguments.get_footer() + "\nWhich keys there are, and their smallest and largest values:\n"
+                                 "         dbapi keys lab device");
     return [options] {
         return show_values(*options);
     };
