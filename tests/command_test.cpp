@@ -1,9 +1,5 @@
-#include "dbif/host_string.h"
-
+#include "tests/support/command_fixture.h"
 #include "tests/support/mariadb_server.h"
-#include "tests/support/temp_directory.h"
-
-#include <QProcess>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,36 +15,10 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
+using namespace test_support;
 
-using Arguments = std::vector<std::string>;
-
-/// How the program ended, and what it wrote.
-struct Outcome
-{
-    int code = -1;
-    std::string data;
-    std::string talk;
-};
-
-Outcome dbapi(const Arguments& arguments, const std::string& input = {})
-{
-    QStringList list;
-    for (const std::string& argument : arguments) {
-        list << dbif::to_qt(argument);
-    }
-    QProcess process;
-    process.start(QStringLiteral(DBAPI_COMMAND), list);
-    process.write(QByteArray::fromStdString(input));
-    process.closeWriteChannel();
-    EXPECT_TRUE(process.waitForFinished(120'000));
-    return {
-        process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-        process.readAllStandardOutput().toStdString(),
-        process.readAllStandardError().toStdString()};
-}
-
-/// The same with a terminal of 20 rows for all three streams, on which `input` is typed. Data and
-/// talk come together.
+/// As `dbapi`, with a terminal of 20 rows for all three streams, on which `input` is typed. Data
+/// and talk come together.
 Outcome dbapi_on_terminal(Arguments arguments, const std::string& input = {})
 {
     std::vector<char*> pointers;
@@ -81,30 +51,6 @@ Outcome dbapi_on_terminal(Arguments arguments, const std::string& input = {})
     outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return outcome;
 }
-
-/// A folder with the stored connection "lab" to an empty SQLite database.
-class Command : public testing::Test
-{
-protected:
-    Command() { EXPECT_EQ(dbapi({"connection", "add", "lab", "--sqlite", database}).code, 0); }
-
-    /// Writes a file of annotated CSV, and returns its path.
-    std::string sweep(const std::string& name, const std::string& text)
-    {
-        std::filesystem::create_directories(folder.file("sweeps"));
-        test_support::write_file(folder.file("sweeps/" + name), text);
-        return folder.file("sweeps/" + name);
-    }
-
-    std::string lines(Arguments arguments)
-    {
-        arguments.insert(arguments.end(), {"--format", "lines"});
-        return dbapi(arguments).data;
-    }
-
-    test_support::TempDirectory folder;
-    const std::string database = folder.file("lab.db");
-};
 
 TEST_F(Command, KeepsConnectionsFromAddToRemove)
 {
