@@ -121,8 +121,8 @@ void find_sweep(const CurveRows& rows, Stretch* stretch)
         }
     }
     stretch->isSweepOfX = mostChanges == 0 || 2 * xChanges > mostChanges;
-    for (std::size_t i = 0; i < allChanges.size(); ++i) {
-        const bool changesWithX = stretch->isSweepOfX && 2 * allChanges[i] > xChanges;
+    for (const std::size_t itsChanges : allChanges) {
+        const bool changesWithX = stretch->isSweepOfX && 2 * itsChanges > xChanges;
         stretch->isParameter.push_back(!changesWithX);
     }
 }

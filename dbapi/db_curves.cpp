@@ -203,6 +203,15 @@ void add_identities(DBIF_Connection& connection, CurveSet* set)
     }
 }
 
+CurveSet read_curves(const Asked& asked)
+{
+    CurveSet curves = group_into_curves(read_rows(asked));
+    if (curves.isSwept && !curves.curves.empty()) {
+        add_identities(asked.query.connection, &curves);
+    }
+    return curves;
+}
+
 /// The road that both reads share; `read` says what is wrong with the keywords, or nothing.
 template <typename Read>
 bool run_read(
@@ -218,17 +227,17 @@ bool run_read(
         return false;
     }
     std::string reason;
+    const auto readInTransaction = [&](const KeywordQuery& found) {
+        DConHelper transaction(found.connection);
+        if (!found.connection.isInTransaction()) {
+            found.connection.beginTransaction();
+            transaction.arm();
+        }
+        reason = read(find_sources(found, keywords));
+    };
     bool isFound = false;
     try {
-        isFound = with_keyword_query(
-            connectionName, keywords, query, &reason, [&](const KeywordQuery& found) {
-                DConHelper transaction(found.connection);
-                if (!found.connection.isInTransaction()) {
-                    found.connection.beginTransaction();
-                    transaction.arm();
-                }
-                reason = read(find_sources(found, keywords));
-            });
+        isFound = with_keyword_query(connectionName, keywords, query, &reason, readInTransaction);
     } catch (const DBIF_Exception& exception) {
         isFound = false;
         dbapi_build_error_string_from_dbif_exception(exception, &reason);
@@ -257,12 +266,7 @@ bool db_get_curves(
     const auto read = [&found](const Asked& asked) {
         std::string error = axis_error(asked, 0, false);
         error = error.empty() ? axis_error(asked, asked.keywords.size() - 1, true) : error;
-        if (error.empty()) {
-            found = group_into_curves(read_rows(asked));
-            if (found.isSwept && !found.curves.empty()) {
-                add_identities(asked.query.connection, &found);
-            }
-        }
+        found = error.empty() ? read_curves(asked) : CurveSet();
         return error;
     };
     if (!run_read(connectionName, keywords, query, errors, read)) {

@@ -109,8 +109,11 @@ AxisTicks linear_ticks(double low, double high, double smallestStep)
     AxisTicks axis{std::min(low, first * step), std::max(high, last * step), {}};
     const double largest = std::max(std::abs(axis.low), std::abs(axis.high));
     const Prefix* prefix = find_prefix(largest);
-    for (double i = first; i <= last; ++i) {
-        axis.ticks.push_back({i * step, i == 0 ? "0" : text_of(i * step, prefix, kTickDigits)});
+    const auto count = static_cast<std::size_t>(std::lround(last - first)) + 1;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double steps = first + static_cast<double>(i);
+        axis.ticks.push_back(
+            {steps * step, steps == 0 ? "0" : text_of(steps * step, prefix, kTickDigits)});
     }
     return axis;
 }

@@ -157,8 +157,8 @@ Picture curve_picture(CurveSet curves, const std::vector<std::string>& keywords,
     });
     Picture picture;
     picture.style = curves.isSwept ? Picture::Style::Lines : Picture::Style::Points;
-    picture.x = {axis_title(keywords.front(), curves.x), false, std::move(curves.x.labels)};
-    picture.y = {axis_title(keywords.back(), curves.y), false, {}};
+    picture.x = {axis_title(keywords.front(), curves.x), false, std::move(curves.x.labels), false};
+    picture.y = {axis_title(keywords.back(), curves.y), false, {}, false};
     std::vector<std::string> labels;
     std::size_t longest = 0;
     for (const std::size_t curve : order) {

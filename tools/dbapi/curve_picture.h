@@ -15,6 +15,11 @@ Picture curve_picture(CurveSet curves, const std::vector<std::string>& keywords,
 
 /// The picture of how the values of a keyword are distributed: a bar for each text (the most
 /// frequent first) or for each of few numbers, otherwise for each of even steps, which are even in
-/// the logarithm for `isLogarithmic`. With that, signs are dropped and zeros left out.
-Picture distribution_picture(ValueSample sample, const std::string& keyword, bool isLogarithmic);
+/// the logarithm for `isLogarithmic`. With that, signs are dropped and zeros are left out and
+/// counted.
+Picture distribution_picture(
+    const ValueSample& sample,
+    const std::string& keyword,
+    bool isLogarithmic,
+    std::size_t* zeros);
 } // namespace dbapi::tool

@@ -18,7 +18,7 @@ constexpr double kOnlyStep = 0.1;
 struct Bar
 {
     std::string label;
-    std::size_t count;
+    std::size_t count = 0;
 };
 
 Picture::Series series_of_bars(const std::vector<Bar>& bars)
@@ -103,44 +103,57 @@ void add_steps(const std::vector<double>& sorted, bool isLogarithmic, Picture* p
     picture->halfWidth = isLogarithmic ? std::pow(10.0, width / 2) : width / 2;
     picture->series.push_back(std::move(series));
 }
-} // namespace
 
-Picture distribution_picture(ValueSample sample, const std::string& keyword, bool isLogarithmic)
+/// The numbers that there are, or their logarithms, sorted; zeros, which have none, are counted.
+std::vector<double>
+sorted_numbers(const ValueSample& sample, bool isLogarithmic, std::size_t* zeros)
 {
-    const bool isText = !sample.axis.labels.empty();
-    Picture picture;
-    picture.style = Picture::Style::Bars;
-    picture.x.title = sample.axis.isMagnitude ? "|" + keyword + "|" : keyword;
-    picture.y.title = sample.isOfPoints ? "points" : "records";
-    picture.y.isCount = true;
-    std::vector<Bar> bars;
-    if (isText) {
-        bars = text_bars(sample);
-    } else {
-        const bool hasNegative = std::any_of(
-            sample.values.begin(), sample.values.end(), [](double value) { return value < 0; });
-        std::vector<double> numbers;
-        for (const double value : sample.values) {
-            if (!std::isnan(value) && (!isLogarithmic || value != 0)) {
-                numbers.push_back(isLogarithmic ? std::log10(std::abs(value)) : value);
-            }
-        }
-        std::sort(numbers.begin(), numbers.end());
-        if (isLogarithmic && hasNegative) {
-            picture.x.title = "|" + picture.x.title + "|";
-        }
-        picture.x.isLogarithmic = isLogarithmic;
-        bars = isLogarithmic ? bars : number_bars(numbers);
-        if (bars.empty() && !numbers.empty()) {
-            add_steps(numbers, isLogarithmic, &picture);
+    std::vector<double> numbers;
+    for (const double value : sample.values) {
+        if (isLogarithmic && value == 0) {
+            ++*zeros;
+        } else if (!std::isnan(value)) {
+            numbers.push_back(isLogarithmic ? std::log10(std::abs(value)) : value);
         }
     }
+    std::sort(numbers.begin(), numbers.end());
+    return numbers;
+}
+
+void add_bars(std::vector<Bar> bars, Picture* picture)
+{
+    picture->halfWidth = 0.4;
+    picture->series.push_back(series_of_bars(bars));
+    for (Bar& bar : bars) {
+        picture->x.labels.push_back(std::move(bar.label));
+    }
+}
+} // namespace
+
+Picture distribution_picture(
+    const ValueSample& sample,
+    const std::string& keyword,
+    bool isLogarithmic,
+    std::size_t* zeros)
+{
+    Picture picture;
+    picture.style = Picture::Style::Bars;
+    picture.y = {sample.isOfPoints ? "points" : "records", false, {}, true};
+    const bool hasLostSigns =
+        isLogarithmic && std::any_of(sample.values.begin(), sample.values.end(), [](double value) {
+            return value < 0;
+        });
+    picture.x.title = sample.axis.isMagnitude || hasLostSigns ? "|" + keyword + "|" : keyword;
+    if (!sample.axis.labels.empty()) {
+        add_bars(text_bars(sample), &picture);
+        return picture;
+    }
+    const std::vector<double> numbers = sorted_numbers(sample, isLogarithmic, zeros);
+    std::vector<Bar> bars = isLogarithmic ? std::vector<Bar>() : number_bars(numbers);
     if (!bars.empty()) {
-        picture.halfWidth = 0.4;
-        picture.series.push_back(series_of_bars(bars));
-        for (Bar& bar : bars) {
-            picture.x.labels.push_back(std::move(bar.label));
-        }
+        add_bars(std::move(bars), &picture);
+    } else if (!numbers.empty()) {
+        add_steps(numbers, isLogarithmic, &picture);
     }
     return picture;
 }

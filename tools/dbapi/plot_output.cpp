@@ -52,6 +52,14 @@ void set_scales(const PlotOptions& options, Picture* picture)
     picture->y.isLogarithmic = options.isYLogarithmic;
 }
 
+void note_left_out(std::size_t points, std::string* notes)
+{
+    if (points > 0) {
+        *notes += "\n" + counted(points, "point") +
+                  " left out: a logarithmic axis shows only what is above 0.";
+    }
+}
+
 /// The picture of several keywords; what there is to say about it goes to `notes`.
 Picture draw_curves(const DataRequest& request, const PlotOptions& options, std::string* notes)
 {
@@ -69,11 +77,7 @@ Picture draw_curves(const DataRequest& request, const PlotOptions& options, std:
     Picture picture = curve_picture(std::move(curves), request.keywords, &legend);
     *notes += legend.empty() ? "" : "\n" + legend;
     set_scales(options, &picture);
-    const std::size_t dropped = fit_to_axes(&picture);
-    if (dropped > 0) {
-        *notes += "\n" + counted(dropped, "point") +
-                  " left out: a logarithmic axis shows only what is above 0.";
-    }
+    note_left_out(fit_to_axes(&picture), notes);
     const std::size_t all = thin_out(&picture, kMostPoints);
     const std::size_t shown = count_points(picture);
     if (shown < all) {
@@ -83,7 +87,8 @@ Picture draw_curves(const DataRequest& request, const PlotOptions& options, std:
     return picture;
 }
 
-Picture draw_distribution(const DataRequest& request, const PlotOptions& options)
+Picture
+draw_distribution(const DataRequest& request, const PlotOptions& options, std::string* notes)
 {
     ValueSample sample;
     std::string errors;
@@ -91,7 +96,9 @@ Picture draw_distribution(const DataRequest& request, const PlotOptions& options
     if (!db_get_value_sample(request.connection, keyword, &sample, request.query, &errors)) {
         throw_call_failure(request, errors);
     }
-    Picture picture = distribution_picture(std::move(sample), keyword, options.isXLogarithmic);
+    std::size_t zeros = 0;
+    Picture picture = distribution_picture(sample, keyword, options.isXLogarithmic, &zeros);
+    note_left_out(zeros, notes);
     set_scales(options, &picture);
     return picture;
 }
@@ -128,7 +135,7 @@ bool plot_values(const DataRequest& request, const PlotOptions& options)
         require_gnuplot();
     }
     std::string notes;
-    Picture picture = request.keywords.size() == 1 ? draw_distribution(request, options)
+    Picture picture = request.keywords.size() == 1 ? draw_distribution(request, options, &notes)
                                                    : draw_curves(request, options, &notes);
     picture.title = request.query;
     if (picture.series.empty()) {

@@ -77,42 +77,52 @@ Range range_of(const Picture& picture, std::vector<double> Picture::Series::*num
     return std::isnan(range.low) ? Range{} : range;
 }
 
+AxisTicks text_ticks(const std::vector<std::string>& labels)
+{
+    AxisTicks ticks{-0.6, static_cast<double>(labels.size()) - 0.4, {}};
+    const std::size_t every = (labels.size() + kMostLabels - 1) / kMostLabels;
+    for (std::size_t i = 0; i < labels.size(); i += every) {
+        ticks.ticks.push_back({static_cast<double>(i), labels[i]});
+    }
+    return ticks;
+}
+
+AxisTicks ticks_of(const Picture::Axis& axis, Range range)
+{
+    if (!axis.labels.empty()) {
+        return text_ticks(axis.labels);
+    }
+    return axis.isLogarithmic ? logarithmic_ticks(range.low, range.high)
+                              : linear_ticks(range.low, range.high, axis.isCount ? 1 : 0);
+}
+
+/// How labels along the x axis are turned, so that they do not run into each other.
+std::string turned(const AxisTicks& ticks)
+{
+    std::size_t letters = 0;
+    for (const AxisTicks::Tick& tick : ticks.ticks) {
+        letters += tick.label.empty() ? 0 : display_width(tick.label) + 2;
+    }
+    if (letters <= kMostLevelLetters) {
+        return "";
+    }
+    return ticks.ticks.size() > kMostSlantedLabels ? "rotate by 90 right " : "rotate by -40 ";
+}
+
 /// "set xrange ...", "set xtics ..." for the axis of that letter.
 std::string axis_commands(const std::string& letter, const Picture::Axis& axis, Range range)
 {
     using dbif::double_text;
-    std::string ticks;
-    std::size_t letters = 0;
-    const auto addTick = [&](double at, const std::string& label) {
-        ticks += (ticks.empty() ? "" : ", ") + quoted_for_gnuplot(label) + " " + double_text(at) +
-                 (label.empty() ? " 1" : "");
-        letters += label.empty() ? 0 : label.size() + 2;
-    };
-    std::string commands = "set " + letter + "label " + quoted_for_gnuplot(axis.title) + "\n";
-    if (!axis.labels.empty()) {
-        const std::size_t every = (axis.labels.size() + kMostLabels - 1) / kMostLabels;
-        for (std::size_t i = 0; i < axis.labels.size(); i += every) {
-            addTick(static_cast<double>(i), axis.labels[i]);
-        }
-        range = {-0.6, static_cast<double>(axis.labels.size()) - 0.4};
-    } else {
-        const AxisTicks axisTicks = axis.isLogarithmic
-                                        ? logarithmic_ticks(range.low, range.high)
-                                        : linear_ticks(range.low, range.high, axis.isCount ? 1 : 0);
-        for (const AxisTicks::Tick& tick : axisTicks.ticks) {
-            addTick(tick.at, tick.label);
-        }
-        range = {axisTicks.low, axisTicks.high};
+    const AxisTicks ticks = ticks_of(axis, range);
+    std::string list;
+    for (const AxisTicks::Tick& tick : ticks.ticks) {
+        list += (list.empty() ? "" : ", ") + quoted_for_gnuplot(tick.label) + " " +
+                double_text(tick.at) + (tick.label.empty() ? " 1" : "");
     }
-    if (axis.isLogarithmic) {
-        commands += "set logscale " + letter + "\n";
-    }
-    const char* turned = "";
-    if (letter == "x" && letters > kMostLevelLetters) {
-        turned = axis.labels.size() > kMostSlantedLabels ? "rotate by 90 right " : "rotate by -40 ";
-    }
-    return commands + "set " + letter + "range [" + double_text(range.low) + ":" +
-           double_text(range.high) + "]\nset " + letter + "tics " + turned + "(" + ticks + ")\n";
+    return "set " + letter + "label " + quoted_for_gnuplot(axis.title) + "\n" +
+           (axis.isLogarithmic ? "set logscale " + letter + "\n" : "") + "set " + letter +
+           "range [" + double_text(ticks.low) + ":" + double_text(ticks.high) + "]\nset " + letter +
+           "tics " + (letter == "x" ? turned(ticks) : "") + "(" + list + ")\n";
 }
 
 /// The reach of bars, which gnuplot draws from the data and not from the ticks.
