@@ -9,7 +9,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <pty.h>
 #include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace test_support {
@@ -38,6 +42,46 @@ inline Outcome dbapi(const Arguments& arguments, const std::string& input = {})
         process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
         process.readAllStandardOutput().toStdString(),
         process.readAllStandardError().toStdString()};
+}
+
+/// Runs a program with a terminal of 20 rows for all three streams, on which `input` is typed. Data
+/// and talk come together.
+inline Outcome run_on_terminal(Arguments program, const std::string& input = {})
+{
+    std::vector<char*> pointers;
+    for (std::string& argument : program) {
+        pointers.push_back(argument.data());
+    }
+    pointers.push_back(nullptr);
+    const winsize size{.ws_row = 20, .ws_col = 80, .ws_xpixel = 0, .ws_ypixel = 0};
+    int terminal = -1;
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, &size);
+    if (child == 0) {
+        setenv("TERM", "xterm", 1);
+        execv(pointers.front(), pointers.data());
+        _exit(127);
+    }
+    Outcome outcome;
+    char byte = 0;
+    bool isTyped = input.empty();
+    while (read(terminal, &byte, 1) == 1) {
+        outcome.data += byte;
+        // Typed only once it is asked for: what the terminal shows before, it echoes.
+        if (!isTyped && outcome.data.ends_with("(it is not shown): ")) {
+            isTyped = write(terminal, input.data(), input.size()) > 0;
+        }
+    }
+    close(terminal);
+    int status = 0;
+    waitpid(child, &status, 0);
+    outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return outcome;
+}
+
+inline Outcome dbapi_on_terminal(Arguments arguments, const std::string& input = {})
+{
+    arguments.insert(arguments.begin(), DBAPI_COMMAND);
+    return run_on_terminal(std::move(arguments), input);
 }
 
 /// A folder with the stored connection "lab" to an empty SQLite database.

@@ -2,6 +2,7 @@
 
 #include "dbapi/builtin_keynames.h"
 #include "dbapi/db_listing.h"
+#include "dbapi/keyword_split.h"
 #include "dbapi/vocabulary.h"
 #include "dbif/column_store.h"
 #include "dbif/host_string.h"
@@ -12,7 +13,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <map>
-#include <optional>
 #include <set>
 
 namespace dbapi::tool {
@@ -104,12 +104,10 @@ std::map<std::string, Words> keys_of(const std::string& connectionName, const st
         }
         for (const dbif::KeyDefinition& key :
              dbif::ColumnStore::of(connection).all(connection, recordTable)) {
-            const std::string category =
-                key.category.empty() ? "" : "," + convert_to_full_category_name(key.category);
-            keys[key.name].push_back(
-                "Key(" + key.name + "," + name + "," +
-                convert_to_full_datatype_name(dbif::to_utf8(dbif::datatype_name(key.kind))) +
-                category + ")");
+            const std::string datatype = dbif::to_utf8(dbif::datatype_name(key.kind));
+            keys[key.name].push_back(dbapi_full_keyname_from_keyname_and_attributes(
+                key.name, name, convert_to_full_datatype_name(datatype),
+                convert_to_full_category_name(key.category)));
         }
     }
     return keys;

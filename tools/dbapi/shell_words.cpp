@@ -10,7 +10,8 @@ constexpr std::string_view kPlain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQ
 bool is_plain(char letter)
 {
     // What is not ASCII is part of a longer letter, which no shell minds.
-    return static_cast<unsigned char>(letter) >= 0x80 || kPlain.find(letter) != kPlain.npos;
+    return static_cast<unsigned char>(letter) >= 0x80 ||
+           kPlain.find(letter) != std::string_view::npos;
 }
 } // namespace
 
