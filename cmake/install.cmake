@@ -14,3 +14,10 @@ configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/dbapiConfig.cmake.in
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/dbapiConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/dbapiConfig.cmake ${PROJECT_BINARY_DIR}/dbapiConfigVersion.cmake
     DESTINATION ${package_folder})
+
+if(DBAPI_BUILD_TOOLS)
+    set(command_folder ${PROJECT_BINARY_DIR}/tools/dbapi)
+    install(FILES ${command_folder}/dbapi.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES ${command_folder}/dbapi.bash RENAME dbapi
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+endif()

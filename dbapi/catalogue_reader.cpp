@@ -2,51 +2,12 @@
 
 #include "dbapi/catalogue_sql.h"
 #include "dbapi/keyword_map.h"
+#include "dbapi/record_selection.h"
 #include "dbapi/vocabulary.h"
 #include "dbif/error_text.h"
-#include "dbif/id_list.h"
-#include "dbif/query_run.h"
 #include "dbif/transaction_guard.h"
-#include "dbif/vanto_query.h"
-
-#include <memory>
 
 namespace {
-/// The sub-select of the records that count, and what has to live while it is used.
-struct RecordSelection
-{
-    QString sql;
-    std::unique_ptr<dbif::IdList> ids;
-};
-
-/// What SQL alone cannot decide, points of setups, is decided before, and the records are listed.
-RecordSelection select_records(
-    DBIF_Connection& connection,
-    const std::string& tablename,
-    const DBIF_QueryCondition* condition,
-    bool latestOnly)
-{
-    RecordSelection selection;
-    if (condition == nullptr) {
-        return selection;
-    }
-    DBIF_VantoQuery query(connection);
-    query.addColumn(dbif::to_qt(tablename), QStringLiteral("id"), true);
-    query.markDistinct();
-    query.markLatestOnly(latestOnly);
-    if (dbif::is_decided_on_points(condition)) {
-        const dbif::RecordTable table = dbif::find_table(tablename)->table;
-        selection.ids = std::make_unique<dbif::IdList>(
-            connection, table, dbif::matching_ids(connection, table, condition, latestOnly));
-        const dbif::TreeCondition picked(selection.ids->condition());
-        query.setCondition(&picked);
-    } else {
-        query.setCondition(condition);
-    }
-    selection.sql = query.generateSql(false);
-    return selection;
-}
-
 /// The category of a row in short form; empty for tables whose keys have none.
 std::string row_category(const std::string& tablename, const QSqlQuery& row)
 {
@@ -73,7 +34,8 @@ bool dbapi_get_keynames_for_table_as_query_results(
             connection.beginTransaction();
             transaction.arm();
         }
-        const RecordSelection selection = select_records(connection, tablename, condition, flag);
+        const dbapi::RecordSelection selection =
+            dbapi::select_records(connection, tablename, condition, flag);
         *query = connection.query(
             dbapi::catalogue_statement(tablename, keyTerms, selection.sql), 0, __FILE__, __LINE__);
         return true;

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "dbapi/key_statistics.h"
+
 #include <set>
 #include <string>
+#include <vector>
 
 /// The key names that records of a table have, those selected by the query string: see
 /// `dbapi::db_get_keynames_in_table`.
@@ -27,5 +30,13 @@ bool db_get_keynames_in_table(
     std::set<std::string>* keynames,
     const std::string& query,
     const std::string& keyFormat,
+    std::string* errors);
+
+/// The same keys by name, with how many records have each, and the smallest and largest number.
+bool db_get_key_statistics(
+    const std::string& connectionName,
+    const std::string& tablename,
+    std::vector<KeyStatistics>* keys,
+    const std::string& query,
     std::string* errors);
 } // namespace dbapi

@@ -32,6 +32,11 @@ show 'One sweep, gate voltage and drain current side by side: the points of a tr
 show 'Which devices carry more than 10 mA?' \
     "dbapi values demo '\$DEVNAME' ID_absmax -q 'ID_absmax>10m' --distinct --format table"
 
+show 'What is there to ask for? Each key of devices, how many have it, and between which numbers.' \
+    'dbapi keys demo device --format table'
+show 'A picture says more: drain current over gate voltage, a curve for each drain and bulk voltage.' \
+    "dbapi values demo IND.VG OUTD.ID -q '\$DEVNAME=nfet_01v8_w0p36u_l0p15u_m1' --plot demo/family.svg"
+
 file=nfet_01v8_w7u_l0p15u_m1__8434_10_11__D1__IDVG.csv
 setup='$DEVNAME=nfet_01v8_w7u_l0p15u_m1;$SUBSITE=8434;$DEVID=10_11;$SETNAME=IDVG'
 show 'A file that is imported again supersedes its older self ...' \
@@ -45,5 +50,6 @@ cat <<'END'
 
 The database stays in demo/measurements.db. To go on asking:
   export VANTO_DB_CONNECTIONS_DIRECTORY=$PWD/demo/connections PATH=$PWD/build/release/tools/dbapi:$PATH
+  source <(dbapi completion bash)
   dbapi keys demo device
 END

@@ -103,6 +103,13 @@ TEST_F(Command, ImportsTheShippedSweepsTwice)
     EXPECT_EQ(dbapi({"values", "lab", "IND.VG", "OUTD.ID", "-q", query}).data, points);
     EXPECT_THAT(dbapi({"import", "lab", SAMPLE_DIRECTORY}).talk, StartsWith(imported));
     EXPECT_EQ(dbapi({"values", "lab", "IND.VG", "OUTD.ID", "-q", query}).data, points);
+    EXPECT_EQ(
+        lines({"keys", "lab", "device", "-q", "$DEVTYPE=pfet_01v8"}),
+        "L\tdevice\tPHYSICAL\tDOUBLE\t49\t1.5e-07\t8e-06\n"
+        "M\tdevice\tPHYSICAL\tDOUBLE\t49\t1\t1\n"
+        "W\tdevice\tPHYSICAL\tDOUBLE\t49\t4.2e-07\t7e-06\n"
+        "process\tdevice\tTECHNOLOGY\tTEXT\t49\t\t\n");
+    EXPECT_EQ(lines({"keys", "lab", "device", "--short"}), "L\nM\nW\nprocess\n");
     EXPECT_EQ(lines({"values", "lab", "$CATDBID"}), "1\n2\n");
     EXPECT_EQ(lines({"values", "lab", "$CATDBID", "-q", "$SETNAME=IDVG"}), "2\n");
 }

@@ -1,5 +1,6 @@
 #include "dbapi/db_records.h"
 #include "dbapi/dbapi.h"
+#include "dbif/host_number.h"
 
 #include "tests/support/lab_database.h"
 
@@ -88,6 +89,64 @@ TEST_P(DbRecords, ListTheirKeys)
     EXPECT_FALSE(dbapi::db_get_keynames_in_table("lab", "nowhere", &names, "", "SHORT", &errors));
     EXPECT_EQ(
         errors, "Error: Unexpected, Invalid Database table name encountered: \"nowhere\". \n");
+}
+
+/// "name category datatype records [points] minimum maximum;" for each key.
+std::string listed(const std::vector<dbapi::KeyStatistics>& keys)
+{
+    const auto number = [](std::optional<double> value) {
+        return value.has_value() ? dbif::double_text(*value) : "-";
+    };
+    std::string text;
+    for (const dbapi::KeyStatistics& key : keys) {
+        text += key.name + " " + key.category + " " + key.datatype + " " +
+                std::to_string(key.records) + " ";
+        text += key.points.has_value() ? std::to_string(*key.points) + " " : "";
+        text += number(key.minimum) + " " + number(key.maximum) + ";";
+    }
+    return text;
+}
+
+TEST_P(DbRecords, CountAndBoundTheirKeys)
+{
+    struct Case
+    {
+        const char* table;
+        const char* query;
+        const char* keys;
+    };
+
+    const std::vector<Case> cases{
+        {"device", "",
+         "L PHYSICAL DOUBLE 1 1.5e-07 1.5e-07;"
+         "W PHYSICAL DOUBLE 3 1.3000000000000003e-07 1e-05;"
+         "process TECHNOLOGY TEXT 2 - -;vth NODE DOUBLE 1 0.5 0.5;"},
+        {"device", "$LOT=B",
+         "W PHYSICAL DOUBLE 1 1.3000000000000003e-07 1.3000000000000003e-07;"
+         "process TECHNOLOGY TEXT 1 - -;"},
+        {"device", "ALLDATA: IND.VG=2;OUTD.ID>1u",
+         "L PHYSICAL DOUBLE 1 1.5e-07 1.5e-07;W PHYSICAL DOUBLE 1 5e-06 5e-06;"
+         "process TECHNOLOGY TEXT 1 - -;"},
+        {"measurement", "", "DataOrigin  TEXT 3 - -;vth  DOUBLE 1 0.4 0.4;"},
+        {"measurement_condition", "$TEMP=125", "VS  DOUBLE 1 0 0;"},
+        {"setup", "", "ID OUTPUT DOUBLE 2 3 2e-09 7e-06;VG INPUT DOUBLE 2 3 0 7;"},
+        {"setup", "ALLDATA: ", "ID OUTPUT DOUBLE 3 6 1e-09 7e-06;VG INPUT DOUBLE 3 6 0 7;"},
+        {"setup", "IND.VG=7", "ID OUTPUT DOUBLE 1 1 7e-06 7e-06;VG INPUT DOUBLE 1 1 7 7;"},
+        {"setup", "$LOT=B", ""},
+        {"die", "", ""},
+        {"routine", "$LOT=A", ""}};
+    lab.supersedeFirstSetup();
+    std::vector<dbapi::KeyStatistics> keys;
+    for (const Case& c : cases) {
+        EXPECT_TRUE(dbapi::db_get_key_statistics("lab", c.table, &keys, c.query, &errors))
+            << errors;
+        EXPECT_EQ(listed(keys), c.keys) << c.table << " " << c.query;
+    }
+    EXPECT_FALSE(dbapi::db_get_key_statistics("lab", "nowhere", &keys, "", &errors));
+    EXPECT_EQ(
+        errors, "Error: Unexpected, Invalid Database table name encountered: \"nowhere\". \n");
+    EXPECT_FALSE(dbapi::db_get_key_statistics("lab", "device", &keys, "nokey=1", &errors));
+    EXPECT_TRUE(errors.find("nokey") != std::string::npos) << errors;
 }
 
 TEST_P(DbRecords, ShowASetupWhole)

@@ -28,11 +28,10 @@ Outcome dbapi(const Arguments& arguments, const std::string& input)
         process.readAllStandardError().toStdString()};
 }
 
-Outcome dbapi_on_terminal(Arguments arguments, const std::string& input)
+Outcome run_on_terminal(Arguments program, const std::string& input)
 {
     std::vector<char*> pointers;
-    arguments.insert(arguments.begin(), DBAPI_COMMAND);
-    for (std::string& argument : arguments) {
+    for (std::string& argument : program) {
         pointers.push_back(argument.data());
     }
     pointers.push_back(nullptr);
@@ -41,7 +40,7 @@ Outcome dbapi_on_terminal(Arguments arguments, const std::string& input)
     const pid_t child = forkpty(&terminal, nullptr, nullptr, &size);
     if (child == 0) {
         setenv("TERM", "xterm", 1);
-        execv(DBAPI_COMMAND, pointers.data());
+        execv(pointers.front(), pointers.data());
         _exit(127);
     }
     Outcome outcome;
@@ -59,5 +58,11 @@ Outcome dbapi_on_terminal(Arguments arguments, const std::string& input)
     waitpid(child, &status, 0);
     outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return outcome;
+}
+
+Outcome dbapi_on_terminal(Arguments arguments, const std::string& input)
+{
+    arguments.insert(arguments.begin(), DBAPI_COMMAND);
+    return run_on_terminal(std::move(arguments), input);
 }
 } // namespace test_support

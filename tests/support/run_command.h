@@ -17,7 +17,9 @@ struct Outcome
 /// Runs the command `dbapi`.
 Outcome dbapi(const Arguments& arguments, const std::string& input = {});
 
-/// The same with a terminal of 20 rows and 80 columns for all three streams, on which `input` is
-/// typed. Data and talk come together.
+/// Runs a program with a terminal of 20 rows and 80 columns for all three streams, on which `input`
+/// is typed. Data and talk come together.
+Outcome run_on_terminal(Arguments program, const std::string& input = {});
+/// The same with the command `dbapi`.
 Outcome dbapi_on_terminal(Arguments arguments, const std::string& input = {});
 } // namespace test_support

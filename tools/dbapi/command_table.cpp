@@ -45,7 +45,13 @@ std::span<const Command> commands()
         Command{"tables", "List the record tables", "dbapi tables", declare_tables},
         Command{
             "builtins", "List the builtin keynames and what they stand for", "dbapi builtins",
-            declare_builtins}};
+            declare_builtins},
+        Command{
+            "completion", "Print a script that completes this program's words in a shell",
+            "source <(dbapi completion bash)", declare_completion},
+        Command{
+            "manual", "Print this program's manual page", "dbapi manual > dbapi.1", declare_manual},
+        Command{"complete", "List what may come next", "dbapi complete -- val", declare_complete}};
     return kCommands;
 }
 } // namespace dbapi::tool

@@ -27,7 +27,7 @@ struct Command
 /// All commands, in the order in which help lists them.
 std::span<const Command> commands();
 
-// One file per command.
+// One file per command, or few that belong together.
 
 CommandRunner declare_connection_add(CLI::App& arguments);
 CommandRunner declare_connection_list(CLI::App& arguments);
@@ -43,4 +43,7 @@ CommandRunner declare_setup(CLI::App& arguments);
 CommandRunner declare_header(CLI::App& arguments);
 CommandRunner declare_tables(CLI::App& arguments);
 CommandRunner declare_builtins(CLI::App& arguments);
+CommandRunner declare_completion(CLI::App& arguments);
+CommandRunner declare_complete(CLI::App& arguments);
+CommandRunner declare_manual(CLI::App& arguments);
 } // namespace dbapi::tool

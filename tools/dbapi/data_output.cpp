@@ -155,21 +155,36 @@ void write_json(const DataTable& table, Output& out)
     }
     out << "]}\n";
 }
-} // namespace
 
-void add_output_options(CLI::App& arguments, OutputOptions* options)
+const std::map<std::string, Format>& formats()
 {
-    static const std::map<std::string, Format> kFormats{
+    static const std::map<std::string, Format> known{
         {"table", Format::Table},
         {"csv", Format::Csv},
         {"json", Format::Json},
         {"lines", Format::Lines}};
+    return known;
+}
+} // namespace
+
+std::vector<std::string> format_names()
+{
+    std::vector<std::string> names;
+    for (const auto& [name, format] : formats()) {
+        names.push_back(name);
+    }
+    return names;
+}
+
+void add_output_options(CLI::App& arguments, OutputOptions* options)
+{
     arguments
         .add_option_function<std::string>(
-            "--format", [options](const std::string& name) { options->format = kFormats.at(name); },
+            "--format",
+            [options](const std::string& name) { options->format = formats().at(name); },
             "table, csv, json or lines (table on a terminal, else csv)")
         ->type_name("FORMAT")
-        ->check(CLI::IsMember(kFormats).description(""));
+        ->check(CLI::IsMember(formats()).description(""));
     arguments.add_flag("--all", options->all, "show every row of a table on a terminal");
 }
 

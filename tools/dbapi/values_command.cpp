@@ -3,6 +3,7 @@
 #include "tools/dbapi/call_failure.h"
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/data_output.h"
+#include "tools/dbapi/plot_output.h"
 #include "tools/dbapi/stored_names.h"
 #include "tools/dbapi/terminal.h"
 #include "tools/dbapi/value_reading.h"
@@ -18,6 +19,7 @@ struct ValuesOptions
     DataRequest request;
     bool isDistinct = false;
     OutputOptions output;
+    PlotOptions plot;
 };
 
 void tell_nothing_found(const DataRequest& request)
@@ -40,6 +42,13 @@ ExitCode show_values(const ValuesOptions& options)
 {
     const DataRequest& request = options.request;
     stored_connection(request.connection);
+    if (!options.plot.file.empty()) {
+        if (plot_values(request, options.plot)) {
+            return ExitCode::Done;
+        }
+        tell_nothing_found(request);
+        return ExitCode::NothingFound;
+    }
     std::vector<std::vector<std::string>> values;
     std::string errors;
     if (!read_values(request, options.isDistinct, &values, &errors)) {
@@ -74,6 +83,10 @@ CommandRunner declare_values(CLI::App& arguments)
         ->type_name("QUERY");
     arguments.add_flag("--distinct", options->isDistinct, "leave out repeated values or rows");
     add_output_options(arguments, &options->output);
+    add_plot_options(arguments, &options->plot);
+    arguments.footer(
+        arguments.get_footer() + "\nWhich keys there are, and their smallest and largest values:\n"
+                                 "         dbapi keys lab device");
     return [options] {
         return show_values(*options);
     };

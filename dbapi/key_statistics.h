@@ -1,0 +1,37 @@
+#pragma once
+
+#include "dbif/condition.h"
+#include "dbif/connection.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace dbapi {
+/// What the selected records of a table hold under one key.
+struct KeyStatistics
+{
+    std::string name;
+    /// In full: "PHYSICAL", "INPUT"; empty for tables whose keys have none.
+    std::string category;
+    /// In full: "DOUBLE".
+    std::string datatype;
+    /// How many records have the key.
+    long long records = 0;
+    /// How many points they have under it; only of setups.
+    std::optional<long long> points;
+    /// Of keys that hold numbers. Of setups: over whole columns, whichever of their points a
+    /// condition selects.
+    std::optional<double> minimum;
+    std::optional<double> maximum;
+};
+
+/// The keys that the selected records of a table have, by name, with their statistics: one
+/// statement, whatever the number of keys. None for die and routine. The records are chosen as by
+/// `select_records`. Throws `DBIF_Exception`.
+std::vector<KeyStatistics> read_key_statistics(
+    DBIF_Connection& connection,
+    const std::string& tablename,
+    const DBIF_QueryCondition* condition,
+    bool latestOnly);
+} // namespace dbapi

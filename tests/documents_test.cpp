@@ -1,0 +1,97 @@
+#include "tests/support/command_fixture.h"
+
+#include <QStandardPaths>
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace {
+using namespace test_support;
+
+/// A command line of a document, and what the document says that it writes.
+struct Shown
+{
+    std::string command;
+    std::string output;
+};
+
+/// The indented lines that begin with "$ ", each with the indented lines behind it.
+std::vector<Shown> shown_in(const std::string& document)
+{
+    constexpr std::string_view kIndent = "    ";
+    std::vector<Shown> all;
+    std::istringstream lines(read_file(document));
+    std::string line;
+    bool isOpen = false;
+    bool isContinued = false;
+    while (std::getline(lines, line)) {
+        const bool isIndented = line.starts_with(kIndent);
+        const std::string text = isIndented ? line.substr(kIndent.size()) : std::string();
+        if (isContinued) {
+            all.back().command += "\n" + text;
+        } else if (text.starts_with("$ ")) {
+            all.push_back({text.substr(2), {}});
+            isOpen = true;
+        } else if (isOpen && isIndented) {
+            all.back().output += text + "\n";
+            continue;
+        } else {
+            isOpen = false;
+            continue;
+        }
+        isContinued = all.back().command.ends_with('\\');
+    }
+    return all;
+}
+
+/// What stays on a terminal: a progress bar is gone in the end.
+std::string left_on_terminal(const std::string& written)
+{
+    constexpr std::string_view kClear = "\x1b[K";
+    std::string left;
+    std::istringstream lines(written);
+    std::string line;
+    while (std::getline(lines, line)) {
+        const std::size_t cleared = line.rfind(kClear);
+        left += cleared == std::string::npos ? line : line.substr(cleared + kClear.size());
+        left.erase(left.find_last_not_of('\r') + 1);
+        left += "\n";
+    }
+    return left;
+}
+
+std::string without(const std::string& part, std::string text)
+{
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part)) {
+        text.erase(at, part.size());
+    }
+    return text;
+}
+
+/// Each document begins with an empty folder, in which the sample is called examples/measurements.
+TEST(Documents, ShowWhatTheCommandWrites)
+{
+    const bool hasGnuplot = !QStandardPaths::findExecutable(QStringLiteral("gnuplot")).isEmpty();
+    for (const char* document : {"README.md", "docs/commands.md"}) {
+        const TempDirectory folder;
+        std::filesystem::create_directory(folder.file("examples"));
+        std::filesystem::create_directory_symlink(
+            SAMPLE_DIRECTORY, folder.file("examples/measurements"));
+        const std::vector<Shown> all = shown_in(std::string(DOCUMENTS_DIRECTORY) + "/" + document);
+        EXPECT_GT(all.size(), 4U) << document;
+        for (const Shown& shown : all) {
+            if (!hasGnuplot && shown.command.find("--plot") != std::string::npos) {
+                continue;
+            }
+            const Outcome outcome = run_on_terminal(
+                {"/bin/bash", "-c",
+                 "cd '" + folder.path() +
+                     "'; NO_COLOR=1; export NO_COLOR; dbapi() { " DBAPI_COMMAND " \"$@\"; }\n" +
+                     shown.command});
+            EXPECT_EQ(without(folder.path() + "/", left_on_terminal(outcome.data)), shown.output)
+                << document << ": " << shown.command;
+        }
+    }
+}
+} // namespace
