@@ -3,19 +3,19 @@
 #include "dbui/connections_path.h"
 
 #include "tests/support/case_table.h"
+#include "tests/support/child_process.h"
 #include "tests/support/stored_connections.h"
 #include "tests/support/temp_directory.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <functional>
 #include <sys/ptrace.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 using test_support::read_file;
+using test_support::start_child;
+using test_support::status_of;
 using test_support::stored_lines;
 using test_support::write_file;
 
@@ -27,23 +27,6 @@ const std::string kDeclaration = "<?xml version=\"1.0\"?>";
 std::string message(const std::string& what, const std::string& path)
 {
     return "Failed to " + what + " \"" + path + "\"!\n";
-}
-
-/// Runs the work in a process of its own, which ends with 0 when the work gives true.
-pid_t start_child(const std::function<bool()>& work)
-{
-    const pid_t child = fork();
-    if (child == 0) {
-        _exit(work() ? 0 : 1);
-    }
-    return child;
-}
-
-int status_of(pid_t child)
-{
-    int status = 0;
-    waitpid(child, &status, 0);
-    return status;
 }
 
 class ConnectionsFile : public testing::Test
