@@ -23,10 +23,11 @@ inline int status_of(pid_t child)
     return status;
 }
 
+inline constexpr uid_t kNobody = 65534;
+
 /// Access rights do not bind the administrator: a child whose work is about them calls this first.
 inline void become_nobody()
 {
-    constexpr uid_t kNobody = 65534;
     if (geteuid() == 0 && setuid(kNobody) != 0) {
         _exit(2);
     }
