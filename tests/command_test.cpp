@@ -142,6 +142,10 @@ TEST_F(Command, KeepsConnectionsFromAddToRemove)
 
 TEST_F(Command, ExplainsWrongUse)
 {
+    for (const char* display : {"DISPLAY", "WAYLAND_DISPLAY"}) {
+        unsetenv(display);
+    }
+
     struct WrongUse
     {
         Arguments arguments;
@@ -164,6 +168,10 @@ TEST_F(Command, ExplainsWrongUse)
         {{"connection", "list", "lab"},
          2,
          "dbapi: the argument \"lab\" is one too many.\nSee: dbapi connection list --help\n"},
+        {{"connection", "manage"},
+         2,
+         "dbapi: there is no display to show a window on. Use dbapi connection add, list, test and "
+         "remove.\n"},
         {{"connection", "add", "x"}, 2, "dbapi: give either --sqlite FILE or --mysql DATABASE\n"},
         {{"connection", "add", "x", "--sqlite", "/nowhere/x.db"},
          5,

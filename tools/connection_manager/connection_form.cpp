@@ -83,7 +83,7 @@ void ConnectionForm::addKinds()
     connect(kind_, &QComboBox::currentIndexChanged, this, &ConnectionForm::showFieldsOfKind);
 }
 
-void ConnectionForm::addBrowseButton()
+void ConnectionForm::addBrowseButton() const
 {
     auto* browse = new QPushButton(tr("B&rowse..."));
     browse->setObjectName(QStringLiteral("browse"));

@@ -43,7 +43,7 @@ private:
 
     Field addField(const char* name, const QString& label, const QString& explanation);
     void addKinds();
-    void addBrowseButton();
+    void addBrowseButton() const;
     void chooseFile();
     void showFieldsOfKind();
     void check();

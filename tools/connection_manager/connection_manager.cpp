@@ -25,6 +25,9 @@
 
 namespace connection_manager {
 namespace {
+constexpr int kListHeight = 180;
+constexpr int kMoreHeight = 300; // with the result of a test
+
 bool is_file(const DbuiConnection& record)
 {
     return record.get_dbDriverName() == "QSQLITE";
@@ -105,7 +108,7 @@ void ConnectionManager::makeList()
 QPushButton* ConnectionManager::addButton(
     const char* name,
     const QString& text,
-    void (ConnectionManager::*action)())
+    void (ConnectionManager::*action)()) const
 {
     auto* button = new QPushButton(text);
     button->setObjectName(QString::fromLatin1(name));
@@ -138,6 +141,8 @@ void ConnectionManager::layOut()
     parts->setChildrenCollapsible(false);
     parts->addWidget(list_);
     parts->addWidget(diagnosis_);
+    parts->setSizes({kListHeight, kMoreHeight}); // the second counts once it is shown
+    parts->setStretchFactor(1, 1);
     auto* left = new QVBoxLayout;
     left->addWidget(parts, 1);
     left->addWidget(note_);
@@ -298,7 +303,6 @@ void ConnectionManager::testConnection()
         return;
     }
     if (!diagnosis_->isVisible()) {
-        constexpr int kMoreHeight = 260;
         diagnosis_->show();
         resize(width(), std::max(height(), minimumSizeHint().height()) + kMoreHeight);
     }

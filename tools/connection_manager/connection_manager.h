@@ -39,7 +39,7 @@ private:
     void addShortcuts();
     void layOut();
     QPushButton*
-    addButton(const char* name, const QString& text, void (ConnectionManager::*action)());
+    addButton(const char* name, const QString& text, void (ConnectionManager::*action)()) const;
     void followTheFile();
 
     void reload();

@@ -74,8 +74,12 @@ void DiagnosisView::render(const QString& heading)
 {
     QString text = QStringLiteral("<p><b>%1</b></p><table cellspacing='0' cellpadding='3'>")
                        .arg(heading.toHtmlEscaped());
+    bool hasFailed = false;
     for (const dbui::DiagnosisStep& step : steps_) {
-        QString found = html(step.detail);
+        // What comes after a failure needs no words.
+        const bool isEmpty = hasFailed && step.outcome == Outcome::Skipped;
+        QString found = isEmpty ? QString() : html(step.detail);
+        hasFailed = hasFailed || step.outcome == Outcome::Failed;
         if (!step.advice.empty()) {
             found += QStringLiteral("<br><b>%1</b>").arg(html(step.advice));
         }
