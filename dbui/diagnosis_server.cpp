@@ -158,7 +158,7 @@ std::string login_advice(int error, const DbuiConnection& record)
     case kAccessDenied:
     case kAccountDenied:
         return "Check the user and the password. The account must also be allowed to come from "
-               "this machine.";
+               "this machine, and must not require TLS.";
     case kTooManyConnections:
         return "The server has no room for one more connection. Try again later, or ask its "
                "administrator to raise max_connections.";
@@ -250,7 +250,8 @@ void diagnose_encryption(DBIF_Connection& server, const Way& way, DiagnosisRepor
     } else {
         report->warn(
             Layer::Encryption, "none: passwords are protected, but the data can be read on the way",
-            "Ask the server's administrator for TLS where others share the network.");
+            "The client's library does not ask for TLS. Where others share the network, go through "
+            "an SSH tunnel or a VPN.");
     }
 }
 

@@ -216,7 +216,7 @@ TEST_F(MySqlConnectionDiagnosis, FindsTheFaultOfTheWay)
         diagnosis_of(record(user, "Wr0ng")),
         "ooofssssss\nlogin: Access denied for user 'dbapi_tester'@'127.0.0.1' (using password: "
         "YES)\nCheck the user and the password. The account must also be allowed to come from this "
-        "machine.");
+        "machine, and must not require TLS.");
     EXPECT_EQ(
         diagnosis_of(record(user, password, "70000")),
         "fsssssssss\nrecord: there is no port 70000\nPorts are numbers from 1 to 65535.");

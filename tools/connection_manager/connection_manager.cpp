@@ -296,6 +296,7 @@ void ConnectionManager::testConnection()
 {
     if (running_) {
         running_->stop();
+        test_->setEnabled(false); // until the layer that it is at has ended
         return;
     }
     const std::optional<DbuiConnection> record = selected();
