@@ -3,11 +3,10 @@
 #include "dbui/connection_registry.h"
 
 #include "tests/support/box_clicker.h"
+#include "tests/support/sqlite_file.h"
 #include "tests/support/temp_directory.h"
 
 #include <gtest/gtest.h>
-
-#include <sqlite3.h>
 
 namespace {
 class ConnectionCheck : public testing::Test
@@ -44,10 +43,7 @@ TEST_F(ConnectionCheck, CreatesAnSqliteFile)
 
 TEST_F(ConnectionCheck, TellsWhatDidNotOpen)
 {
-    sqlite3* foreign = nullptr;
-    sqlite3_open(folder.file("foreign").c_str(), &foreign);
-    sqlite3_exec(foreign, "CREATE TABLE recipes (name)", nullptr, nullptr, nullptr);
-    sqlite3_close(foreign);
+    test_support::run_on_file(folder.file("foreign"), "CREATE TABLE recipes (name)");
 
     const std::string start =
         "Check Database Connection Error: Failed to open valid database connection.\n";

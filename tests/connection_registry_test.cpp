@@ -89,6 +89,7 @@ TEST_F(ConnectionRegistry, TakesAnUnreadableFileForEmpty)
 TEST_F(ConnectionRegistry, ReportsAFailedSave)
 {
     dbui_add_connection(kA, false);
+    signalLog.take();
     // A folder in the place of the lock lets the file be read, but not saved.
     std::filesystem::remove(folder.connections_file() + ".lock");
     std::filesystem::create_directory(folder.connections_file() + ".lock");
@@ -96,26 +97,52 @@ TEST_F(ConnectionRegistry, ReportsAFailedSave)
                                 folder.connections_file() + "\"!\n";
 
     using Operation = bool (*)(bool, std::string*);
-    const std::pair<std::string, Operation> operations[] = {
-        {"Add Connection",
+
+    struct Case
+    {
+        std::string title;
+        std::string signalsSent;
+        Operation operation;
+    };
+
+    const Case cases[] = {
+        {"Add Connection", "pre post ",
          [](bool i, std::string* e) {
              return dbui_add_connection(kB, i, e);
          }},
-        {"Remove Connection",
+        {"Remove Connection", "pre post ",
          [](bool i, std::string* e) {
              return dbui_remove_connection(kA, i, e);
          }},
-        {"Edit Connection", [](bool i, std::string* e) {
+        {"Edit Connection", "pre post pre post ", [](bool i, std::string* e) {
              return dbui_update_connection(kA, kB, i, e);
          }}};
-    for (const auto& [title, operation] : operations) {
+    for (const auto& [title, signalsSent, operation] : cases) {
         EXPECT_FALSE(operation(true, &error));
         EXPECT_EQ(error, failure) << title;
         EXPECT_EQ(boxes.take(), "critical: " + title + ": " + failure + "[OK]");
+        EXPECT_EQ(signalLog.take(), signalsSent) << title;
 
         testing::internal::CaptureStderr();
         EXPECT_FALSE(operation(false, nullptr));
         EXPECT_EQ(testing::internal::GetCapturedStderr() + boxes.take(), failure) << title;
+        signalLog.take();
     }
     EXPECT_EQ(stored_lines(), "a|QSQLITE|||one||;");
+}
+
+TEST_F(ConnectionRegistry, ReportsAFolderThatCannotBeMade)
+{
+    test_support::write_file(folder.file("plain"), "");
+    const std::string below = folder.file("plain/deep");
+    setenv("VANTO_DB_CONNECTIONS_DIRECTORY", below.c_str(), 1);
+    const std::string failure = "Failed to create directory path \"" + below + "\"!\n";
+    EXPECT_FALSE(dbui_add_connection(kA, true, &error));
+    EXPECT_EQ(boxes.take(), "critical: Add Connection: " + failure + "[OK]");
+    EXPECT_EQ(signalLog.take(), "pre ");
+    EXPECT_FALSE(dbui_update_connection(kA, kB, true, &error));
+    EXPECT_EQ(boxes.take(), "critical: Edit Connection: " + failure + "[OK]");
+    EXPECT_EQ(signalLog.take(), "pre ");
+    EXPECT_TRUE(dbui_remove_connection(kA, true, &error));
+    EXPECT_EQ(signalLog.take() + boxes.take(), "");
 }

@@ -3,19 +3,20 @@
 #include "dbui/connections_path.h"
 
 #include "tests/support/case_table.h"
+#include "tests/support/child_process.h"
 #include "tests/support/stored_connections.h"
 #include "tests/support/temp_directory.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <functional>
 #include <sys/ptrace.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <sys/resource.h>
 
 namespace fs = std::filesystem;
 using test_support::read_file;
+using test_support::start_child;
+using test_support::status_of;
 using test_support::stored_lines;
 using test_support::write_file;
 
@@ -27,23 +28,6 @@ const std::string kDeclaration = "<?xml version=\"1.0\"?>";
 std::string message(const std::string& what, const std::string& path)
 {
     return "Failed to " + what + " \"" + path + "\"!\n";
-}
-
-/// Runs the work in a process of its own, which ends with 0 when the work gives true.
-pid_t start_child(const std::function<bool()>& work)
-{
-    const pid_t child = fork();
-    if (child == 0) {
-        _exit(work() ? 0 : 1);
-    }
-    return child;
-}
-
-int status_of(pid_t child)
-{
-    int status = 0;
-    waitpid(child, &status, 0);
-    return status;
 }
 
 class ConnectionsFile : public testing::Test
@@ -210,32 +194,67 @@ TEST_F(ConnectionsFile, LosesNothingBetweenTwoProcesses)
     EXPECT_EQ(names.size(), 2 * kEach);
 }
 
+TEST_F(ConnectionsFile, StaysAsItIsWhereItCannotBeSaved)
+{
+    ASSERT_TRUE(dbui_save_connections_to_file({kLite}));
+    const std::string before = read_file(path);
+    const auto fails = [this] {
+        std::string text;
+        const bool saved = dbui_add_connection(kLab, false, &text);
+        return !saved && text == message("save database connections storage file:", path);
+    };
+    EXPECT_EQ(
+        status_of(start_child([&fails] {
+            // As on a full disk: a part of the file is written, the rest is not.
+            const rlimit limit{100, 100};
+            signal(SIGXFSZ, SIG_IGN);
+            return setrlimit(RLIMIT_FSIZE, &limit) == 0 && fails();
+        })),
+        0);
+    for (const char* file : {"", "/vanto_db_connections.xml", "/vanto_db_connections.xml.lock"}) {
+        EXPECT_TRUE(
+            geteuid() != 0 ||
+            chown((folder.path() + file).c_str(), test_support::kNobody, getgid()) == 0);
+    }
+    fs::permissions(folder.path(), fs::perms(0555));
+    EXPECT_EQ(
+        status_of(start_child([&fails] {
+            test_support::become_nobody();
+            return fails();
+        })),
+        0);
+    fs::permissions(folder.path(), fs::perms(0755));
+    EXPECT_EQ(read_file(path), before);
+    EXPECT_FALSE(fs::exists(path + ".new"));
+}
+
 // Kills a writer before and after each of its system calls: nobody ever sees half a file, and the
 // next writer is not held up.
 TEST_F(ConnectionsFile, SurvivesAWriterKilledAtAnyMoment)
 {
+    constexpr int kMoments = 200;
     std::set<std::string> seen;
-    int moment = 0;
-    for (bool finished = false; !finished; ++moment) {
+    for (int moment = 0; moment < kMoments; ++moment) {
         ASSERT_TRUE(dbui_save_connections_to_file({kLite}));
         const pid_t child = start_child([] {
-            return ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0 && raise(SIGSTOP) == 0 &&
-                   dbui_save_connections_to_file({});
+            bool isSaved = ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0 && raise(SIGSTOP) == 0;
+            for (int i = 0; i < kMoments && isSaved; ++i) {
+                isSaved = dbui_save_connections_to_file({kLab}) &&
+                          dbui_save_connections_to_file({kLite, kLab});
+            }
+            return isSaved;
         });
         int status = status_of(child);
         for (int i = 0; i < moment && WIFSTOPPED(status); ++i) {
             ptrace(PTRACE_SYSCALL, child, nullptr, nullptr);
             status = status_of(child);
         }
-        finished = WIFEXITED(status);
-        if (finished) {
-            ASSERT_EQ(WEXITSTATUS(status), 0) << "the writer failed, or may not be traced here";
-        } else {
-            kill(child, SIGKILL);
-            status_of(child);
-        }
+        ASSERT_TRUE(WIFSTOPPED(status)) << "the writer failed, or may not be traced here";
+        kill(child, SIGKILL);
+        status_of(child);
         seen.insert(stored_lines());
     }
-    EXPECT_EQ(seen, (std::set<std::string>{"", "lite|QSQLITE|||/data/a b.db||;"}));
-    EXPECT_GT(moment, 20);
+    const std::string lab = test_support::line_of(kLab) + ";";
+    const std::string lite = test_support::line_of(kLite) + ";";
+    EXPECT_EQ(seen, (std::set<std::string>{lite, lab, lite + lab}));
 }

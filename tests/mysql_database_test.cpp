@@ -67,13 +67,38 @@ TEST_F(MySqlDatabase, MayHaveAnyName)
 {
     const std::pair<const char*, const char*> names[] = {
         {"order", "`order`"},
-        {"Meas 2026.a", "`Meas 2026.a`"},
+        {"it's \"Meas\" 2026.a - x", "`it's \"Meas\" 2026.a - x`"},
         {"a`; DROP DATABASE mysql; --", "`a``; DROP DATABASE mysql; --`"}};
     for (const auto& [odd, quoted] : names) {
         EXPECT_TRUE(dbui_validate_connection_opens(record(odd, server.password()), false, &error))
             << error;
         server.execute(std::string("DROP DATABASE ") + quoted);
     }
+}
+
+TEST_F(MySqlDatabase, IsReachedAsTheRecordSays)
+{
+    ASSERT_TRUE(dbui_validate_connection_opens(missing, false, &error)) << error;
+    const auto outcome = [&](const std::string& driver, const std::string& host,
+                             const std::string& port) {
+        const DbuiConnection tried(
+            "lab", driver, host, port, name, server.user(), server.password());
+        return dbui_test_connection(tried, false, &error) ? "it opens" : error;
+    };
+    const std::string port = std::to_string(server.port());
+    const std::tuple<const char*, const char*, std::string, const char*> cases[] = {
+        {"QMYSQL", "127.0.0.1", port, "it opens"},
+        {"QMYSQL", "127.0.0.1", "+" + port, "it opens"},
+        {"QMYSQL", "127.0.0.1", "1", "Can't connect to server on '127.0.0.1'"},
+        {"QMYSQL", "no.such.invalid", port, "Unknown server host 'no.such.invalid'"},
+        {"QPSQL", "127.0.0.1", port,
+         "The database driver \"QPSQL\" is not known. The drivers are "
+         "SQLITE and MYSQL."}};
+    for (const auto& [driver, host, text, says] : cases) {
+        EXPECT_THAT(outcome(driver, host, text), HasSubstr(says)) << driver << host << text;
+    }
+    // Both stand for 3306, whoever may listen there.
+    EXPECT_EQ(outcome("QMYSQL", "127.0.0.1", ""), outcome("QMYSQL", "127.0.0.1", "no number"));
 }
 
 TEST_F(MySqlDatabase, IsNotCreatedWhereTheServerRefuses)

@@ -19,6 +19,9 @@ std::span<const Command> commands()
             "connection remove", "Forget a stored connection; its database stays",
             "dbapi connection remove lab", declare_connection_remove},
         Command{
+            "connection manage", "Open the window that manages connections",
+            "dbapi connection manage", declare_connection_manage},
+        Command{
             "import", "Read files of annotated CSV into a database, all or none",
             "dbapi import lab sweeps/ more.csv", declare_import},
         Command{

@@ -33,6 +33,7 @@ CommandRunner declare_connection_add(CLI::App& arguments);
 CommandRunner declare_connection_list(CLI::App& arguments);
 CommandRunner declare_connection_test(CLI::App& arguments);
 CommandRunner declare_connection_remove(CLI::App& arguments);
+CommandRunner declare_connection_manage(CLI::App& arguments);
 CommandRunner declare_import(CLI::App& arguments);
 CommandRunner declare_values(CLI::App& arguments);
 CommandRunner declare_explain(CLI::App& arguments);

@@ -1,28 +1,19 @@
-#include "dbapi/text_rules.h"
-#include "dbif/error_text.h"
-#include "dbif/host_string.h"
-#include "dbui/connection_open.h"
+#include "dbui/connection_diagnosis.h"
 
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/data_output.h"
+#include "tools/dbapi/display_text.h"
 #include "tools/dbapi/stored_names.h"
+#include "tools/dbapi/terminal.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
+#include <sstream>
 
 namespace dbapi::tool {
 namespace {
-/// What a connection leads to, in words.
-std::string target_of(const DbuiConnection& record)
-{
-    if (record.get_hostname().empty()) {
-        return record.get_dbDriverName() + ", file " + dbapi::quoted(record.get_databaseName());
-    }
-    const std::string port = record.get_port_as_string();
-    return record.get_dbDriverName() + ", database " + dbapi::quoted(record.get_databaseName()) +
-           " at " + record.get_hostname() + (port.empty() ? "" : ":" + port) + " as user " +
-           dbapi::quoted(record.get_databaseUsername());
-}
+using dbui::DiagnosisStep;
 
 struct TestOptions
 {
@@ -30,58 +21,87 @@ struct TestOptions
     OutputOptions output;
 };
 
-/// The checks of a connection, each of which needs the one before.
-class ConnectionTest
+DataTable table_of(const std::string& name, const std::vector<DiagnosisStep>& steps)
 {
-public:
-    void pass(const std::string& check, const std::string& detail) { add(check, "ok", detail); }
-
-    void fail(const std::string& check, const std::string& detail, ExitCode code)
-    {
-        add(check, "failed", detail);
-        code_ = code;
-    }
-
-    ExitCode finish(const OutputOptions& output)
-    {
-        write_data(table_, output);
-        return code_;
-    }
-
-private:
-    void add(const std::string& check, const std::string& result, const std::string& detail)
-    {
-        table_.columns[0].values.push_back(check);
-        table_.columns[1].values.push_back(result);
-        table_.columns[2].values.push_back(detail);
-    }
-
-    DataTable table_{
-        .asked = {},
+    DataTable table{
+        .asked = {{"connection", name}},
         .rowsName = "checks",
-        .columns = {{"check", {}}, {"result", {}}, {"detail", {}}}};
-    ExitCode code_ = ExitCode::Done;
-};
+        .columns = {{"check", {}}, {"result", {}}, {"detail", {}}, {"advice", {}}}};
+    for (const DiagnosisStep& step : steps) {
+        table.columns[0].values.emplace_back(name_of(step.layer));
+        table.columns[1].values.emplace_back(name_of(step.outcome));
+        table.columns[2].values.push_back(step.detail);
+        table.columns[3].values.push_back(step.advice);
+    }
+    return table;
+}
+
+/// The text in lines of at most `width` columns, broken at blanks; the lines after the first begin
+/// with `indent` blanks.
+std::string wrapped(const std::string& text, std::size_t indent, std::size_t width)
+{
+    std::istringstream words(display_text(text));
+    std::string lines;
+    std::string word;
+    std::size_t used = 0;
+    while (words >> word) {
+        const std::size_t size = display_width(word);
+        if (used > 0 && used + 1 + size > width) {
+            lines += "\n" + std::string(indent, ' ');
+            used = 0;
+        }
+        lines += (used > 0 ? " " : "") + word;
+        used += size + (used > 0 ? 1 : 0);
+    }
+    return lines;
+}
+
+/// For people: in their terminal's width, with the advice below what it is about.
+std::string text_of(const std::vector<DiagnosisStep>& steps)
+{
+    constexpr std::size_t kNameWidth = 12;
+    constexpr std::size_t kIndent = kNameWidth + 9;
+    constexpr std::size_t kWidest = 100;
+    constexpr std::size_t kNarrowest = 30;
+    const std::size_t columns = std::min(terminal_size(stdout).columns, kWidest);
+    const std::size_t width = std::max(columns - std::min(columns, kIndent), kNarrowest);
+    std::string text;
+    for (const DiagnosisStep& step : steps) {
+        std::string start = name_of(step.layer);
+        start.resize(kNameWidth, ' ');
+        std::string outcome = name_of(step.outcome);
+        outcome.resize(kIndent - kNameWidth, ' ');
+        const bool isAlert = step.outcome == DiagnosisStep::Outcome::Failed;
+        text += start + styled(outcome, isAlert ? Style::Alert : Style::Plain, stdout) +
+                wrapped(step.detail, kIndent, width) + "\n";
+        if (!step.advice.empty()) {
+            text += std::string(kIndent, ' ') + wrapped("-> " + step.advice, kIndent, width) + "\n";
+        }
+    }
+    return text;
+}
+
+ExitCode exit_code_of(const std::vector<DiagnosisStep>& steps)
+{
+    for (const DiagnosisStep& step : steps) {
+        if (step.outcome == DiagnosisStep::Outcome::Failed) {
+            return step.layer >= DiagnosisStep::Layer::Schema ? ExitCode::Data
+                                                              : ExitCode::Connection;
+        }
+    }
+    return ExitCode::Done;
+}
 
 ExitCode test_connection(const TestOptions& options)
 {
-    const DbuiConnection record = stored_connection(options.name);
-    ConnectionTest test;
-    test.pass("record", target_of(record));
-    DBIF_Connection connection = dbui::blank_connection();
-    std::string error;
-    const bool isOurs = dbui_make_dbif_connection_object_by_name(options.name, &connection, &error);
-    if (!isOurs) {
-        test.pass("open", "the database opens");
-        test.fail("schema", dbif::trimmed(error), ExitCode::Data);
-    } else if (!connection.isValid()) {
-        error = convert_sql_error_to_string(connection.lastError()).str();
-        test.fail("open", dbif::trimmed(error), ExitCode::Connection);
+    const std::vector<DiagnosisStep> steps =
+        dbui::diagnose_connection(stored_connection(options.name));
+    if (chosen_format(options.output) == Format::Table) {
+        write_text(text_of(steps));
     } else {
-        test.pass("open", "the database opens");
-        test.pass("schema", "it is a measurement database that this version reads");
+        write_data(table_of(options.name, steps), options.output);
     }
-    return test.finish(options.output);
+    return exit_code_of(steps);
 }
 } // namespace
 

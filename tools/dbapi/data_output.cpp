@@ -188,13 +188,24 @@ void add_output_options(CLI::App& arguments, OutputOptions* options)
     arguments.add_flag("--all", options->all, "show every row of a table on a terminal");
 }
 
+Format chosen_format(const OutputOptions& options)
+{
+    return options.format.value_or(is_terminal(stdout) ? Format::Table : Format::Csv);
+}
+
+void write_text(const std::string& text)
+{
+    Output out;
+    out << text;
+    out.finish();
+}
+
 void write_data(const DataTable& table, const OutputOptions& options)
 {
-    const bool isTerminal = is_terminal(stdout);
     Output out;
-    switch (options.format.value_or(isTerminal ? Format::Table : Format::Csv)) {
+    switch (chosen_format(options)) {
     case Format::Table:
-        out << table_text(table, isTerminal && !options.all);
+        out << table_text(table, is_terminal(stdout) && !options.all);
         break;
     case Format::Csv:
         write_csv(table, out);

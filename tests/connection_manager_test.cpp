@@ -1,0 +1,334 @@
+#include "dbui/connection_registry.h"
+
+#include "tests/support/box_clicker.h"
+#include "tests/support/child_process.h"
+#include "tests/support/stored_connections.h"
+#include "tests/support/temp_directory.h"
+#include "tools/connection_manager/connection_editor.h"
+#include "tools/connection_manager/connection_manager.h"
+#include "tools/connection_manager/manager_translations.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTest>
+#include <QTextBrowser>
+#include <QTimer>
+#include <QTranslator>
+#include <QTreeWidget>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+using connection_manager::ConnectionEditor;
+using connection_manager::ConnectionManager;
+using test_support::BoxClicker;
+using test_support::stored_lines;
+using testing::HasSubstr;
+
+/// The hands of a person in an editor.
+struct Editor
+{
+    QWidget* window;
+
+    [[nodiscard]] QLineEdit* field(const char* name) const
+    {
+        return window->findChild<QLineEdit*>(QString::fromLatin1(name));
+    }
+
+    void type(const char* name, const std::string& text) const
+    {
+        field(name)->selectAll();
+        QTest::keyClick(field(name), Qt::Key_Delete);
+        QTest::keyClicks(field(name), dbif::to_qt(text));
+    }
+
+    /// The word beside a field, with a "!" when the connection cannot be stored.
+    [[nodiscard]] std::string word(const char* name) const
+    {
+        const QString label = QString::fromLatin1(name) + QStringLiteral("Word");
+        const bool isReady = window->findChild<QPushButton*>(QStringLiteral("store"))->isEnabled();
+        return dbif::to_utf8(window->findChild<QLabel*>(label)->text()) + (isReady ? "" : "!");
+    }
+
+    void press(Qt::Key key) const { QTest::keyClick(window->focusWidget(), key); }
+};
+
+/// Does the work once in the next editor that opens, while that is on the screen.
+class InNextEditor
+{
+public:
+    explicit InNextEditor(std::function<void(const Editor&)> work)
+    {
+        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this, work = std::move(work)] {
+            auto* editor = qobject_cast<ConnectionEditor*>(QApplication::activeModalWidget());
+            if (editor == nullptr) {
+                return;
+            }
+            timer_.stop();
+            ASSERT_TRUE(QTest::qWaitForWindowActive(editor));
+            work({editor});
+            if (editor->isVisible()) {
+                editor->reject();
+            }
+            isDone_ = true;
+        });
+        timer_.start(0);
+    }
+
+    /// A key that presses a button takes a moment to do so.
+    void wait() const
+    {
+        EXPECT_TRUE(QTest::qWaitFor([this] { return isDone_; }, 30'000));
+    }
+
+private:
+    bool isDone_ = false;
+    QTimer timer_;
+};
+
+class ConnectionManagerWindow : public testing::Test
+{
+protected:
+    /// Opens the window with these SQLite connections.
+    void open(const std::vector<std::string>& names)
+    {
+        for (const std::string& name : names) {
+            dbui_add_connection(record(name), false);
+        }
+        window = std::make_unique<ConnectionManager>();
+        window->show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    }
+
+    [[nodiscard]] DbuiConnection record(const std::string& name) const
+    {
+        return {name, "QSQLITE", "", "", folder.file(name + ".db"), "", ""};
+    }
+
+    [[nodiscard]] std::string line(const std::string& name) const
+    {
+        return test_support::line_of(record(name)) + ";";
+    }
+
+    [[nodiscard]] QTreeWidget* list() const
+    {
+        return window->findChild<QTreeWidget*>(QStringLiteral("connections"));
+    }
+
+    /// The names in the list, with a star behind the selected one.
+    [[nodiscard]] std::string shown() const
+    {
+        std::string text;
+        for (int i = 0; i < list()->topLevelItemCount(); ++i) {
+            const QTreeWidgetItem* item = list()->topLevelItem(i);
+            text += dbif::to_utf8(item->text(0)) + (item->isSelected() ? "*;" : ";");
+        }
+        return text;
+    }
+
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
+    {
+        window->activateWindow(); // a desktop does that when a dialog closes
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        QTest::keyClick(list(), key, modifiers);
+    }
+
+    void click(const char* button) const
+    {
+        QTest::mouseClick(
+            window->findChild<QPushButton*>(QString::fromLatin1(button)), Qt::LeftButton);
+    }
+
+    test_support::TempDirectory folder;
+    std::unique_ptr<ConnectionManager> window;
+};
+} // namespace
+
+TEST_F(ConnectionManagerWindow, AddsByKeyboardAndChecksWhileOneTypes)
+{
+    open({"lab"});
+    {
+        const InNextEditor robot([this](const Editor& editor) {
+            EXPECT_EQ(editor.word("name") + editor.word("file"), "needed!needed!");
+            EXPECT_EQ(editor.window->focusWidget(), editor.field("name"));
+            editor.type("name", " lab");
+            EXPECT_EQ(editor.word("name"), "taken!");
+            editor.type("name", "new one ");
+            EXPECT_EQ(editor.word("name"), "!");
+            const std::pair<std::string, const char*> files[] = {
+                {"/nowhere/x.db", "no such folder!"},
+                {folder.path(), "a folder!"},
+                {folder.file("new one.db"), "new file"}};
+            for (const auto& [file, word] : files) {
+                editor.type("file", file);
+                EXPECT_EQ(editor.word("file"), word);
+            }
+            editor.press(Qt::Key_Return);
+        });
+        press(Qt::Key_A, Qt::AltModifier);
+        robot.wait();
+    }
+    EXPECT_EQ(stored_lines(), line("lab") + line("new one"));
+    EXPECT_EQ(shown(), "lab;new one*;");
+    EXPECT_TRUE(std::filesystem::exists(folder.file("new one.db")));
+
+    const InNextEditor robot([](const Editor& editor) {
+        editor.type("name", "server");
+        QTest::keyClick(editor.window->findChild<QComboBox*>(QStringLiteral("kind")), Qt::Key_Down);
+        EXPECT_FALSE(editor.field("file")->isVisible());
+        for (const char* needed : {"host", "database", "user"}) {
+            EXPECT_EQ(editor.word(needed), "needed!") << needed;
+            editor.type(needed, "x");
+        }
+        const std::pair<const char*, const char*> ports[] = {
+            {"abc", "no number!"}, {"70000", "1 to 65535!"}, {"+3306", ""}};
+        for (const auto& [port, word] : ports) {
+            editor.type("port", port);
+            EXPECT_EQ(editor.word("port"), word);
+        }
+        EXPECT_EQ(editor.field("password")->echoMode(), QLineEdit::Password);
+        editor.press(Qt::Key_Escape);
+    });
+    press(Qt::Key_Insert);
+    robot.wait();
+    EXPECT_EQ(stored_lines(), line("lab") + line("new one"));
+}
+
+TEST_F(ConnectionManagerWindow, EditsAndDuplicates)
+{
+    open({"a", "b"});
+    const BoxClicker boxes;
+    {
+        const InNextEditor robot([](const Editor& editor) {
+            EXPECT_EQ(editor.field("name")->text(), QStringLiteral("a"));
+            editor.type("name", "b");
+            EXPECT_EQ(editor.word("name"), "taken!");
+            editor.press(Qt::Key_Return);
+            EXPECT_TRUE(editor.window->isVisible());
+        });
+        press(Qt::Key_Return);
+    }
+    EXPECT_EQ(stored_lines(), line("a") + line("b"));
+    {
+        const InNextEditor robot([this](const Editor& editor) {
+            editor.type("name", "c");
+            editor.type("file", folder.file("c.db"));
+            editor.press(Qt::Key_Return);
+        });
+        click("edit");
+    }
+    EXPECT_EQ(stored_lines(), line("b") + line("c"));
+    EXPECT_EQ(shown(), "b;c*;");
+
+    const InNextEditor robot([](const Editor& editor) { editor.press(Qt::Key_Return); });
+    click("duplicate");
+    EXPECT_EQ(shown(), "b;c;c 2*;");
+}
+
+TEST_F(ConnectionManagerWindow, StoresWhatDoesNotOpenOnlyOnYes)
+{
+    open({});
+    test_support::write_file(folder.file("text.db"), std::string(200, '.'));
+    const std::string failure =
+        "critical: Database Connection: Error occurred, Database Connection text's information has "
+        "failed to create and open a valid database connection.\nCheck Database Connection Error: "
+        "Failed to open valid database connection.\nfile is not a database\n[OK]"
+        "question: Store connection: The connection does not open at the moment. Store it all the "
+        "same?[&Yes][&No*]";
+    for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
+        BoxClicker boxes(answer);
+        const InNextEditor robot([this, answer](const Editor& editor) {
+            editor.type("name", "text");
+            editor.type("file", folder.file("text.db"));
+            editor.press(Qt::Key_Return);
+            EXPECT_EQ(editor.window->isVisible(), answer == QMessageBox::No);
+        });
+        click("add");
+        EXPECT_EQ(boxes.take(), failure);
+        EXPECT_EQ(shown(), answer == QMessageBox::No ? "" : "text*;");
+    }
+}
+
+TEST_F(ConnectionManagerWindow, RemovesOnlyOnYes)
+{
+    open({"a", "b"});
+    {
+        BoxClicker boxes(QMessageBox::No);
+        press(Qt::Key_Delete);
+        EXPECT_EQ(
+            boxes.take(), "question: Remove connection: Forget the connection \"a\"? Its database "
+                          "stays as it is.[&Yes][&No*]");
+    }
+    EXPECT_EQ(shown(), "a*;b;");
+    BoxClicker boxes(QMessageBox::Yes);
+    press(Qt::Key_Delete);
+    EXPECT_EQ(stored_lines(), line("b"));
+    EXPECT_EQ(shown(), "b*;");
+
+    // A folder in the place of the lock: the call says itself that it failed.
+    boxes.take();
+    const std::string lock = folder.connections_file() + ".lock";
+    std::filesystem::remove(lock);
+    std::filesystem::create_directory(lock);
+    click("remove");
+    EXPECT_THAT(boxes.take(), HasSubstr("critical: Remove Connection: Failed to save"));
+    EXPECT_EQ(shown(), "b*;");
+
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(ConnectionManagerWindow, FollowsChangesByAnybody)
+{
+    open({"a", "b"});
+    list()->setCurrentItem(list()->topLevelItem(1));
+    dbui_remove_connection(record("a"), false);
+    EXPECT_EQ(shown(), "b*;");
+    const auto addC = [this] {
+        return dbui_add_connection(record("c"), false);
+    };
+    EXPECT_EQ(test_support::status_of(test_support::start_child(addC)), 0);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return shown() == "b*;c;"; }, 30'000)) << shown();
+}
+
+TEST_F(ConnectionManagerWindow, TestsWithoutFreezing)
+{
+    open({"a"});
+    const auto* view = window->findChild<QTextBrowser*>(QStringLiteral("diagnosis"));
+    const auto* test = window->findChild<QPushButton*>(QStringLiteral("test"));
+    const auto text = [view] {
+        return dbif::to_utf8(view->toPlainText());
+    };
+    const auto test_to_the_end = [&] {
+        click("test");
+        EXPECT_EQ(test->text(), QStringLiteral("&Stop"));
+        EXPECT_FALSE(window->findChild<QPushButton*>(QStringLiteral("remove"))->isEnabled());
+        EXPECT_TRUE(
+            QTest::qWaitFor([test] { return test->text() == QStringLiteral("&Test"); }, 60'000));
+    };
+    test_to_the_end();
+    EXPECT_THAT(text(), testing::StartsWith("\"a\" does not work\n"));
+    EXPECT_THAT(text(), HasSubstr("Put the file back or correct the path."));
+
+    test_support::write_file(folder.file("a.db"), "");
+    test_to_the_end();
+    EXPECT_THAT(text(), testing::StartsWith("\"a\" works\n"));
+
+    // A window may go while its test goes on.
+    click("test");
+    window.reset();
+}
+
+TEST_F(ConnectionManagerWindow, SpeaksGerman)
+{
+    connection_manager::install_translations(QLocale(QStringLiteral("de_AT")));
+    open({"a"});
+    EXPECT_EQ(window->windowTitle(), QStringLiteral("Datenbankverbindungen"));
+    const InNextEditor robot(
+        [](const Editor& editor) { EXPECT_EQ(editor.word("file"), "fehlt!"); });
+    click("add");
+    qDeleteAll(QApplication::instance()->findChildren<QTranslator*>());
+}

@@ -1,0 +1,151 @@
+#include "dbapi/call_cache.h"
+#include "dbapi/dbapi.h"
+#include "dbui/connection_check.h"
+#include "dbui/connection_open.h"
+#include "dbui/connection_registry.h"
+
+#include "tests/support/lab_database.h"
+#include "tests/support/sqlite_file.h"
+
+#include <QVariant>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <unistd.h>
+
+namespace {
+using test_support::Engine;
+using testing::HasSubstr;
+
+/// The devices of the stored connection "lab", or why there are none to be had.
+std::string devices()
+{
+    std::vector<std::string> names;
+    std::string errors;
+    return dbapi::db_get_values_for_keyword_as_text("lab", "$DEVNAME", &names, "", &errors)
+               ? test_support::joined(names)
+               : errors;
+}
+
+/// The server's number of the connection that the library keeps open between calls.
+int kept_connection()
+{
+    QSqlQuery query = dbapi_get_cached_connection()->query(
+        QStringLiteral("SELECT CONNECTION_ID()"), 0, __FILE__, __LINE__);
+    return query.next() ? query.value(0).toInt() : 0;
+}
+
+void wait_until_gone(test_support::MeasurementDatabase& database, int connection)
+{
+    const std::string sql =
+        "SELECT id FROM information_schema.processlist WHERE id = " + std::to_string(connection);
+    while (!database.rows(sql).empty()) {
+        usleep(10'000);
+    }
+}
+
+TEST(StayingConnected, MySqlConnectionsThatTheServerEnded)
+{
+    test_support::LabDatabase lab(Engine::MariaDb);
+    const std::string all = devices();
+    EXPECT_EQ(all, "d3;lonely;n1;n2;");
+
+    int connection = kept_connection();
+    MariaDbServer::instance().execute("KILL " + std::to_string(connection));
+    wait_until_gone(lab, connection);
+    EXPECT_EQ(devices(), all);
+
+    connection = kept_connection();
+    dbapi_get_cached_connection()->query(
+        QStringLiteral("SET SESSION wait_timeout = 1"), 0, __FILE__, __LINE__);
+    wait_until_gone(lab, connection);
+    EXPECT_EQ(devices(), all);
+    EXPECT_NE(kept_connection(), connection);
+}
+
+/// A server of one test's own, which can be stopped and started again.
+class OwnServer
+{
+public:
+    OwnServer()
+    {
+        run("start");
+        std::ifstream state(folder_.file(std::to_string(getpid()) + "/server"));
+        std::getline(state, port);
+        std::getline(state, user);
+        std::getline(state, password);
+    }
+
+    ~OwnServer() { run("stop"); }
+
+    OwnServer(const OwnServer&) = delete;
+    OwnServer& operator=(const OwnServer&) = delete;
+
+    void halt() { run("halt"); }
+
+    void resume() { run("resume"); }
+
+    std::string port;
+    std::string user;
+    std::string password;
+
+private:
+    void run(const std::string& command)
+    {
+        const std::string line = std::string("'") + MARIADB_FIXTURE + "' " + command + " '" +
+                                 folder_.path() + "' " + std::to_string(getpid());
+        EXPECT_EQ(std::system(line.c_str()), 0) << line;
+    }
+
+    test_support::TempDirectory folder_;
+};
+
+TEST(StayingConnected, SurvivesARestartOfTheServer)
+{
+    OwnServer server;
+    const DbuiConnection record(
+        "lab", "QMYSQL", "127.0.0.1", server.port, "meas", server.user, server.password);
+    std::string error;
+    ASSERT_TRUE(dbui_validate_connection_opens(record, false, &error)) << error;
+    ASSERT_TRUE(dbui_add_connection(record, false, &error)) << error;
+    EXPECT_EQ(devices(), "");
+    ASSERT_EQ(dbapi_get_cached_connection()->isValid(), true);
+
+    server.halt();
+    server.resume();
+    EXPECT_EQ(devices(), "");
+
+    server.halt();
+    for (int call = 0; call < 2; ++call) {
+        EXPECT_THAT(devices(), HasSubstr("Can't connect to server on '127.0.0.1'"));
+    }
+    server.resume();
+    EXPECT_EQ(devices(), "");
+}
+
+TEST(StayingConnected, SeesAnSqliteFileReplacedAndRemoved)
+{
+    test_support::LabDatabase lab(Engine::Sqlite);
+    const std::string path = lab.path();
+    lab.connection = dbui::blank_connection(); // a writer's log would stay beside the new file
+    EXPECT_EQ(devices(), "d3;lonely;n1;n2;");
+
+    // Another file takes its place, as when a backup is put back.
+    const std::string other = lab.folder().file("other.db");
+    test_support::run_on_file(path, "VACUUM INTO '" + other + "'");
+    test_support::run_on_file(other, "UPDATE device SET name = 'other' WHERE name = 'n1'");
+    std::filesystem::rename(other, path);
+    EXPECT_EQ(devices(), "d3;lonely;n2;other;");
+
+    std::filesystem::rename(path, other);
+    for (int call = 0; call < 2; ++call) {
+        EXPECT_THAT(devices(), HasSubstr("The SQLite file \"" + path + "\" does not exist."));
+    }
+    EXPECT_FALSE(std::filesystem::exists(path));
+    std::filesystem::rename(other, path);
+    EXPECT_EQ(devices(), "d3;lonely;n2;other;");
+}
+} // namespace
