@@ -5,7 +5,8 @@
 #include <functional>
 #include <span>
 
-namespace CLI { // NOLINT(readability-identifier-naming)
+// NOLINTNEXTLINE(readability-identifier-naming): the library's name
+namespace CLI {
 class App;
 }
 

@@ -6,7 +6,8 @@
 #include <utility>
 #include <vector>
 
-namespace CLI { // NOLINT(readability-identifier-naming)
+// NOLINTNEXTLINE(readability-identifier-naming): the library's name
+namespace CLI {
 class App;
 }
 

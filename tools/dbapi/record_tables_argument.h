@@ -2,6 +2,7 @@
 
 #include <string>
 
+// NOLINTNEXTLINE(readability-identifier-naming): the library's name
 namespace CLI {
 class App;
 }

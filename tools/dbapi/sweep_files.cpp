@@ -78,6 +78,16 @@ std::uintmax_t size_of(const std::string& file)
     const std::uintmax_t size = fs::file_size(file, error);
     return error ? 0 : size;
 }
+
+void add_new_files(const std::vector<std::string>& files, NewFiles* newFiles, SweepFiles* found)
+{
+    for (const std::string& file : files) {
+        if (newFiles->add(file)) {
+            found->files.push_back(file);
+            found->bytes += size_of(file);
+        }
+    }
+}
 } // namespace
 
 SweepFiles find_sweep_files(const std::vector<std::string>& paths)
@@ -86,12 +96,7 @@ SweepFiles find_sweep_files(const std::vector<std::string>& paths)
     NewFiles newFiles;
     for (const std::string& path : paths) {
         std::string fault;
-        for (const std::string& file : files_of(path, &fault)) {
-            if (newFiles.add(file)) {
-                found.files.push_back(file);
-                found.bytes += size_of(file);
-            }
-        }
+        add_new_files(files_of(path, &fault), &newFiles, &found);
         if (!fault.empty()) {
             found.faults.push_back(fault);
         }
