@@ -41,7 +41,7 @@ std::vector<std::vector<std::string>> read_rows(const dbapi::KeywordQuery& given
     }
     query.markDistinct(distinct);
     dbif::QueryResult result = dbif::run_query(query);
-    const dbif::TraceStep step(connection.trace(), "write the values as text");
+    const dbif::TraceStep step(given.connection.trace(), "write the values as text");
     std::vector<std::vector<std::string>> texts;
     for (dbif::ResultColumn& column : result.columns) {
         texts.push_back(dbif::take_texts(&column));

@@ -1,3 +1,5 @@
+#include "dbif/host_string.h"
+
 #include "tests/support/command_fixture.h"
 
 #include <QProcess>

@@ -219,11 +219,4 @@ void write_data(const DataTable& table, const OutputOptions& options)
     }
     out.finish();
 }
-
-void write_text(const std::string& text)
-{
-    Output out;
-    out << text;
-    out.finish();
-}
 } // namespace dbapi::tool

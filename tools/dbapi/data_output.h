@@ -31,9 +31,6 @@ void add_output_options(CLI::App& arguments, OutputOptions* options);
 
 Format chosen_format(const OutputOptions& options);
 
-/// Writes text for people to standard output. Throws `CommandFailure` when it cannot be written.
-void write_text(const std::string& text);
-
 struct DataColumn
 {
     std::string heading;
