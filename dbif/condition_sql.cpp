@@ -89,6 +89,18 @@ SqlText absence_condition(const ColumnComparison& comparison, DBIF_Connection& c
     return sql << ")";
 }
 
+SqlText id_condition(const ColumnComparison& comparison)
+{
+    const SqlText id = qualified(facts(comparison.table).name, "id");
+    const bool isSelect = comparison.idSelect->utf8().starts_with("SELECT ");
+    SqlText sql;
+    if (isSelect && comparison.isLookedUp) {
+        return sql << "(EXISTS (SELECT 1 FROM (" << *comparison.idSelect
+                   << ") AS selected WHERE selected.id = " << id << "))";
+    }
+    return sql << "(" << id << " IN (" << *comparison.idSelect << "))";
+}
+
 SqlText comparison_sql(const ColumnComparison& comparison, DBIF_Connection& connection)
 {
     SqlText sql;
@@ -97,7 +109,7 @@ SqlText comparison_sql(const ColumnComparison& comparison, DBIF_Connection& conn
         return absence_condition(comparison, connection);
     }
     if (comparison.idSelect.has_value()) {
-        return sql << "(" << qualified(f.name, "id") << " IN (" << *comparison.idSelect << "))";
+        return id_condition(comparison);
     }
     if (comparison.isKey) {
         return key_condition(comparison, connection);

@@ -25,7 +25,8 @@ struct ColumnComparison
     bool holdsNumbers = false;
     NumberRanges ranges;
     std::vector<std::string> texts;
-    /// When given, the comparison holds for the records whose ids this statement yields.
+    /// When given, the comparison holds for the records whose ids this statement yields in its only
+    /// column, "id"; it may also be a list of ids.
     std::optional<SqlText> idSelect;
     /// Prints as a look-up for each record that other comparisons leave, and not as the set of all
     /// records that satisfy it.

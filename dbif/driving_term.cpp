@@ -3,6 +3,7 @@
 #include "dbif/bulk_cursor.h"
 #include "dbif/condition_sql.h"
 #include "dbif/id_list.h"
+#include "dbif/read_trace.h"
 #include "dbif/table_graph.h"
 
 #include <algorithm>
@@ -10,21 +11,22 @@
 
 namespace dbif {
 namespace {
-/// A comparison of the conjunction that an index serves.
+/// A comparison of the conjunction that may drive.
 struct Candidate
 {
     std::size_t operand;
+    RecordTable table;
     /// The records that it selects, by id.
     SqlText select;
-    /// How many records of the base stand below one of its records, on average.
     std::size_t fanOut = 1;
 };
 
-bool is_served_by_index(const ColumnComparison& comparison)
+/// Whether an index serves it, and it selects some records and not most of them.
+bool may_drive(const ColumnComparison& comparison)
 {
     if (comparison.isOnPoints() || comparison.idSelect.has_value() ||
-        comparison.comparator == IS_NULL || comparison.comparator == NOT_EQUAL ||
-        comparison.comparator == NOT_IN) {
+        comparison.comparator == IS_NULL || comparison.comparator == NOT_NULL ||
+        comparison.comparator == NOT_EQUAL || comparison.comparator == NOT_IN) {
         return false;
     }
     if (comparison.isKey) {
@@ -36,11 +38,7 @@ bool is_served_by_index(const ColumnComparison& comparison)
     });
 }
 
-bool is_above(RecordTable table, RecordTable base)
-{
-    return table != base && with_ancestors(base).has(table);
-}
-
+/// Finds the comparison that drives.
 class Choice
 {
 public:
@@ -48,21 +46,27 @@ public:
         const std::vector<ConditionTree>& operands,
         RecordTable base,
         DBIF_Connection& connection)
-        : connection_(connection)
+        : base_(base), connection_(connection)
     {
         for (std::size_t i = 0; i < operands.size() && candidates_.size() < kMostCandidates; ++i) {
             if (operands[i].kind() == ConditionTree::Kind::Comparison &&
-                is_served_by_index(operands[i].comparison())) {
-                add(i, operands[i].comparison(), base);
+                may_drive(operands[i].comparison())) {
+                add(i, operands[i].comparison());
             }
         }
     }
 
     /// The operand that drives.
-    std::optional<std::size_t> operand()
+    [[nodiscard]] std::optional<std::size_t> operand()
     {
         if (candidates_.empty()) {
             return std::nullopt;
+        }
+        if (candidates_.size() == 1) {
+            return candidates_.front().operand;
+        }
+        for (Candidate& candidate : candidates_) {
+            candidate.fanOut = fanOut(candidate.table);
         }
         std::size_t limit = kFirstLimit;
         while (true) {
@@ -80,9 +84,9 @@ private:
     static constexpr std::size_t kFirstLimit = 1000;
     static constexpr std::size_t kLimitGrowth = 4;
 
-    void add(std::size_t operand, const ColumnComparison& comparison, RecordTable base)
+    void add(std::size_t operand, const ColumnComparison& comparison)
     {
-        Candidate candidate{operand, {}, 1};
+        Candidate candidate{operand, comparison.table, {}};
         if (comparison.isKey) {
             candidate.select = records_with_key("1", comparison, connection_);
         } else {
@@ -90,12 +94,17 @@ private:
                              << " WHERE "
                              << criteria(ConditionTree::comparison(comparison), connection_);
         }
-        if (is_above(comparison.table, base)) {
-            candidate.fanOut = std::max<std::size_t>(
-                1, highest_id(connection_, base) /
-                       std::max<std::size_t>(1, highest_id(connection_, comparison.table)));
-        }
         candidates_.push_back(std::move(candidate));
+    }
+
+    /// How many records of the base stand below one of the table, on average.
+    std::size_t fanOut(RecordTable table)
+    {
+        if (table == base_ || !with_ancestors(base_).has(table)) {
+            return 1;
+        }
+        const std::size_t above = std::max<std::size_t>(1, highest_id(connection_, table));
+        return std::max<std::size_t>(1, highest_id(connection_, base_) / above);
     }
 
     bool selectsMore(const Candidate& candidate, std::size_t limit)
@@ -105,6 +114,7 @@ private:
         return BulkCursor(connection_, sql).next();
     }
 
+    RecordTable base_;
     DBIF_Connection& connection_;
     std::vector<Candidate> candidates_;
 };
@@ -116,6 +126,7 @@ with_driving_term(const ConditionTree& condition, RecordTable base, DBIF_Connect
     if (condition.kind() != ConditionTree::Kind::And || connection.dialect().weighsSubSelects()) {
         return condition;
     }
+    const TraceStep step(connection.trace(), "find the most selective term");
     std::vector<ConditionTree> operands = condition.operands();
     const std::optional<std::size_t> driver = Choice(operands, base, connection).operand();
     if (!driver.has_value()) {

@@ -314,7 +314,7 @@ private:
 /// The condition that a setup has one of the keys.
 ConditionTree has_one_of(const std::vector<KeyDefinition>& keys)
 {
-    SqlText sql = "SELECT setup_id FROM setup_association WHERE setup_column_id IN (";
+    SqlText sql = "SELECT setup_id AS id FROM setup_association WHERE setup_column_id IN (";
     for (std::size_t i = 0; i < keys.size(); ++i) {
         sql << (i == 0 ? SqlText() : SqlText(", ")) << keys[i].id;
     }

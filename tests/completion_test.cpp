@@ -52,7 +52,7 @@ TEST_F(Completion, OffersWhatFitsThePlace)
 
     const std::vector<Case> cases{
         {{"va"}, "values\n"},
-        {{"connection", ""}, "add\nlist\ntest\nremove\n"},
+        {{"connection", ""}, "add\nlist\ntest\nremove\nmanage\n"},
         {{"connection", "remove", ""}, "lab\n"},
         {{"connection", "add", ""}, "\n"},
         {{"keys", "l"}, "lab\n"},

@@ -26,6 +26,7 @@ std::vector<Shown> shown_in(const std::string& document)
     std::string line;
     bool isOpen = false;
     bool isContinued = false;
+    std::string emptyLines;
     while (std::getline(lines, line)) {
         const bool isIndented = line.starts_with(kIndent);
         const std::string text = isIndented ? line.substr(kIndent.size()) : std::string();
@@ -34,8 +35,13 @@ std::vector<Shown> shown_in(const std::string& document)
         } else if (text.starts_with("$ ")) {
             all.push_back({text.substr(2), {}});
             isOpen = true;
+            emptyLines.clear();
+        } else if (isOpen && line.empty()) {
+            emptyLines += "\n";
+            continue;
         } else if (isOpen && isIndented) {
-            all.back().output += text + "\n";
+            all.back().output += emptyLines + text + "\n";
+            emptyLines.clear();
             continue;
         } else {
             isOpen = false;
