@@ -95,11 +95,12 @@ public:
         if (dialect_ == nullptr || isInTransaction_ || !dialect_->isConnectionLost(error)) {
             return false;
         }
-        close();
-        QSqlDatabase::removeDatabase(name_);
-        open();
-        return isValid();
+        isLost_ = true;
+        return reopen();
     }
+
+    /// Reaches a server anew that went away and could not be reached since.
+    bool reopenLost() { return isLost_ && !isInTransaction_ && reopen(); }
 
     [[nodiscard]] bool isValid() const { return session_ != nullptr; }
 
@@ -114,6 +115,16 @@ public:
     bool isInTransaction_ = false;
 
 private:
+    bool reopen()
+    {
+        close();
+        QSqlDatabase::removeDatabase(name_);
+        open();
+        return isValid();
+    }
+
+    bool isLost_ = false;
+
     bool isFileUsable(dbif::MissingFile missingFile)
     {
         const QFileInfo file(dbif::to_qt(parameters_.database));
@@ -157,7 +168,7 @@ QSqlError DBIF_Connection::lastError() const
 
 QSqlQuery DBIF_Connection::query(const QString& sql, int /*option*/, const char* file, int line)
 {
-    if (!isValid()) {
+    if (!isValid() && !managed_->reopenLost()) {
         throw DBIF_Exception(sql, managed_->lastError_, QString::fromUtf8(file), line);
     }
     for (bool isRetry = false;; isRetry = true) {

@@ -10,7 +10,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <cstring>
+#include <map>
 #include <mysql.h>
 
 namespace dbif {
@@ -353,6 +355,24 @@ public:
     }
 
     ChangeToken changeToken() override { return {}; }
+
+    /// Only the nodes of a cluster bound what they replicate at once.
+    TransactionLimit transactionLimit() override
+    {
+        std::map<std::string, std::string> variables;
+        MysqlStatement statement(
+            handle_, SqlText("SHOW VARIABLES WHERE Variable_name IN ('wsrep_on', "
+                             "'wsrep_max_ws_size', 'wsrep_max_ws_rows')"));
+        while (statement.step()) {
+            variables[std::string(statement.text(0))] = std::string(statement.text(1));
+        }
+        TransactionLimit limit;
+        if (variables["wsrep_on"] == "ON") {
+            limit.bytes = std::strtoull(variables["wsrep_max_ws_size"].c_str(), nullptr, 10);
+            limit.rows = std::strtoull(variables["wsrep_max_ws_rows"].c_str(), nullptr, 10);
+        }
+        return limit;
+    }
 
     std::string version() override { return mysql_get_server_info(handle_); }
 
