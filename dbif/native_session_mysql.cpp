@@ -14,6 +14,7 @@
 #include <cstring>
 #include <map>
 #include <mysql.h>
+#include <optional>
 
 namespace dbif {
 namespace {
@@ -359,6 +360,17 @@ public:
     /// Only the nodes of a cluster bound what they replicate at once.
     TransactionLimit transactionLimit() override
     {
+        if (!transactionLimit_.has_value()) {
+            transactionLimit_ = readTransactionLimit();
+        }
+        return *transactionLimit_;
+    }
+
+    std::string version() override { return mysql_get_server_info(handle_); }
+
+private:
+    TransactionLimit readTransactionLimit()
+    {
         std::map<std::string, std::string> variables;
         MysqlStatement statement(
             handle_, SqlText("SHOW VARIABLES WHERE Variable_name IN ('wsrep_on', "
@@ -374,9 +386,6 @@ public:
         return limit;
     }
 
-    std::string version() override { return mysql_get_server_info(handle_); }
-
-private:
     std::size_t packetLimit()
     {
         if (packetLimit_ == 0) {
@@ -390,6 +399,7 @@ private:
 
     MYSQL* handle_;
     std::size_t packetLimit_ = 0;
+    std::optional<TransactionLimit> transactionLimit_;
 };
 } // namespace
 

@@ -219,19 +219,13 @@ public:
         for (const SetupColumn& column : sweep) {
             const int id = keys_.define(
                 RecordTable::Setup, column.name, column.values.kind, column.isInput ? "IN" : "OUT");
-            RowInserter& held = rows_.into(
-                "setup_association",
-                {"setup_id", "setup_column_id", "vanto_header", "points", "minimum", "maximum"});
-            held.integer(setup).integer(id);
-            (column.header.empty() ? held.null() : held.text(column.header))
-                .integer(static_cast<long long>(column.values.size()));
             const std::optional<SweepBounds> limits = bounds(column.values);
-            if (limits.has_value()) {
-                held.number(limits->minimum).number(limits->maximum);
-            } else {
-                held.null().null();
-            }
-            held.endRow();
+            insert_association(
+                rows_, setup, id,
+                column.header.empty() ? std::nullopt : std::optional(column.header),
+                static_cast<long long>(column.values.size()),
+                limits.has_value() ? std::optional(limits->minimum) : std::nullopt,
+                limits.has_value() ? std::optional(limits->maximum) : std::nullopt);
             int number = 0;
             for (const std::string& chunk : pack(column.values)) {
                 insert_chunk(rows_, setup, id, number++, chunk);

@@ -146,6 +146,24 @@ int insert_record(RowStore& rows, const TableFacts& f, const RecordRow& record)
     return id;
 }
 
+void insert_association(
+    RowStore& rows,
+    int setup,
+    int column,
+    const std::optional<std::string>& header,
+    long long points,
+    const std::optional<double>& minimum,
+    const std::optional<double>& maximum)
+{
+    RowInserter& row = rows.into(
+        "setup_association",
+        {"setup_id", "setup_column_id", "vanto_header", "points", "minimum", "maximum"});
+    row.integer(setup).integer(column);
+    (header.has_value() ? row.text(*header) : row.null()).integer(points);
+    minimum.has_value() ? row.number(*minimum) : row.null();
+    (maximum.has_value() ? row.number(*maximum) : row.null()).endRow();
+}
+
 void insert_chunk(RowStore& rows, int setup, int column, int number, std::string_view payload)
 {
     rows.into("setup_data", {"setup_column_id", "setup_id", "chunk", "payload"})

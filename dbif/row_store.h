@@ -60,7 +60,17 @@ struct RecordRow
 /// Inserts the record and returns its id.
 int insert_record(RowStore& rows, const TableFacts& f, const RecordRow& record);
 
-/// Inserts the packed values of one key of a setup.
+/// Inserts what a setup says of one of its keys.
+void insert_association(
+    RowStore& rows,
+    int setup,
+    int column,
+    const std::optional<std::string>& header,
+    long long points,
+    const std::optional<double>& minimum,
+    const std::optional<double>& maximum);
+
+/// Inserts packed values of one key of a setup.
 void insert_chunk(RowStore& rows, int setup, int column, int number, std::string_view payload);
 
 } // namespace dbif

@@ -1,9 +1,11 @@
 #include "dbif/superseding.h"
 
 #include "dbif/bulk_cursor.h"
+#include "dbif/id_list.h"
 
 #include <algorithm>
 #include <map>
+#include <tuple>
 
 namespace dbif {
 namespace {
@@ -16,10 +18,7 @@ std::vector<int> without_latest_setup(DBIF_Connection& connection, const std::ve
     std::vector<int> found;
     for (std::size_t first = 0; first < ids.size(); first += kRecordsPerStatement) {
         SqlText sql = "SELECT id FROM measurement WHERE superseded_by IS NULL AND id IN (";
-        const std::size_t last = std::min(first + kRecordsPerStatement, ids.size());
-        for (std::size_t i = first; i < last; ++i) {
-            sql << (i == first ? SqlText() : SqlText(", ")) << ids[i];
-        }
+        sql << id_sequence(ids, first, std::min(kRecordsPerStatement, ids.size() - first));
         sql << ") AND NOT EXISTS (SELECT 1 FROM setup JOIN measurement_condition ON "
                "measurement_condition.id = setup.measurement_condition_id WHERE "
                "measurement_condition.measurement_id = measurement.id AND setup.superseded_by IS NULL)";
@@ -94,6 +93,49 @@ void supersede_setups(DBIF_Connection& connection, int firstNew)
         }
     }
     mark_superseded(connection, superseded);
+}
+
+std::vector<SupersededSetup>
+latest_twins(DBIF_Connection& connection, const std::vector<int>& setups)
+{
+    struct Setup
+    {
+        std::string time;
+        int id = 0;
+        int measurement = 0;
+
+        bool operator<(const Setup& other) const
+        {
+            return std::tie(time, id) < std::tie(other.time, other.id);
+        }
+    };
+
+    std::map<Setup, Setup> newest;
+    for (std::size_t first = 0; first < setups.size(); first += kRecordsPerStatement) {
+        SqlText sql;
+        sql << "SELECT a.id, a.modified_time, ac.measurement_id, b.id, b.modified_time, bc.measurement_id "
+               "FROM setup AS a"
+            << connection.dialect().orderedJoin()
+            << "setup AS b ON b.identity = a.identity JOIN measurement_condition AS ac ON ac.id = "
+               "a.measurement_condition_id JOIN measurement_condition AS bc ON bc.id = "
+               "b.measurement_condition_id WHERE a.superseded_by IS NULL AND b.superseded_by IS NULL AND "
+               "a.id <> b.id AND a.id IN ("
+            << id_sequence(setups, first, std::min(kRecordsPerStatement, setups.size() - first))
+            << ")";
+        BulkCursor cursor(connection, sql);
+        while (cursor.next()) {
+            Setup a{std::string(cursor.text(1)), cursor.integer(0), cursor.integer(2)};
+            Setup b{std::string(cursor.text(4)), cursor.integer(3), cursor.integer(5)};
+            const auto& [older, newer] = std::minmax(a, b);
+            const auto found = newest.emplace(older, newer).first;
+            found->second = std::max(found->second, newer);
+        }
+    }
+    std::vector<SupersededSetup> twins;
+    for (const auto& [older, newer] : newest) {
+        twins.push_back({older.id, newer.id, older.measurement, newer.measurement});
+    }
+    return twins;
 }
 
 void supersede_measurements(DBIF_Connection& connection, int newer, const std::string& identity)

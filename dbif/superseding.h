@@ -25,6 +25,11 @@ void supersede_setups(DBIF_Connection& connection, int firstNew);
 /// A measurement without setups supersedes older ones of its identity that have none either.
 void supersede_measurements(DBIF_Connection& connection, int newer, const std::string& identity);
 
+/// The setups among those of the ids that are latest beside another latest one of their identity,
+/// or are that other one: each of the older with the newest, by time.
+std::vector<SupersededSetup>
+latest_twins(DBIF_Connection& connection, const std::vector<int>& setups);
+
 /// A link between records: `id` is to be superseded by `by`; 0 clears it.
 struct SupersedingLink
 {

@@ -34,6 +34,7 @@ CommandRunner declare_connection_list(CLI::App& arguments);
 CommandRunner declare_connection_test(CLI::App& arguments);
 CommandRunner declare_connection_remove(CLI::App& arguments);
 CommandRunner declare_import(CLI::App& arguments);
+CommandRunner declare_copy(CLI::App& arguments);
 CommandRunner declare_values(CLI::App& arguments);
 CommandRunner declare_keys(CLI::App& arguments);
 CommandRunner declare_ids(CLI::App& arguments);
