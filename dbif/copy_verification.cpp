@@ -185,38 +185,44 @@ void Comparison::compareRecords(
     }
 }
 
+/// Adds the measurements to a side, and notes what supersedes them and their setups.
+void add_measurements(
+    DBIF_Connection& connection,
+    const std::vector<int>& ids,
+    Side* side,
+    std::map<RecordTable, std::map<int, int>>* links)
+{
+    std::vector<MeasurementContent> contents = read_measurements(connection, ids);
+    std::vector<MeasurementContent*> all;
+    all.reserve(contents.size());
+    for (MeasurementContent& content : contents) {
+        all.push_back(&content);
+    }
+    for (std::size_t first = 0; first < all.size();) {
+        const auto begin = all.begin() + static_cast<std::ptrdiff_t>(first);
+        const std::vector<MeasurementContent*> group(
+            begin, begin + static_cast<std::ptrdiff_t>(payload_group(all, first)));
+        read_chunks(connection, Payload::Whole, group);
+        for (MeasurementContent* content : group) {
+            side->add(*content);
+            const RecordContent& record = content->record;
+            (*links)[RecordTable::Measurement][record.id] = record.supersededBy;
+            for_each_setup(*content, [links](const SetupContent& setup) {
+                (*links)[RecordTable::Setup][setup.record.id] = setup.record.supersededBy;
+            });
+            *content = {};
+        }
+        first += group.size();
+    }
+}
+
 void Comparison::compareMeasurements(const std::vector<int>& ids, const std::map<int, int>& places)
 {
-    const auto addAll = [](DBIF_Connection& connection, const std::vector<int>& some, Side* side,
-                           std::map<RecordTable, std::map<int, int>>* links) {
-        std::vector<MeasurementContent> contents = read_measurements(connection, some);
-        std::vector<MeasurementContent*> all;
-        for (MeasurementContent& content : contents) {
-            all.push_back(&content);
-        }
-        for (std::size_t first = 0; first < all.size();) {
-            const std::size_t count = payload_group(all, first);
-            const auto begin = all.begin() + static_cast<std::ptrdiff_t>(first);
-            read_chunks(
-                connection, Payload::Whole, {begin, begin + static_cast<std::ptrdiff_t>(count)});
-            for (std::size_t i = first; i < first + count; ++i) {
-                side->add(*all[i]);
-                (*links)[RecordTable::Measurement][all[i]->record.id] = all[i]->record.supersededBy;
-                for (const ConditionContent& condition : all[i]->conditions) {
-                    for (const SetupContent& setup : condition.setups) {
-                        (*links)[RecordTable::Setup][setup.record.id] = setup.record.supersededBy;
-                    }
-                }
-                *all[i] = {};
-            }
-            first += count;
-        }
-    };
     std::map<RecordTable, std::map<int, int>> ignored;
     for (std::size_t first = 0; first < ids.size(); first += kRecordsPerRead) {
         const std::vector<int> some = part_of(ids, first, kRecordsPerRead);
-        addAll(source_, some, &sourceSide_, &ignored);
-        addAll(target_, mapped(some, places), &targetSide_, &targetLinks_);
+        add_measurements(source_, some, &sourceSide_, &ignored);
+        add_measurements(target_, mapped(some, places), &targetSide_, &targetLinks_);
         if (progress_) {
             progress_(std::min(first + kRecordsPerRead, ids.size()));
         }

@@ -28,6 +28,7 @@ void for_each_list(
 std::vector<int> ids_of(const std::vector<RecordContent>& records)
 {
     std::vector<int> ids;
+    ids.reserve(records.size());
     for (const RecordContent& record : records) {
         ids.push_back(record.id);
     }
@@ -126,27 +127,63 @@ SweepPlaces places_of(const std::vector<MeasurementContent*>& measurements)
 {
     SweepPlaces places;
     for (MeasurementContent* measurement : measurements) {
-        for (ConditionContent& condition : measurement->conditions) {
-            for (SetupContent& setup : condition.setups) {
-                places.setups.push_back(setup.record.id);
-                places.byId[setup.record.id] = &setup;
-            }
-        }
+        for_each_setup(*measurement, [&places](SetupContent& setup) {
+            places.setups.push_back(setup.record.id);
+            places.byId[setup.record.id] = &setup;
+        });
     }
     return places;
+}
+
+/// Yields the chunks of the setups, key by key.
+SqlText chunk_statement(Payload payload, const SqlText& setups)
+{
+    SqlText sql =
+        "SELECT a.setup_id, c.column_key, a.vanto_header, a.points, a.minimum, a.maximum, ";
+    if (payload == Payload::Whole) {
+        sql << "d.payload";
+    } else {
+        sql << "substr(d.payload, 1, " << kHeadBytes << ")";
+    }
+    return sql
+           << " FROM setup_association a JOIN setup_column c ON c.id = a.setup_column_id LEFT JOIN "
+              "setup_data d ON d.setup_column_id = a.setup_column_id AND d.setup_id = a.setup_id "
+              "WHERE a.setup_id IN ("
+           << setups << ") ORDER BY a.setup_id, c.column_key, d.chunk";
+}
+
+/// Adds the chunk of a row to its key, which is the last one or a new one.
+void add_chunk(BulkCursor& cursor, std::vector<SweepContent>* sweeps)
+{
+    if (sweeps->empty() || sweep_key(sweeps->back()) != cursor.text(1)) {
+        const std::optional<ColumnKeyParts> parts = split_column_key(cursor.text(1));
+        if (!parts.has_value()) {
+            return;
+        }
+        sweeps->push_back(
+            {parts->name,
+             parts->kind,
+             parts->category == "IN",
+             optional_text(cursor, 2),
+             cursor.integer(3),
+             optional_number(cursor, 4),
+             optional_number(cursor, 5),
+             {}});
+    }
+    if (!cursor.isNull(6)) {
+        sweeps->back().chunks.emplace_back(cursor.text(6));
+    }
 }
 } // namespace
 
 std::size_t MeasurementContent::cells() const
 {
     std::size_t cells = 0;
-    for (const ConditionContent& condition : conditions) {
-        for (const SetupContent& setup : condition.setups) {
-            for (const SweepContent& sweep : setup.sweeps) {
-                cells += static_cast<std::size_t>(sweep.points);
-            }
+    for_each_setup(*this, [&cells](const SetupContent& setup) {
+        for (const SweepContent& sweep : setup.sweeps) {
+            cells += static_cast<std::size_t>(sweep.points);
         }
-    }
+    });
     return cells;
 }
 
@@ -211,6 +248,7 @@ read_measurements(DBIF_Connection& connection, const std::vector<int>& ids)
         measurements[measurement].conditions[condition].setups.push_back({std::move(record), {}});
     }
     std::vector<MeasurementContent*> all;
+    all.reserve(measurements.size());
     for (MeasurementContent& measurement : measurements) {
         all.push_back(&measurement);
     }
@@ -221,47 +259,16 @@ read_measurements(DBIF_Connection& connection, const std::vector<int>& ids)
 void read_chunks(
     DBIF_Connection& connection,
     Payload payload,
-    std::vector<MeasurementContent*> measurements)
+    const std::vector<MeasurementContent*>& measurements)
 {
     const SweepPlaces places = places_of(measurements);
     for (const auto& [id, setup] : places.byId) {
         setup->sweeps.clear();
     }
     for_each_list(places.setups, [&](const SqlText& list) {
-        SqlText sql;
-        sql << "SELECT a.setup_id, c.column_key, a.vanto_header, a.points, a.minimum, a.maximum, ";
-        if (payload == Payload::Whole) {
-            sql << "d.payload";
-        } else {
-            sql << "substr(d.payload, 1, " << kHeadBytes << ")";
-        }
-        sql << " FROM setup_association a JOIN setup_column c ON c.id = a.setup_column_id LEFT JOIN "
-               "setup_data d ON d.setup_column_id = a.setup_column_id AND d.setup_id = a.setup_id "
-               "WHERE a.setup_id IN ("
-            << list << ") ORDER BY a.setup_id, c.column_key, d.chunk";
-        BulkCursor cursor(connection, sql);
-        std::string lastKey;
+        BulkCursor cursor(connection, chunk_statement(payload, list));
         while (cursor.next()) {
-            std::vector<SweepContent>& sweeps = places.byId.at(cursor.integer(0))->sweeps;
-            if (sweeps.empty() || lastKey != cursor.text(1)) {
-                lastKey = cursor.text(1);
-                const std::optional<ColumnKeyParts> parts = split_column_key(lastKey);
-                if (!parts.has_value()) {
-                    continue;
-                }
-                sweeps.push_back(
-                    {parts->name,
-                     parts->kind,
-                     parts->category == "IN",
-                     optional_text(cursor, 2),
-                     cursor.integer(3),
-                     optional_number(cursor, 4),
-                     optional_number(cursor, 5),
-                     {}});
-            }
-            if (!cursor.isNull(6)) {
-                sweeps.back().chunks.emplace_back(cursor.text(6));
-            }
+            add_chunk(cursor, &places.byId.at(cursor.integer(0))->sweeps);
         }
     });
 }

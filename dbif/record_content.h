@@ -56,6 +56,17 @@ struct MeasurementContent
     [[nodiscard]] std::size_t cells() const;
 };
 
+/// Calls `use` for each setup of a measurement.
+template <typename Measurement, typename Use>
+void for_each_setup(Measurement& measurement, const Use& use)
+{
+    for (auto& condition : measurement.conditions) {
+        for (auto& setup : condition.setups) {
+            use(setup);
+        }
+    }
+}
+
 /// What is read of the chunks of a setup's keys.
 enum class Payload {
     Heads, ///< the first 16 bytes, which hold the checksum
@@ -77,7 +88,7 @@ read_measurements(DBIF_Connection& connection, const std::vector<int>& ids);
 void read_chunks(
     DBIF_Connection& connection,
     Payload payload,
-    std::vector<MeasurementContent*> measurements);
+    const std::vector<MeasurementContent*>& measurements);
 
 /// Up to `count` of the ids, from the place `first` on.
 std::vector<int> part_of(const std::vector<int>& ids, std::size_t first, std::size_t count);

@@ -219,13 +219,11 @@ void Copy::copyMeasurements(const std::vector<int>& ids)
 
 void Copy::write(MeasurementContent& measurement)
 {
-    for (const ConditionContent& condition : measurement.conditions) {
-        for (const SetupContent& setup : condition.setups) {
-            for (const SweepContent& sweep : setup.sweeps) {
-                check_sweep(sweep, setup.record.id);
-            }
+    for_each_setup(measurement, [](const SetupContent& setup) {
+        for (const SweepContent& sweep : setup.sweeps) {
+            check_sweep(sweep, setup.record.id);
         }
-    }
+    });
     CopyPlaces& places = outcome_.places;
     CopyPlaces added;
     write_with_retries(target_, [&] {
@@ -305,13 +303,11 @@ void Copy::writeLinks(const MeasurementContent& measurement, const CopyPlaces& a
     link(
         "measurement", measurement.record, added.measurements.at(measurement.record.id),
         places.measurements, selection_.olderMeasurements);
-    for (const ConditionContent& condition : measurement.conditions) {
-        for (const SetupContent& setup : condition.setups) {
-            link(
-                "setup", setup.record, added.setups.at(setup.record.id), places.setups,
-                selection_.olderSetups);
-        }
-    }
+    for_each_setup(measurement, [&](const SetupContent& setup) {
+        link(
+            "setup", setup.record, added.setups.at(setup.record.id), places.setups,
+            selection_.olderSetups);
+    });
 }
 
 /// Where the target has another latest setup of a copied one's identity, the newer supersedes.

@@ -140,11 +140,6 @@ public:
           shared_(rows_, keys_)
     {}
 
-    ~Work() = default;
-
-    Work(const Work&) = delete;
-    Work& operator=(const Work&) = delete;
-
     /// Inserts a record: links, fixed texts, time and user, identity.
     int insert(
         const TableFacts& f,
@@ -308,7 +303,8 @@ private:
     std::optional<std::pair<RecordTable, int>> stamped_;
 };
 
-RecordWriter::RecordWriter(DBIF_Connection connection) : work_(std::make_unique<Work>(connection))
+RecordWriter::RecordWriter(const DBIF_Connection& connection)
+    : work_(std::make_unique<Work>(connection))
 {}
 
 RecordWriter::~RecordWriter() = default;

@@ -19,7 +19,7 @@ namespace dbif {
 class RecordWriter : private NotCopied
 {
 public:
-    explicit RecordWriter(DBIF_Connection connection);
+    explicit RecordWriter(const DBIF_Connection& connection);
     ~RecordWriter();
 
     int addCatalogEntry(const FixedTexts& columns, const std::vector<KeyValue>& keys = {});

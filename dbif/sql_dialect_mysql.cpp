@@ -61,8 +61,8 @@ public:
     [[nodiscard]] bool isTransient(const QSqlError& error) const override
     {
         // Lock wait, deadlock (also: refused by the other nodes), changed since the read, the
-        // node of a cluster is not ready.
-        constexpr std::array kCodes{"1205", "1213", "1020", "1047"};
+        // node of a cluster is not ready, an id that another node took meanwhile.
+        constexpr std::array kCodes{"1205", "1213", "1020", "1047", "1062"};
         return hasCode(error, kCodes);
     }
 

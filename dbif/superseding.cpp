@@ -132,6 +132,7 @@ latest_twins(DBIF_Connection& connection, const std::vector<int>& setups)
         }
     }
     std::vector<SupersededSetup> twins;
+    twins.reserve(newest.size());
     for (const auto& [older, newer] : newest) {
         twins.push_back({older.id, newer.id, older.measurement, newer.measurement});
     }

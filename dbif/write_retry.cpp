@@ -3,13 +3,14 @@
 #include "dbif/exception.h"
 
 #include <chrono>
+#include <random>
 #include <thread>
 
 namespace dbif {
 namespace {
 constexpr int kAttempts = 5;
-/// Before the second attempt; each further pause is twice as long, 1.5 s in all.
-constexpr std::chrono::milliseconds kFirstPause(100);
+/// Before the second attempt; each further pause is twice as long.
+constexpr int kFirstPauseMilliseconds = 200;
 
 bool is_worth_repeating(const DBIF_Connection& connection, const QSqlError& error)
 {
@@ -31,25 +32,38 @@ bool is_worth_repeating(const DBIF_Connection& connection, const QSqlError& erro
         exception.sql(), QSqlError(error.driverText(), text, error.type(), error.nativeErrorCode()),
         exception.file(), exception.line());
 }
+
+/// A pause that two writers who met do not both make, so that they do not meet again.
+void pause_before(int attempt)
+{
+    const int middle = kFirstPauseMilliseconds << (attempt - 2);
+    std::random_device random;
+    std::uniform_int_distribution<int> around(middle / 2, middle + middle / 2);
+    std::this_thread::sleep_for(std::chrono::milliseconds(around(random)));
+}
+
+/// Whether the work was done; false when it is worth another attempt.
+bool is_done(const DBIF_Connection& connection, const std::function<void()>& work, int attempt)
+{
+    try {
+        work();
+        return true;
+    } catch (const DBIF_Exception& exception) {
+        if (!is_worth_repeating(connection, exception.error())) {
+            throw;
+        }
+        if (attempt == kAttempts) {
+            give_up(exception);
+        }
+        return false;
+    }
+}
 } // namespace
 
-void write_with_retries(DBIF_Connection connection, const std::function<void()>& work)
+void write_with_retries(const DBIF_Connection& connection, const std::function<void()>& work)
 {
-    std::chrono::milliseconds pause = kFirstPause;
-    for (int attempt = 1;; ++attempt) {
-        try {
-            work();
-            return;
-        } catch (const DBIF_Exception& exception) {
-            if (!is_worth_repeating(connection, exception.error())) {
-                throw;
-            }
-            if (attempt == kAttempts) {
-                give_up(exception);
-            }
-        }
-        std::this_thread::sleep_for(pause);
-        pause *= 2;
+    for (int attempt = 1; !is_done(connection, work, attempt);) {
+        pause_before(++attempt);
     }
 }
 } // namespace dbif

@@ -9,5 +9,5 @@ namespace dbif {
 /// begin, a few times, when another writer was in its way or the connection was lost. Throws the
 /// `DBIF_Exception` of the last attempt, or of one that trying again would not help; nothing is
 /// half stored then.
-void write_with_retries(DBIF_Connection connection, const std::function<void()>& work);
+void write_with_retries(const DBIF_Connection& connection, const std::function<void()>& work);
 } // namespace dbif

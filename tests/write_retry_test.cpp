@@ -42,7 +42,7 @@ TEST(WriteRetry, RepeatsOnlyWhatMaySucceedMariaDb)
     std::string text;
     EXPECT_EQ(attempts(database.connection, "1213", &text), 5);
     EXPECT_THAT(text, HasSubstr("conflict (tried 5 times; nothing is stored."));
-    EXPECT_EQ(attempts(database.connection, "1062", &text), 1);
+    EXPECT_EQ(attempts(database.connection, "1064", &text), 1);
     EXPECT_EQ(text, "conflict");
 }
 
