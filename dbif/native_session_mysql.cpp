@@ -65,7 +65,7 @@ class MysqlStatement final : public NativeStatement
 {
 public:
     MysqlStatement(MYSQL* handle, const SqlText& sql)
-        : sql_(sql.utf8()), statement_(mysql_stmt_init(handle))
+        : sql_(sql.utf8()), handle_(handle), statement_(mysql_stmt_init(handle))
     {
         if (statement_ == nullptr ||
             mysql_stmt_prepare(statement_, sql_.data(), sql_.size()) != 0) {
@@ -153,10 +153,14 @@ private:
 
     [[noreturn]] void fail()
     {
-        const unsigned int number = statement_ == nullptr ? 0 : mysql_stmt_errno(statement_);
-        const std::string message =
-            statement_ == nullptr ? "Out of memory" : mysql_stmt_error(statement_);
-        throw_mysql_error(message.c_str(), number, sql_);
+        if (statement_ == nullptr) {
+            throw_mysql_error("Out of memory", 0, sql_);
+        }
+        // What the server reports in the middle of a result stands with the connection only.
+        const bool isOwn = mysql_stmt_errno(statement_) != 0;
+        const std::string message = isOwn ? mysql_stmt_error(statement_) : mysql_error(handle_);
+        throw_mysql_error(
+            message.c_str(), isOwn ? mysql_stmt_errno(statement_) : mysql_errno(handle_), sql_);
     }
 
     void bindResult()
@@ -237,6 +241,7 @@ private:
     }
 
     std::string sql_;
+    MYSQL* handle_;
     MYSQL_STMT* statement_;
     std::vector<MYSQL_BIND> parameters_;
     std::vector<long long> values_;
