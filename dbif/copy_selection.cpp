@@ -46,16 +46,17 @@ std::multimap<int, int> older_by_setups(DBIF_Connection& source)
 void add_reachable(const std::vector<std::multimap<int, int>>& maps, std::set<int>* ids)
 {
     std::vector<int> open(ids->begin(), ids->end());
+    const auto add = [&open, ids](int id) {
+        if (ids->insert(id).second) {
+            open.push_back(id);
+        }
+    };
     while (!open.empty()) {
         const int id = open.back();
         open.pop_back();
         for (const std::multimap<int, int>& map : maps) {
             const auto [first, last] = map.equal_range(id);
-            for (auto next = first; next != last; ++next) {
-                if (ids->insert(next->second).second) {
-                    open.push_back(next->second);
-                }
-            }
+            std::for_each(first, last, [&](const auto& pair) { add(pair.second); });
         }
     }
 }

@@ -163,6 +163,12 @@ void Comparison::compareRecords(
 {
     const TableFacts& f = facts(table);
     const bool withTime = f.identity.empty();
+    const auto addCopy = [&](const RecordContent& record, RecordContent* copy) {
+        if (!withTime) {
+            reduce(record, copy);
+        }
+        targetSide_.add(f, *copy, withTime);
+    };
     for (std::size_t first = 0; first < ids.size(); first += kRecordsPerRead) {
         const std::vector<int> some = part_of(ids, first, kRecordsPerRead);
         std::map<int, RecordContent> copies;
@@ -174,13 +180,9 @@ void Comparison::compareRecords(
             sourceSide_.add(f, record, withTime);
             const auto place = places.find(record.id);
             const auto copy = place == places.end() ? copies.end() : copies.find(place->second);
-            if (copy == copies.end()) {
-                continue;
+            if (copy != copies.end()) {
+                addCopy(record, &copy->second);
             }
-            if (!withTime) {
-                reduce(record, &copy->second);
-            }
-            targetSide_.add(f, copy->second, withTime);
         }
     }
 }
@@ -198,6 +200,9 @@ void add_measurements(
     for (MeasurementContent& content : contents) {
         all.push_back(&content);
     }
+    const auto noteSetup = [links](const SetupContent& setup) {
+        (*links)[RecordTable::Setup][setup.record.id] = setup.record.supersededBy;
+    };
     for (std::size_t first = 0; first < all.size();) {
         const auto begin = all.begin() + static_cast<std::ptrdiff_t>(first);
         const std::vector<MeasurementContent*> group(
@@ -207,9 +212,7 @@ void add_measurements(
             side->add(*content);
             const RecordContent& record = content->record;
             (*links)[RecordTable::Measurement][record.id] = record.supersededBy;
-            for_each_setup(*content, [links](const SetupContent& setup) {
-                (*links)[RecordTable::Setup][setup.record.id] = setup.record.supersededBy;
-            });
+            for_each_setup(*content, noteSetup);
             *content = {};
         }
         first += group.size();

@@ -32,6 +32,26 @@ struct Writing
         : transaction(target), rows(target), keys(rows), shared(rows, keys)
     {}
 
+    /// A die, device or routine, whose parent stands at its place in `parents`. One that is
+    /// completed gets a new time.
+    SharedRecords::Found
+    findOrAdd(const TableFacts& f, const RecordContent& record, const std::map<int, int>* parents)
+    {
+        RecordRow row = record.row;
+        for (int& link : row.links) {
+            link = place_of(*parents, link);
+        }
+        const SharedRecords::Found found = shared.findOrAdd(f, row, record.keys);
+        if (found.hasChanged) {
+            SqlText sql;
+            sql << "UPDATE " << SqlName(f.name)
+                << " SET modified_time = " << SqlLiteral(transaction.stamp())
+                << " WHERE id = " << found.id;
+            rows.connection().execute(sql, __FILE__, __LINE__);
+        }
+        return found;
+    }
+
     void commit()
     {
         const int mark = stamp_copy_mark(rows, transaction.stamp());
@@ -131,18 +151,7 @@ void Copy::copyShared(
             Writing writing(target_);
             bool hasChanged = false;
             for (const RecordContent& record : records) {
-                RecordRow row = record.row;
-                for (int& link : row.links) {
-                    link = place_of(*parents, link);
-                }
-                const SharedRecords::Found found = writing.shared.findOrAdd(f, row, record.keys);
-                if (found.hasChanged) {
-                    SqlText sql;
-                    sql << "UPDATE " << SqlName(f.name)
-                        << " SET modified_time = " << SqlLiteral(writing.transaction.stamp())
-                        << " WHERE id = " << found.id;
-                    target_.execute(sql, __FILE__, __LINE__);
-                }
+                const SharedRecords::Found found = writing.findOrAdd(f, record, parents);
                 hasChanged = hasChanged || found.isNew || found.hasChanged;
                 written[record.id] = found.id;
             }
