@@ -96,11 +96,12 @@ public:
         if (dialect_ == nullptr || isInTransaction_ || !dialect_->isConnectionLost(error)) {
             return false;
         }
-        close();
-        QSqlDatabase::removeDatabase(name_);
-        open();
-        return isValid();
+        isLost_ = true;
+        return reopen();
     }
+
+    /// Reaches a server anew that went away and could not be reached since.
+    bool reopenLost() { return isLost_ && !isInTransaction_ && reopen(); }
 
     [[nodiscard]] bool isValid() const { return session_ != nullptr; }
 
@@ -116,6 +117,16 @@ public:
     bool isInTransaction_ = false;
 
 private:
+    bool reopen()
+    {
+        close();
+        QSqlDatabase::removeDatabase(name_);
+        open();
+        return isValid();
+    }
+
+    bool isLost_ = false;
+
     bool isFileUsable(dbif::MissingFile missingFile)
     {
         const QFileInfo file(dbif::to_qt(parameters_.database));
@@ -193,7 +204,7 @@ QSqlError DBIF_Connection::lastError() const
 
 QSqlQuery DBIF_Connection::query(const QString& sql, int /*option*/, const char* file, int line)
 {
-    if (!isValid()) {
+    if (!isValid() && !managed_->reopenLost()) {
         throw DBIF_Exception(sql, managed_->lastError_, QString::fromUtf8(file), line);
     }
     const QueryNote note(managed_->trace_, *managed_->dialect_, managed_->database_, sql);

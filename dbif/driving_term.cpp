@@ -68,14 +68,14 @@ public:
         for (Candidate& candidate : candidates_) {
             candidate.fanOut = fanOut(candidate.table);
         }
-        std::size_t limit = kFirstLimit;
-        while (true) {
-            for (const Candidate& candidate : candidates_) {
-                if (!selectsMore(candidate, limit / candidate.fanOut)) {
-                    return candidate.operand;
-                }
+        for (std::size_t limit = kFirstLimit;; limit *= kLimitGrowth) {
+            const auto few = std::find_if(
+                candidates_.begin(), candidates_.end(), [&](const Candidate& candidate) {
+                    return !selectsMore(candidate, limit / candidate.fanOut);
+                });
+            if (few != candidates_.end()) {
+                return few->operand;
             }
-            limit *= kLimitGrowth;
         }
     }
 
@@ -132,14 +132,13 @@ with_driving_term(const ConditionTree& condition, RecordTable base, DBIF_Connect
     if (!driver.has_value()) {
         return condition;
     }
+    const auto lookUp = [](const ConditionTree& comparison) {
+        ColumnComparison lookedUp = comparison.comparison();
+        lookedUp.isLookedUp = true;
+        return ConditionTree::comparison(std::move(lookedUp));
+    };
     for (std::size_t i = 0; i < operands.size(); ++i) {
-        if (i != *driver) {
-            operands[i] = operands[i].mapped([](const ConditionTree& comparison) {
-                ColumnComparison lookedUp = comparison.comparison();
-                lookedUp.isLookedUp = true;
-                return ConditionTree::comparison(std::move(lookedUp));
-            });
-        }
+        operands[i] = i == *driver ? operands[i] : operands[i].mapped(lookUp);
     }
     return ConditionTree::joined(ConditionTree::Kind::And, operands);
 }

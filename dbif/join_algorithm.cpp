@@ -11,7 +11,8 @@ DBIF_QueryJoinAlgorithm* DBIF_Query::SharedData::getNullQueryJoinAlgorithm()
 
 void DBIF_NullQueryJoinAlgorithm::computeJoins(DBIF_Query& /*query*/) {}
 
-void DBIF_VantoJoinAlgorithm::computeJoins(DBIF_Query& query)
+namespace {
+dbif::TableSet tables_of(const DBIF_Query& query)
 {
     dbif::TableSet tables;
     for (const QString& name : query.data().tables) {
@@ -21,25 +22,35 @@ void DBIF_VantoJoinAlgorithm::computeJoins(DBIF_Query& query)
             tables.add(found->table);
         }
     }
+    return tables;
+}
+
+DBIF_Query::Join join_of(dbif::RecordTable child, dbif::RecordTable parent)
+{
+    const std::string_view name = dbif::facts(parent).name;
+    dbif::SqlText condition;
+    condition << dbif::qualified(name, "id") << " = "
+              << dbif::qualified(dbif::facts(child).name, dbif::link_column(child, parent));
+    return {dbif::to_qt(name), condition.toQt()};
+}
+} // namespace
+
+void DBIF_VantoJoinAlgorithm::computeJoins(DBIF_Query& query)
+{
+    const dbif::TableSet tables = tables_of(query);
     const dbif::RecordTable base = dbif::meeting_table(tables);
     dbif::TableSet joined{base};
-    for (const dbif::RecordTable table : dbif::kUpwards) {
-        if (!tables.has(table)) {
-            continue;
+    const auto join = [&](dbif::RecordTable child, dbif::RecordTable parent) {
+        if (!joined.has(parent)) {
+            joined.add(parent);
+            query.addJoin(join_of(child, parent));
         }
-        const std::vector<dbif::RecordTable> path = dbif::path_up(base, table);
+    };
+    for (const dbif::RecordTable table : dbif::kUpwards) {
+        const std::vector<dbif::RecordTable> path =
+            tables.has(table) ? dbif::path_up(base, table) : std::vector<dbif::RecordTable>();
         for (std::size_t i = 1; i < path.size(); ++i) {
-            if (joined.has(path[i])) {
-                continue;
-            }
-            joined.add(path[i]);
-            const std::string_view parent = dbif::facts(path[i]).name;
-            dbif::SqlText condition;
-            condition << dbif::qualified(parent, "id") << " = "
-                      << dbif::qualified(
-                             dbif::facts(path[i - 1]).name,
-                             dbif::link_column(path[i - 1], path[i]));
-            query.addJoin({dbif::to_qt(parent), condition.toQt()});
+            join(path[i - 1], path[i]);
         }
     }
 }

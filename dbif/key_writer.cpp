@@ -13,37 +13,6 @@
 #include <cmath>
 
 namespace dbif {
-int RowStore::nextId(const std::string& table)
-{
-    auto last = lastId_.find(table);
-    if (last == lastId_.end()) {
-        SqlText sql;
-        sql << "SELECT max(id) FROM " << SqlName(table);
-        BulkCursor cursor(connection_, sql);
-        last = lastId_.emplace(table, cursor.next() ? cursor.integer(0) : 0).first;
-    }
-    return ++last->second;
-}
-
-RowInserter& RowStore::into(const std::string& table, const std::vector<std::string>& columns)
-{
-    auto found = inserters_.find(table);
-    if (found == inserters_.end()) {
-        const std::vector<SqlName> names(columns.begin(), columns.end());
-        found =
-            inserters_.emplace(table, connection_.session().inserter(SqlName(table), names)).first;
-    }
-    ++rows_;
-    return *found->second;
-}
-
-void RowStore::flush()
-{
-    for (auto& [table, inserter] : inserters_) {
-        inserter->flush();
-    }
-}
-
 void check_text(const std::string& text, const std::string& what)
 {
     if (!is_utf8(text)) {
@@ -182,24 +151,30 @@ int KeyWriter::define(
     return ids[key] = id;
 }
 
-void KeyWriter::add(RecordTable table, int record, const std::vector<KeyValue>& keys)
+void KeyWriter::add(
+    RecordTable table,
+    int record,
+    const std::vector<KeyValue>& keys,
+    StoredKeys* written)
 {
     const TableFacts& f = facts(table);
-    std::map<int, std::string> written;
+    StoredKeys own;
+    StoredKeys& known = written == nullptr ? own : *written;
     for (const KeyValue& key : keys) {
         check_value(key);
         if (is_missing(key)) {
             continue;
         }
         const int column = define(table, key.name, key.kind, key.category);
-        const auto [first, isNew] = written.emplace(column, canonical_text(key));
-        if (!isNew && first->second == canonical_text(key)) {
+        const std::string text = canonical_text(key);
+        const auto first = known.find(column);
+        if (first != known.end() && first->second == text) {
             continue;
         }
-        if (!isNew) {
+        if (first != known.end()) {
             throw_error(
                 "The key \"" + key.name + "\" is given twice, as \"" + first->second +
-                    "\" and as \"" + canonical_text(key) + "\". Give it once.",
+                    "\" and as \"" + text + "\". Give it once.",
                 __FILE__, __LINE__);
         }
         RowInserter& row =
@@ -208,39 +183,43 @@ void KeyWriter::add(RecordTable table, int record, const std::vector<KeyValue>& 
         if (key.kind == ValueKind::Double) {
             row.number(key.number).null();
         } else {
-            row.null().text(canonical_text(key));
+            row.null().text(text);
         }
         row.endRow();
+        known.emplace(column, text);
     }
+}
+
+StoredKeys KeyWriter::read(RecordTable table, int record)
+{
+    const TableFacts& f = facts(table);
+    StoredKeys stored;
+    SqlText sql;
+    sql << "SELECT " << SqlName(f.columnLink()) << ", number, text FROM " << SqlName(f.dataTable())
+        << " WHERE " << SqlName(f.linkColumn()) << " = " << record;
+    BulkCursor cursor(rows_.connection(), sql);
+    while (cursor.next()) {
+        stored[cursor.integer(0)] =
+            cursor.isNull(1) ? std::string(cursor.text(2)) : double_text(cursor.number(1));
+    }
+    return stored;
 }
 
 bool KeyWriter::addMissing(
     RecordTable table,
     int record,
     const std::vector<KeyValue>& keys,
-    const std::string& what)
+    const std::string& what,
+    StoredKeys* stored)
 {
-    const TableFacts& f = facts(table);
-    std::map<int, std::string> stored;
-    SqlText sql;
-    sql << "SELECT " << SqlName(f.columnLink()) << ", number, text FROM " << SqlName(f.dataTable())
-        << " WHERE " << SqlName(f.linkColumn()) << " = " << record;
-    rows_.flush();
-    {
-        BulkCursor cursor(rows_.connection(), sql);
-        while (cursor.next()) {
-            stored[cursor.integer(0)] =
-                cursor.isNull(1) ? std::string(cursor.text(2)) : double_text(cursor.number(1));
-        }
-    }
     std::vector<KeyValue> missing;
     for (const KeyValue& key : keys) {
         check_value(key);
         if (is_missing(key)) {
             continue;
         }
-        const auto found = stored.find(define(table, key.name, key.kind, key.category));
-        if (found == stored.end()) {
+        const auto found = stored->find(define(table, key.name, key.kind, key.category));
+        if (found == stored->end()) {
             missing.push_back(key);
         } else if (found->second != canonical_text(key)) {
             throw_error(
@@ -250,7 +229,7 @@ bool KeyWriter::addMissing(
                 __FILE__, __LINE__);
         }
     }
-    add(table, record, missing);
+    add(table, record, missing, stored);
     return !missing.empty();
 }
 } // namespace dbif

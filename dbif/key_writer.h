@@ -1,41 +1,17 @@
 #pragma once
 
 #include "dbif/column_store.h"
-#include "dbif/connection.h"
 #include "dbif/record_values.h"
+#include "dbif/row_store.h"
 
 #include <array>
 #include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace dbif {
-/// Inserts rows into the tables of a writing transaction: hands out ids, keeps the inserters, and
-/// counts. Ids continue after the highest, which no other writer moves meanwhile.
-class RowStore
-{
-public:
-    explicit RowStore(DBIF_Connection connection) : connection_(std::move(connection)) {}
-
-    [[nodiscard]] DBIF_Connection& connection() { return connection_; }
-
-    int nextId(const std::string& table);
-    /// The inserter of a table with those columns, made at the first call.
-    RowInserter& into(const std::string& table, const std::vector<std::string>& columns);
-    void flush();
-
-    void count(std::size_t rows) { rows_ += rows; }
-
-    [[nodiscard]] std::size_t rows() const { return rows_; }
-
-private:
-    DBIF_Connection connection_;
-    std::map<std::string, int> lastId_;
-    std::map<std::string, std::unique_ptr<RowInserter>> inserters_;
-    std::vector<std::string> order_;
-    std::size_t rows_ = 0;
-};
+/// The keys that a record has: ids of their definitions, and the values as text.
+using StoredKeys = std::map<int, std::string>;
 
 /// Defines keys and writes their values.
 class KeyWriter
@@ -47,15 +23,23 @@ public:
     /// keyword could name, and for a category that the table does not have.
     int
     define(RecordTable table, const std::string& name, ValueKind kind, const std::string& category);
-    /// Adds the keys of a record that has none of them.
-    void add(RecordTable table, int record, const std::vector<KeyValue>& keys);
-    /// Adds the keys that a stored record does not have; throws when it has one with another value.
-    /// `what` names the record in the error. Whether something was added.
+    /// Adds the keys of a record that has none of them, and notes them in `written` when it is
+    /// given.
+    void
+    add(RecordTable table,
+        int record,
+        const std::vector<KeyValue>& keys,
+        StoredKeys* written = nullptr);
+    /// The keys of a record that is stored.
+    StoredKeys read(RecordTable table, int record);
+    /// Adds the keys that are not among `stored`, those of the record, and notes them there; throws
+    /// when one has another value. `what` names the record in the error. Whether one was added.
     bool addMissing(
         RecordTable table,
         int record,
         const std::vector<KeyValue>& keys,
-        const std::string& what);
+        const std::string& what,
+        StoredKeys* stored);
 
 private:
     RowStore& rows_;

@@ -9,8 +9,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <cstring>
+#include <map>
 #include <mysql.h>
+#include <optional>
 
 namespace dbif {
 namespace {
@@ -63,7 +66,7 @@ class MysqlStatement final : public NativeStatement
 
 public:
     MysqlStatement(MYSQL* handle, const SqlText& sql)
-        : sql_(sql.utf8()), statement_(mysql_stmt_init(handle))
+        : sql_(sql.utf8()), handle_(handle), statement_(mysql_stmt_init(handle))
     {
         if (statement_ == nullptr ||
             mysql_stmt_prepare(statement_, sql_.data(), sql_.size()) != 0) {
@@ -151,10 +154,14 @@ private:
 
     [[noreturn]] void fail()
     {
-        const unsigned int number = statement_ == nullptr ? 0 : mysql_stmt_errno(statement_);
-        const std::string message =
-            statement_ == nullptr ? "Out of memory" : mysql_stmt_error(statement_);
-        throw_mysql_error(message.c_str(), number, sql_);
+        if (statement_ == nullptr) {
+            throw_mysql_error("Out of memory", 0, sql_);
+        }
+        // What the server reports in the middle of a result stands with the connection only.
+        const bool isOwn = mysql_stmt_errno(statement_) != 0;
+        const std::string message = isOwn ? mysql_stmt_error(statement_) : mysql_error(handle_);
+        throw_mysql_error(
+            message.c_str(), isOwn ? mysql_stmt_errno(statement_) : mysql_errno(handle_), sql_);
     }
 
     void bindResult()
@@ -235,6 +242,7 @@ private:
     }
 
     std::string sql_;
+    MYSQL* handle_;
     MYSQL_STMT* statement_;
     std::vector<MYSQL_BIND> parameters_;
     std::vector<long long> values_;
@@ -355,9 +363,35 @@ public:
 
     ChangeToken changeToken() override { return {}; }
 
+    /// Only the nodes of a cluster bound what they replicate at once.
+    TransactionLimit transactionLimit() override
+    {
+        if (!transactionLimit_.has_value()) {
+            transactionLimit_ = readTransactionLimit();
+        }
+        return *transactionLimit_;
+    }
+
     std::string version() override { return mysql_get_server_info(handle_); }
 
 private:
+    TransactionLimit readTransactionLimit()
+    {
+        std::map<std::string, std::string> variables;
+        MysqlStatement statement(
+            handle_, SqlText("SHOW VARIABLES WHERE Variable_name IN ('wsrep_on', "
+                             "'wsrep_max_ws_size', 'wsrep_max_ws_rows')"));
+        while (statement.step()) {
+            variables[std::string(statement.text(0))] = std::string(statement.text(1));
+        }
+        TransactionLimit limit;
+        if (variables["wsrep_on"] == "ON") {
+            limit.bytes = std::strtoull(variables["wsrep_max_ws_size"].c_str(), nullptr, 10);
+            limit.rows = std::strtoull(variables["wsrep_max_ws_rows"].c_str(), nullptr, 10);
+        }
+        return limit;
+    }
+
     std::size_t packetLimit()
     {
         if (packetLimit_ == 0) {
@@ -371,6 +405,7 @@ private:
 
     MYSQL* handle_;
     std::size_t packetLimit_ = 0;
+    std::optional<TransactionLimit> transactionLimit_;
 };
 } // namespace
 

@@ -192,6 +192,8 @@ public:
         return token;
     }
 
+    TransactionLimit transactionLimit() override { return {}; }
+
     std::string version() override { return sqlite3_libversion(); }
 
 private:

@@ -31,6 +31,8 @@ std::string form_of(const std::string& sql)
 
 class TracedRun final : public NativeStatement
 {
+    Q_DISABLE_COPY_MOVE(TracedRun)
+
 public:
     TracedRun(ReadTrace& trace, std::size_t place) : trace_(trace), place_(place) {}
 

@@ -53,6 +53,8 @@ public:
 
     explicit ReadTrace(Plans plans) : plans_(plans) {}
 
+    ~ReadTrace() = default;
+
     /// In the order in which each first came.
     [[nodiscard]] const std::vector<TracedStatement>& statements() const { return statements_; }
 

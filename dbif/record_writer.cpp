@@ -4,9 +4,11 @@
 #include "dbif/exception.h"
 #include "dbif/host_string.h"
 #include "dbif/key_writer.h"
-#include "dbif/newest_time.h"
 #include "dbif/record_identity.h"
 #include "dbif/schema_names.h"
+#include "dbif/shared_records.h"
+#include "dbif/superseding.h"
+#include "dbif/write_transaction.h"
 
 #include <QtGlobal>
 
@@ -134,31 +136,12 @@ class RecordWriter::Work
 
 public:
     explicit Work(const DBIF_Connection& connection)
-        : connection_(connection), rows_(connection), keys_(rows_)
-    {
-        connection_.beginWriteTransaction();
-        isOpen_ = true;
-        // The row that every writer changes: it keeps a second one waiting (or, on a cluster, makes
-        // its commit fail).
-        connection_.execute(
-            SqlText("UPDATE database_info SET writes = writes + 1 WHERE id = 1"), __FILE__,
-            __LINE__);
-        // Later than every stored time, whatever the clock says, so that readers notice.
-        const QDateTime newest = newest_time(connection_);
-        QDateTime now = QDateTime::currentDateTimeUtc();
-        if (newest.isValid() && now <= newest) {
-            now = newest.addMSecs(1);
-        }
-        stamp_ = stored_time(now);
-    }
-
-    ~Work()
-    {
-        if (isOpen_) {
-            connection_.rollbackTransaction();
-            ColumnStore::of(connection_).refresh();
-        }
-    }
+        : connection_(connection),
+          transaction_(connection),
+          rows_(connection),
+          keys_(rows_),
+          shared_(rows_, keys_)
+    {}
 
     /// Inserts a record: links, fixed texts, time and user, identity.
     int insert(
@@ -169,75 +152,9 @@ public:
         const std::string& identity)
     {
         check_columns(f, columns);
-        std::vector<std::string> names{"id"};
-        for (const ParentLink& link : f.parents) {
-            names.emplace_back(link.column);
-        }
-        for (const FixedColumnFacts& column : f.fixedColumns.subspan(1)) {
-            names.emplace_back(column.name);
-        }
-        names.emplace_back("identity");
-
-        const int id = rows_.nextId(std::string(f.name));
-        RowInserter& row = rows_.into(std::string(f.name), names);
-        row.integer(id);
-        for (const int link : links) {
-            link == 0 ? row.null() : row.integer(link);
-        }
-        for (const FixedColumnFacts& column : f.fixedColumns.subspan(1)) {
-            insertFixed(column, columns, number, row);
-        }
-        (identity.empty() ? row.null() : row.blob(identity)).endRow();
+        const int id = insert_record(rows_, f, row(links, columns, number, identity));
+        stamped_ = {f.table, id};
         return id;
-    }
-
-    /// The id of the record of that identity; 0 when there is none.
-    int find(const TableFacts& f, const std::string& identity)
-    {
-        auto& known = known_[f.table];
-        const auto found = known.find(identity);
-        if (found != known.end()) {
-            return found->second;
-        }
-        SqlText sql;
-        sql << "SELECT id FROM " << SqlName(f.name) << " WHERE identity = " << SqlBlob(identity);
-        BulkCursor cursor(connection_, sql);
-        return cursor.next() ? known[identity] = cursor.integer(0) : 0;
-    }
-
-    /// Adds what the stored record lacks; throws where it differs. Whether something was added.
-    bool
-    completeColumns(const TableFacts& f, int id, const FixedTexts& columns, const std::string& what)
-    {
-        check_columns(f, columns);
-        rows_.flush();
-        bool hasChanged = false;
-        for (const auto& [name, text] : columns) {
-            SqlText sql;
-            sql << "SELECT " << SqlName(name) << " FROM " << SqlName(f.name)
-                << " WHERE id = " << id;
-            std::optional<std::string> stored;
-            {
-                BulkCursor cursor(connection_, sql);
-                if (cursor.next() && !cursor.isNull(0)) {
-                    stored = std::string(cursor.text(0));
-                }
-            }
-            if (!stored.has_value()) {
-                SqlText update;
-                update << "UPDATE " << SqlName(f.name) << " SET " << SqlName(name) << " = "
-                       << SqlLiteral(text) << " WHERE id = " << id;
-                connection_.execute(update, __FILE__, __LINE__);
-                hasChanged = true;
-            } else if (*stored != text) {
-                throw_error(
-                    what + " is stored with " + name + " \"" + *stored + "\", but here it has \"" +
-                        text +
-                        "\". Stored values are not overwritten: correct the value, or give the record another name.",
-                    __FILE__, __LINE__);
-            }
-        }
-        return hasChanged;
     }
 
     /// The digest of a stored record; empty for 0, no record.
@@ -275,98 +192,24 @@ public:
         return found->second;
     }
 
-    void touch(const TableFacts& f, int id)
-    {
-        SqlText sql;
-        sql << "UPDATE " << SqlName(f.name) << " SET modified_time = " << SqlLiteral(stamp_)
-            << " WHERE id = " << id;
-        connection_.execute(sql, __FILE__, __LINE__);
-    }
-
     int findOrAdd(
         const TableFacts& f,
         const std::string& parentDigest,
         const std::vector<int>& links,
         const FixedTexts& columns,
-        bool* isNew)
+        const std::vector<KeyValue>& keys)
     {
+        check_columns(f, columns);
         const std::string identity = identity_of(f, parentDigest, columns);
-        int id = find(f, identity);
-        *isNew = id == 0;
-        if (id == 0) {
-            id = insert(f, links, columns, std::nullopt, identity);
-            known_[f.table][identity] = id;
-        } else if (f.table != RecordTable::Die) { // a die has no columns but its identity
-            const std::string what = "The " + std::string(f.name) + " \"" +
-                                     column_of(columns, "name").value_or("") + "\"";
-            if (completeColumns(f, id, columns, what)) {
-                touch(f, id);
-            }
+        const SharedRecords::Found found =
+            shared_.findOrAdd(f, row(links, columns, std::nullopt, identity), keys);
+        if (found.isNew) {
+            stamped_ = {f.table, found.id};
+        } else if (found.hasChanged) {
+            touch(f, found.id);
         }
-        digests_[{f.table, id}] = identity;
-        return id;
-    }
-
-    /// Marks the setups that the new ones supersede, and the measurements that thereby lose their
-    /// last one.
-    void supersedeSetups()
-    {
-        if (firstSetup_ == 0) {
-            return;
-        }
-
-        struct Superseded
-        {
-            int setup, newSetup, measurement, newMeasurement;
-        };
-
-        std::vector<Superseded> older;
-        SqlText sql;
-        sql << "SELECT old.id, new.id, old_condition.measurement_id, new_condition.measurement_id FROM setup AS new"
-            << connection_.dialect().orderedJoin()
-            << "setup AS old ON old.identity = new.identity JOIN measurement_condition AS old_condition ON "
-               "old_condition.id = old.measurement_condition_id JOIN measurement_condition AS new_condition ON "
-               "new_condition.id = new.measurement_condition_id WHERE old.superseded_by IS NULL AND new.id >= "
-            << firstSetup_ << " AND old.id < " << firstSetup_;
-        {
-            BulkCursor cursor(connection_, sql);
-            while (cursor.next()) {
-                older.push_back(
-                    {cursor.integer(0), cursor.integer(1), cursor.integer(2), cursor.integer(3)});
-            }
-        }
-        for (const Superseded& by : older) {
-            SqlText mark;
-            mark << "UPDATE setup SET superseded_by = " << by.newSetup
-                 << " WHERE id = " << by.setup;
-            connection_.execute(mark, __FILE__, __LINE__);
-            SqlText markMeasurement;
-            markMeasurement
-                << "UPDATE measurement SET superseded_by = " << by.newMeasurement
-                << " WHERE id = " << by.measurement
-                << " AND superseded_by IS NULL AND NOT EXISTS (SELECT 1 FROM setup JOIN "
-                   "measurement_condition ON measurement_condition.id = setup.measurement_condition_id "
-                   "WHERE measurement_condition.measurement_id = "
-                << by.measurement << " AND setup.superseded_by IS NULL)";
-            connection_.execute(markMeasurement, __FILE__, __LINE__);
-        }
-    }
-
-    /// A measurement without setups supersedes older ones of its identity that have none either.
-    void supersedeMeasurements()
-    {
-        for (const auto& [id, context] : measurements_) {
-            if (context.setups > 0) {
-                continue;
-            }
-            SqlText sql;
-            sql << "UPDATE measurement SET superseded_by = " << id
-                << " WHERE superseded_by IS NULL AND id < " << id
-                << " AND identity = " << SqlBlob(context.digest)
-                << " AND NOT EXISTS (SELECT 1 FROM setup JOIN measurement_condition ON measurement_condition.id = "
-                   "setup.measurement_condition_id WHERE measurement_condition.measurement_id = measurement.id)";
-            connection_.execute(sql, __FILE__, __LINE__);
-        }
+        digests_[{f.table, found.id}] = identity;
+        return found.id;
     }
 
     void insertSweep(int setup, const std::vector<SetupColumn>& sweep)
@@ -374,27 +217,16 @@ public:
         for (const SetupColumn& column : sweep) {
             const int id = keys_.define(
                 RecordTable::Setup, column.name, column.values.kind, column.isInput ? "IN" : "OUT");
-            RowInserter& held = rows_.into(
-                "setup_association",
-                {"setup_id", "setup_column_id", "vanto_header", "points", "minimum", "maximum"});
-            held.integer(setup).integer(id);
-            (column.header.empty() ? held.null() : held.text(column.header))
-                .integer(static_cast<long long>(column.values.size()));
             const std::optional<SweepBounds> limits = bounds(column.values);
-            if (limits.has_value()) {
-                held.number(limits->minimum).number(limits->maximum);
-            } else {
-                held.null().null();
-            }
-            held.endRow();
+            insert_association(
+                rows_, setup, id,
+                column.header.empty() ? std::nullopt : std::optional(column.header),
+                static_cast<long long>(column.values.size()),
+                limits.has_value() ? std::optional(limits->minimum) : std::nullopt,
+                limits.has_value() ? std::optional(limits->maximum) : std::nullopt);
             int number = 0;
             for (const std::string& chunk : pack(column.values)) {
-                rows_.into("setup_data", {"setup_column_id", "setup_id", "chunk", "payload"})
-                    .integer(id)
-                    .integer(setup)
-                    .integer(number++)
-                    .blob(chunk)
-                    .endRow();
+                insert_chunk(rows_, setup, id, number++, chunk);
             }
         }
     }
@@ -402,19 +234,25 @@ public:
     void commit()
     {
         rows_.flush();
-        supersedeSetups();
-        supersedeMeasurements();
-        connection_.commitTransaction();
-        isOpen_ = false;
-        ColumnStore::of(connection_).refresh();
+        supersede_setups(connection_, firstSetup_);
+        for (const auto& [id, context] : measurements_) {
+            if (context.setups == 0) {
+                supersede_measurements(connection_, id, context.digest);
+            }
+        }
+        transaction_.commit(
+            stamped_.has_value() ? std::string(facts(stamped_->first).name) : std::string(),
+            stamped_.has_value() ? stamped_->second : 0);
         if (rows_.rows() >= kRowsWorthAnalyzing) {
             analyze();
         }
     }
 
     DBIF_Connection connection_;
+    WriteTransaction transaction_;
     RowStore rows_;
     KeyWriter keys_;
+    SharedRecords shared_;
     std::map<std::pair<RecordTable, int>, std::string> digests_;
     std::map<int, MeasurementContext> measurements_;
     std::map<int, ConditionContext> conditions_;
@@ -431,22 +269,22 @@ private:
             __FILE__, __LINE__);
     }
 
-    void insertFixed(
-        const FixedColumnFacts& column,
+    [[nodiscard]] RecordRow
+    row(const std::vector<int>& links,
         const FixedTexts& columns,
         const std::optional<double>& number,
-        RowInserter& row)
+        const std::string& identity) const
     {
-        if (column.name == "modified_time") {
-            row.text(stamp_);
-        } else if (column.name == "user") {
-            row.text(user_name());
-        } else if (column.kind == FixedKind::Number) {
-            number.has_value() ? row.number(*number) : row.null();
-        } else {
-            const std::optional<std::string> text = column_of(columns, std::string(column.name));
-            text.has_value() ? row.text(*text) : row.null();
-        }
+        return {links, columns, number, transaction_.stamp(), user_name(), identity};
+    }
+
+    void touch(const TableFacts& f, int id)
+    {
+        SqlText sql;
+        sql << "UPDATE " << SqlName(f.name)
+            << " SET modified_time = " << SqlLiteral(transaction_.stamp()) << " WHERE id = " << id;
+        connection_.execute(sql, __FILE__, __LINE__);
+        stamped_ = {f.table, id};
     }
 
     void analyze()
@@ -464,9 +302,8 @@ private:
         }
     }
 
-    std::string stamp_;
-    bool isOpen_ = false;
-    std::map<RecordTable, std::map<std::string, int>> known_;
+    /// A record that bears the stamp.
+    std::optional<std::pair<RecordTable, int>> stamped_;
 };
 
 RecordWriter::RecordWriter(const DBIF_Connection& connection)
@@ -484,14 +321,12 @@ int RecordWriter::addCatalogEntry(const FixedTexts& columns, const std::vector<K
 
 int RecordWriter::findOrAddDie(const FixedTexts& columns)
 {
-    bool isNew = false;
-    return work_->findOrAdd(facts(RecordTable::Die), {}, {}, columns, &isNew);
+    return work_->findOrAdd(facts(RecordTable::Die), {}, {}, columns, {});
 }
 
 int RecordWriter::findOrAddRoutine(const FixedTexts& columns)
 {
-    bool isNew = false;
-    return work_->findOrAdd(facts(RecordTable::Routine), {}, {}, columns, &isNew);
+    return work_->findOrAdd(facts(RecordTable::Routine), {}, {}, columns, {});
 }
 
 int RecordWriter::findOrAddDevice(
@@ -500,16 +335,7 @@ int RecordWriter::findOrAddDevice(
     const std::vector<KeyValue>& keys)
 {
     const std::string dieDigest = work_->digestOf(RecordTable::Die, die);
-    bool isNew = false;
-    const int id = work_->findOrAdd(facts(RecordTable::Device), dieDigest, {die}, columns, &isNew);
-    if (isNew) {
-        work_->keys_.add(RecordTable::Device, id, keys);
-    } else if (work_->keys_.addMissing(
-                   RecordTable::Device, id, keys,
-                   "The device \"" + column_of(columns, "name").value_or("") + "\"")) {
-        work_->touch(facts(RecordTable::Device), id);
-    }
-    return id;
+    return work_->findOrAdd(facts(RecordTable::Device), dieDigest, {die}, columns, keys);
 }
 
 int RecordWriter::addMeasurement(const MeasurementRecord& measurement)

@@ -7,7 +7,9 @@
 #include <QSqlQuery>
 #include <QVariant>
 
+#include <chrono>
 #include <set>
+#include <thread>
 
 namespace dbif {
 namespace {
@@ -243,6 +245,23 @@ void create_schema(QSqlDatabase& database, const SqlDialect& dialect)
     }
 }
 
+/// Servers commit each CREATE TABLE by itself, and the nodes of a cluster apply them one by one: a
+/// schema that looks incomplete may be one that another program is just creating.
+SchemaState settled_state(QSqlDatabase& database, const SqlDialect& dialect)
+{
+    constexpr int kLooks = 20;
+    constexpr std::chrono::milliseconds kPause(100);
+    SchemaState state = schema_state(database, dialect);
+    for (int look = 1; look < kLooks && dialect.isServer(); ++look) {
+        if (state.kind != SchemaState::Kind::Incomplete) {
+            break;
+        }
+        std::this_thread::sleep_for(kPause);
+        state = schema_state(database, dialect);
+    }
+    return state;
+}
+
 void refuse(const std::string& reason)
 {
     throw_error("The database \"" + reason, __FILE__, __LINE__, QSqlError::ConnectionError);
@@ -278,10 +297,10 @@ SchemaState schema_state(QSqlDatabase& database, const SqlDialect& dialect)
 
 void initialize_schema(QSqlDatabase& database, const SqlDialect& dialect)
 {
-    SchemaState state = schema_state(database, dialect);
+    SchemaState state = settled_state(database, dialect);
     if (state.kind == SchemaState::Kind::Empty) {
         create_schema(database, dialect);
-        state = schema_state(database, dialect);
+        state = settled_state(database, dialect);
     }
     const std::string name = to_utf8(database.databaseName());
     switch (state.kind) {

@@ -37,6 +37,13 @@ struct ChangeToken
     }
 };
 
+/// The most that one transaction may write; 0 where there is no limit.
+struct TransactionLimit
+{
+    unsigned long long bytes = 0;
+    unsigned long long rows = 0;
+};
+
 /// An open connection seen through the database's own C client. Ends before the Qt connection it
 /// stands on.
 class SqlSession
@@ -50,6 +57,7 @@ public:
     virtual std::unique_ptr<RowInserter>
     inserter(const SqlName& table, const std::vector<SqlName>& columns) = 0;
     virtual ChangeToken changeToken() = 0;
+    virtual TransactionLimit transactionLimit() = 0;
     /// The version of the database engine, for people.
     virtual std::string version() = 0;
 
@@ -113,6 +121,9 @@ public:
     session(const QSqlDatabase& database) const = 0;
     /// Whether the error says that the server closed the connection.
     [[nodiscard]] virtual bool isConnectionLost(const QSqlError& error) const = 0;
+    /// Whether the error ended a transaction that may succeed when it is run again: a deadlock, a
+    /// lock that was not had in time, a conflict between the nodes of a cluster.
+    [[nodiscard]] virtual bool isTransient(const QSqlError& error) const = 0;
     /// A text that identifies the file behind the connection; empty for a server or a missing file.
     [[nodiscard]] virtual std::string fileIdentity(const std::string& database) const = 0;
 

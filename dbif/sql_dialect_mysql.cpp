@@ -5,7 +5,9 @@
 #include <QSqlQuery>
 #include <QVariant>
 
+#include <algorithm>
 #include <array>
+#include <span>
 
 namespace dbif {
 namespace {
@@ -53,13 +55,15 @@ public:
     {
         // Server has gone away, lost during the query, killed, shut down.
         constexpr std::array kCodes{"2006", "2013", "1927", "1053", "4031"};
-        const QString code = error.nativeErrorCode();
-        for (const char* lost : kCodes) {
-            if (code == QLatin1String(lost)) {
-                return true;
-            }
-        }
-        return false;
+        return hasCode(error, kCodes);
+    }
+
+    [[nodiscard]] bool isTransient(const QSqlError& error) const override
+    {
+        // Lock wait, deadlock (also: refused by the other nodes), changed since the read, the
+        // node of a cluster is not ready, an id that another node took meanwhile.
+        constexpr std::array kCodes{"1205", "1213", "1020", "1047", "1062"};
+        return hasCode(error, kCodes);
     }
 
     [[nodiscard]] std::string fileIdentity(const std::string& /*database*/) const override
@@ -182,6 +186,14 @@ public:
     }
 
 private:
+    static bool hasCode(const QSqlError& error, std::span<const char* const> codes)
+    {
+        const QString code = error.nativeErrorCode();
+        return std::any_of(codes.begin(), codes.end(), [&code](const char* known) {
+            return code == QLatin1String(known);
+        });
+    }
+
     /// The server's collation by code point, without padding where it has one, so that texts
     /// compare as on the other engines.
     static std::string binaryCollation(const QSqlDatabase& database)

@@ -70,6 +70,13 @@ public:
 
     [[nodiscard]] bool isConnectionLost(const QSqlError& /*error*/) const override { return false; }
 
+    [[nodiscard]] bool isTransient(const QSqlError& error) const override
+    {
+        // SQLITE_BUSY in the low byte, whatever the kind.
+        constexpr int kBusy = 5;
+        return (error.nativeErrorCode().toInt() & 0xFF) == kBusy;
+    }
+
     [[nodiscard]] std::string fileIdentity(const std::string& database) const override
     {
         struct stat status

@@ -123,6 +123,43 @@ TEST_P(Writer, FindsRecordsByWhatTheyAre)
     EXPECT_THAT(routine("e"), HasSubstr("is stored with definition \"d\", but here it has \"e\"."));
 }
 
+TEST_P(Writer, KnowsManyRecordsAsWellAsFew)
+{
+    constexpr int kDevices = 500;
+    const auto write = [this](const std::string& type, const char* key) {
+        database.write([&](RecordWriter& writer) {
+            for (int i = 0; i < 2 * kDevices; ++i) {
+                const int place = i % kDevices;
+                const int die = writer.findOrAddDie({{"lot", std::to_string(place / 5)}});
+                EXPECT_EQ(
+                    writer.findOrAddDevice(
+                        die, {{"name", std::to_string(place)}, {"device_type", type}},
+                        {number_key(key, place, "ID")}),
+                    place + 1);
+            }
+        });
+    };
+    write("n", "W");
+    write("n", "L");
+    EXPECT_EQ(
+        database.rows("SELECT count(*) FROM device WHERE device_type = 'n'"),
+        std::to_string(kDevices) + ";");
+    EXPECT_EQ(
+        database.rows(
+            "SELECT device_column_id, count(*), sum(number) FROM device_data GROUP BY device_column_id"),
+        "1|500|124750;2|500|124750;");
+    EXPECT_THAT(
+        thrown_by([this] {
+            RecordWriter writer(database.connection);
+            for (int i = 0; i < kDevices; ++i) {
+                writer.findOrAddDevice(
+                    i / 5 + 1, {{"name", std::to_string(i)}},
+                    {number_key("W", i == 400 ? 0 : i, "ID")});
+            }
+        }),
+        HasSubstr("The device \"400\" is stored with W = 400, but here W = 0."));
+}
+
 TEST_P(Writer, SupersedesWhatIsTheSame)
 {
     using Change = std::function<void(Sweep&)>;

@@ -53,7 +53,9 @@ std::string MeasurementDatabase::rows(const std::string& sql)
     std::string text;
     while (query.next()) {
         for (int i = 0; i < query.record().count(); ++i) {
-            text += (i == 0 ? "" : "|") + dbif::to_utf8(query.value(i).toString());
+            text += i == 0 ? "" : "|";
+            // A NULL number has the text 0 on one engine.
+            text += query.isNull(i) ? "" : dbif::to_utf8(query.value(i).toString());
         }
         text += ";";
     }

@@ -25,6 +25,9 @@ std::span<const Command> commands()
             "import", "Read files of annotated CSV into a database, all or none",
             "dbapi import lab sweeps/ more.csv", declare_import},
         Command{
+            "copy", "Copy records with their history into another database, and compare",
+            "dbapi copy lab backup -q '$LOT=S130'", declare_copy},
+        Command{
             "values", "Show what is stored under keywords",
             "dbapi values lab '$DEVNAME' W -q 'W=[1u,5u];$TEMP=25' --distinct", declare_values},
         Command{

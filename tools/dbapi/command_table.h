@@ -36,6 +36,7 @@ CommandRunner declare_connection_test(CLI::App& arguments);
 CommandRunner declare_connection_remove(CLI::App& arguments);
 CommandRunner declare_connection_manage(CLI::App& arguments);
 CommandRunner declare_import(CLI::App& arguments);
+CommandRunner declare_copy(CLI::App& arguments);
 CommandRunner declare_values(CLI::App& arguments);
 CommandRunner declare_explain(CLI::App& arguments);
 CommandRunner declare_keys(CLI::App& arguments);

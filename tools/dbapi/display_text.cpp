@@ -145,4 +145,9 @@ std::string_view display_prefix(std::string_view text, std::size_t width)
     }
     return text.substr(0, at);
 }
+
+std::string counted(std::size_t count, const std::string& thing)
+{
+    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
 } // namespace dbapi::tool

@@ -9,6 +9,9 @@ namespace dbapi::tool {
 /// direction of writing and bytes that are not UTF-8 appear as escapes ("\n", "\x1b", "\u202e").
 std::string display_text(std::string_view text);
 
+/// "1 file", "2 files".
+std::string counted(std::size_t count, const std::string& thing);
+
 /// How many columns of a terminal the text takes, which has been through `display_text`.
 std::size_t display_width(std::string_view text);
 

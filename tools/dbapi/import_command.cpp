@@ -1,6 +1,7 @@
 #include "dbapi/text_rules.h"
 
 #include "tools/dbapi/command_table.h"
+#include "tools/dbapi/display_text.h"
 #include "tools/dbapi/stored_names.h"
 #include "tools/dbapi/sweep_files.h"
 #include "tools/dbapi/sweep_import.h"
@@ -21,11 +22,6 @@ struct ImportOptions
     std::string connection;
     std::vector<std::string> paths;
 };
-
-std::string counted(std::size_t count, const std::string& thing)
-{
-    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
-}
 
 [[noreturn]] void fail_for_paths(const std::vector<std::string>& faults)
 {

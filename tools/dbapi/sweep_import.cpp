@@ -5,6 +5,7 @@
 #include "dbif/error_text.h"
 #include "dbif/host_number.h"
 #include "dbif/host_string.h"
+#include "dbif/write_retry.h"
 
 #include <map>
 #include <optional>
@@ -85,7 +86,7 @@ void Import::storeUnlessRefused(const std::string& file, const AnnotatedCsv& csv
         store(file, csv);
     } catch (const DBIF_Exception& exception) {
         // What the writer refuses is a fault of the file, and the next files may have more.
-        if (!exception.sql().isEmpty()) {
+        if (!exception.sql().isEmpty() || exception.error().type() == QSqlError::TransactionError) {
             throw;
         }
         addFault(file, 0, dbif::trimmed(convert_sql_error_to_string(exception.error()).str()));
@@ -175,14 +176,19 @@ ImportResult Import::finish()
 } // namespace
 
 ImportResult import_sweeps(
-    DBIF_Connection connection,
+    const DBIF_Connection& connection,
     const std::vector<std::string>& files,
     const ReadProgress& progress)
 {
-    Import import(std::move(connection));
-    for (const std::string& file : files) {
-        import.add(file, read_annotated_csv(file, progress));
-    }
-    return import.finish();
+    ImportResult result;
+    // Repeated from the first file on: a transaction that fails takes all of them with it.
+    dbif::write_with_retries(connection, [&] {
+        Import import(connection);
+        for (const std::string& file : files) {
+            import.add(file, read_annotated_csv(file, progress));
+        }
+        result = import.finish();
+    });
+    return result;
 }
 } // namespace dbapi::tool

@@ -34,10 +34,11 @@ struct ImportResult
 
 /// Reads files of annotated CSV and stores all of them in one transaction, as one catalogue entry,
 /// or nothing when any has a fault: then all files are read all the same, so that every fault is
-/// known. Each file becomes a measurement with one setup. Throws `DBIF_Exception` when the database
-/// fails; nothing is stored then either.
+/// known. Each file becomes a measurement with one setup. Repeated a few times when another writer
+/// is in its way or the connection is lost. Throws `DBIF_Exception` when the database fails;
+/// nothing is stored then either.
 ImportResult import_sweeps(
-    DBIF_Connection connection,
+    const DBIF_Connection& connection,
     const std::vector<std::string>& files,
     const ReadProgress& progress = nullptr);
 } // namespace dbapi::tool

@@ -1,0 +1,357 @@
+#include "dbif/record_copy.h"
+
+#include "dbif/content_digest.h"
+#include "dbif/copy_mark.h"
+#include "dbif/exception.h"
+#include "dbif/key_writer.h"
+#include "dbif/measurement_recognition.h"
+#include "dbif/shared_records.h"
+#include "dbif/superseding.h"
+#include "dbif/sweep_array.h"
+#include "dbif/write_retry.h"
+#include "dbif/write_transaction.h"
+
+#include <algorithm>
+#include <set>
+
+namespace dbif {
+namespace {
+constexpr std::size_t kParentsPerTransaction = 1000;
+constexpr std::size_t kMeasurementsPerRead = 100;
+
+int place_of(const std::map<int, int>& places, int id)
+{
+    const auto found = places.find(id);
+    return found == places.end() ? 0 : found->second;
+}
+
+/// One writing transaction on the target.
+struct Writing
+{
+    explicit Writing(const DBIF_Connection& target)
+        : transaction(target), rows(target), keys(rows), shared(rows, keys)
+    {}
+
+    /// A die, device or routine, whose parent stands at its place in `parents`. One that is
+    /// completed gets a new time.
+    SharedRecords::Found
+    findOrAdd(const TableFacts& f, const RecordContent& record, const std::map<int, int>* parents)
+    {
+        RecordRow row = record.row;
+        for (int& link : row.links) {
+            link = place_of(*parents, link);
+        }
+        const SharedRecords::Found found = shared.findOrAdd(f, row, record.keys);
+        if (found.hasChanged) {
+            SqlText sql;
+            sql << "UPDATE " << SqlName(f.name)
+                << " SET modified_time = " << SqlLiteral(transaction.stamp())
+                << " WHERE id = " << found.id;
+            rows.connection().execute(sql, __FILE__, __LINE__);
+        }
+        return found;
+    }
+
+    void commit()
+    {
+        const int mark = stamp_copy_mark(rows, transaction.stamp());
+        rows.flush();
+        transaction.commit("catalog_entry", mark);
+    }
+
+    WriteTransaction transaction;
+    RowStore rows;
+    KeyWriter keys;
+    SharedRecords shared;
+};
+
+/// Refuses to copy what the source itself could not read.
+void check_sweep(const SweepContent& sweep, int setup)
+{
+    const std::string place = "The key \"" + sweep.name + "\" of setup " + std::to_string(setup);
+    SweepArray array;
+    array.kind = sweep.kind;
+    for (const std::string& chunk : sweep.chunks) {
+        unpack(chunk, place, &array);
+    }
+    if (static_cast<long long>(array.size()) != sweep.points) {
+        throw_error(
+            place + " is damaged (it has " + std::to_string(array.size()) + " of " +
+                std::to_string(sweep.points) +
+                " points). Restore the database from a backup, or import the data again.",
+            __FILE__, __LINE__);
+    }
+}
+
+class Copy
+{
+public:
+    Copy(
+        DBIF_Connection& source,
+        DBIF_Connection& target,
+        const CopySelection& selection,
+        const CopyProgress& progress)
+        : source_(source), target_(target), selection_(selection), progress_(progress)
+    {}
+
+    CopyOutcome run();
+
+private:
+    void copyShared(
+        RecordTable table,
+        const std::vector<int>& ids,
+        const std::map<int, int>* parents,
+        std::map<int, int>* places);
+    void copyCatalogEntries();
+    void copyMeasurements(const std::vector<int>& ids);
+    void write(MeasurementContent& measurement);
+    void writeSetup(Writing& writing, const SetupContent& setup, int id);
+    void writeLinks(const MeasurementContent& measurement, const CopyPlaces& added);
+    void settle();
+    void step();
+
+    DBIF_Connection& source_;
+    DBIF_Connection& target_;
+    const CopySelection& selection_;
+    const CopyProgress& progress_;
+    CopyOutcome outcome_;
+    /// The measurements of the target that are copies of ones of the source.
+    std::set<int> taken_;
+    std::size_t done_ = 0;
+};
+
+CopyOutcome Copy::run()
+{
+    CopyPlaces& places = outcome_.places;
+    copyShared(RecordTable::Die, selection_.dies, nullptr, &places.dies);
+    copyShared(RecordTable::Device, selection_.devices, &places.dies, &places.devices);
+    copyShared(RecordTable::Routine, selection_.routines, nullptr, &places.routines);
+    copyCatalogEntries();
+    const std::vector<int>& ids = selection_.measurements;
+    for (std::size_t first = 0; first < ids.size(); first += kMeasurementsPerRead) {
+        copyMeasurements(part_of(ids, first, kMeasurementsPerRead));
+    }
+    settle();
+    return std::move(outcome_);
+}
+
+void Copy::copyShared(
+    RecordTable table,
+    const std::vector<int>& ids,
+    const std::map<int, int>* parents,
+    std::map<int, int>* places)
+{
+    const TableFacts& f = facts(table);
+    for (std::size_t first = 0; first < ids.size(); first += kParentsPerTransaction) {
+        const std::vector<RecordContent> records =
+            read_records(source_, f, "id", part_of(ids, first, kParentsPerTransaction));
+        std::map<int, int> written;
+        write_with_retries(target_, [&] {
+            written.clear();
+            Writing writing(target_);
+            bool hasChanged = false;
+            for (const RecordContent& record : records) {
+                const SharedRecords::Found found = writing.findOrAdd(f, record, parents);
+                hasChanged = hasChanged || found.isNew || found.hasChanged;
+                written[record.id] = found.id;
+            }
+            if (hasChanged) {
+                writing.commit();
+            }
+        });
+        places->merge(written);
+    }
+}
+
+void Copy::copyCatalogEntries()
+{
+    const TableFacts& f = facts(RecordTable::CatalogEntry);
+    const std::vector<int>& ids = selection_.catalogEntries;
+    std::set<int> taken;
+    for (std::size_t first = 0; first < ids.size(); first += kParentsPerTransaction) {
+        const std::vector<RecordContent> records =
+            read_records(source_, f, "id", part_of(ids, first, kParentsPerTransaction));
+        std::map<int, int> known = recognised_catalog_entries(target_, records, taken);
+        if (known.size() < records.size()) {
+            std::map<int, int> written;
+            write_with_retries(target_, [&] {
+                written.clear();
+                Writing writing(target_);
+                for (const RecordContent& record : records) {
+                    if (!known.contains(record.id)) {
+                        const int id = insert_record(writing.rows, f, record.row);
+                        writing.keys.add(RecordTable::CatalogEntry, id, record.keys);
+                        written[record.id] = id;
+                    }
+                }
+                writing.commit();
+            });
+            known.merge(written);
+        }
+        for (const auto& [from, to] : known) {
+            taken.insert(to);
+        }
+        outcome_.places.catalogEntries.merge(known);
+    }
+}
+
+void Copy::copyMeasurements(const std::vector<int>& ids)
+{
+    std::vector<MeasurementContent> contents = read_measurements(source_, ids);
+    std::vector<MeasurementContent*> missing;
+    const std::map<int, MeasurementContent> known =
+        recognised_measurements(target_, &contents, taken_);
+    for (MeasurementContent& content : contents) {
+        const auto found = known.find(content.record.id);
+        if (found == known.end()) {
+            missing.push_back(&content);
+            continue;
+        }
+        note_places(content, found->second, &outcome_.places);
+        taken_.insert(found->second.record.id);
+        ++outcome_.present;
+        step();
+    }
+    for (std::size_t first = 0; first < missing.size();) {
+        const std::size_t count = payload_group(missing, first);
+        const auto begin = missing.begin() + static_cast<std::ptrdiff_t>(first);
+        read_chunks(source_, Payload::Whole, {begin, begin + static_cast<std::ptrdiff_t>(count)});
+        for (std::size_t i = first; i < first + count; ++i) {
+            write(*missing[i]);
+            *missing[i] = {};
+            ++outcome_.copied;
+            step();
+        }
+        first += count;
+    }
+}
+
+void Copy::write(MeasurementContent& measurement)
+{
+    for_each_setup(measurement, [](const SetupContent& setup) {
+        for (const SweepContent& sweep : setup.sweeps) {
+            check_sweep(sweep, setup.record.id);
+        }
+    });
+    CopyPlaces& places = outcome_.places;
+    CopyPlaces added;
+    write_with_retries(target_, [&] {
+        added = {};
+        Writing writing(target_);
+        RecordRow row = measurement.record.row;
+        row.links = {
+            place_of(places.devices, row.links.at(0)),
+            place_of(places.catalogEntries, row.links.at(1)),
+            place_of(places.routines, row.links.at(2))};
+        const int id = insert_record(writing.rows, facts(RecordTable::Measurement), row);
+        writing.keys.add(RecordTable::Measurement, id, measurement.record.keys);
+        added.measurements[measurement.record.id] = id;
+        for (const ConditionContent& condition : measurement.conditions) {
+            const TableFacts& f = facts(RecordTable::MeasurementCondition);
+            RecordRow conditionRow = condition.record.row;
+            conditionRow.links = {id};
+            const int conditionId = insert_record(writing.rows, f, conditionRow);
+            writing.keys.add(RecordTable::MeasurementCondition, conditionId, condition.record.keys);
+            added.conditions[condition.record.id] = conditionId;
+            for (const SetupContent& setup : condition.setups) {
+                RecordRow setupRow = setup.record.row;
+                setupRow.links = {conditionId};
+                const int setupId =
+                    insert_record(writing.rows, facts(RecordTable::Setup), setupRow);
+                writeSetup(writing, setup, setupId);
+                added.setups[setup.record.id] = setupId;
+            }
+        }
+        writing.rows.flush();
+        writeLinks(measurement, added);
+        writing.commit();
+    });
+    taken_.insert(added.measurements.begin()->second);
+    places.measurements.merge(added.measurements);
+    places.conditions.merge(added.conditions);
+    places.setups.merge(added.setups);
+}
+
+void Copy::writeSetup(Writing& writing, const SetupContent& setup, int id)
+{
+    for (const SweepContent& sweep : setup.sweeps) {
+        const int column = writing.keys.define(
+            RecordTable::Setup, sweep.name, sweep.kind, sweep.isInput ? "IN" : "OUT");
+        insert_association(
+            writing.rows, id, column, sweep.header, sweep.points, sweep.minimum, sweep.maximum);
+        int number = 0;
+        for (const std::string& chunk : sweep.chunks) {
+            insert_chunk(writing.rows, id, column, number++, chunk);
+        }
+    }
+}
+
+/// The links of the measurement and of its setups to what supersedes them, and of those that they
+/// supersede, as far as the target has both.
+void Copy::writeLinks(const MeasurementContent& measurement, const CopyPlaces& added)
+{
+    const auto link = [this](
+                          const char* table, const RecordContent& record, int id,
+                          const std::map<int, int>& places,
+                          const std::multimap<int, int>& allOlder) {
+        std::vector<SupersedingLink> links;
+        const int newer = place_of(places, record.supersededBy);
+        if (newer != 0) {
+            links.push_back({id, newer});
+        }
+        const auto [first, last] = allOlder.equal_range(record.id);
+        for (auto older = first; older != last; ++older) {
+            const int olderId = place_of(places, older->second);
+            if (olderId != 0) {
+                links.push_back({olderId, id});
+            }
+        }
+        write_superseding_links(target_, table, links);
+    };
+    const CopyPlaces& places = outcome_.places;
+    link(
+        "measurement", measurement.record, added.measurements.at(measurement.record.id),
+        places.measurements, selection_.olderMeasurements);
+    for_each_setup(measurement, [&](const SetupContent& setup) {
+        link(
+            "setup", setup.record, added.setups.at(setup.record.id), places.setups,
+            selection_.olderSetups);
+    });
+}
+
+/// Where the target has another latest setup of a copied one's identity, the newer supersedes.
+void Copy::settle()
+{
+    std::vector<int> ids;
+    for (const auto& [from, to] : outcome_.places.setups) {
+        ids.push_back(to);
+    }
+    std::sort(ids.begin(), ids.end());
+    if (latest_twins(target_, ids).empty()) {
+        return;
+    }
+    write_with_retries(target_, [&] {
+        Writing writing(target_);
+        mark_superseded(target_, latest_twins(target_, ids));
+        writing.commit();
+    });
+}
+
+void Copy::step()
+{
+    ++done_;
+    if (progress_) {
+        progress_(done_);
+    }
+}
+} // namespace
+
+CopyOutcome copy_records(
+    DBIF_Connection& source,
+    DBIF_Connection& target,
+    const CopySelection& selection,
+    const CopyProgress& progress)
+{
+    return Copy(source, target, selection, progress).run();
+}
+} // namespace dbif

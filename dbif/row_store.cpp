@@ -1,0 +1,176 @@
+#include "dbif/row_store.h"
+
+#include "dbif/bulk_cursor.h"
+#include "dbif/exception.h"
+
+namespace dbif {
+/// Passes values on and counts their bytes.
+class RowStore::Counted final : public RowInserter
+{
+public:
+    Counted(RowStore& store, std::unique_ptr<RowInserter> inserter)
+        : store_(store), inserter_(std::move(inserter))
+    {}
+
+    RowInserter& null() override { return passed(inserter_->null(), 1); }
+
+    RowInserter& integer(long long value) override { return passed(inserter_->integer(value), 4); }
+
+    RowInserter& number(double value) override { return passed(inserter_->number(value), 8); }
+
+    RowInserter& text(std::string_view value) override
+    {
+        return passed(inserter_->text(value), value.size());
+    }
+
+    RowInserter& blob(std::string_view value) override
+    {
+        return passed(inserter_->blob(value), value.size());
+    }
+
+    void endRow() override
+    {
+        store_.count(bytes_);
+        bytes_ = 0;
+        inserter_->endRow();
+    }
+
+    void flush() override { inserter_->flush(); }
+
+private:
+    RowInserter& passed(RowInserter& /*inserter*/, std::size_t bytes)
+    {
+        bytes_ += bytes;
+        return *this;
+    }
+
+    RowStore& store_;
+    std::unique_ptr<RowInserter> inserter_;
+    std::size_t bytes_ = 0;
+};
+
+namespace {
+/// What a cluster replicates of a row besides its values: head of the event, digests of its keys.
+constexpr std::size_t kBytesAroundRow = 100;
+
+[[noreturn]] void refuse(unsigned long long limit, const char* unit, const char* setting)
+{
+    throw_error(
+        "The records are more than the server takes in one transaction (" + std::to_string(limit) +
+            " " + unit + ", the setting " + setting +
+            "). Nothing of them is stored: store them in parts, for example fewer files in one import, "
+            "or raise the setting on every node of the cluster.",
+        __FILE__, __LINE__, QSqlError::TransactionError);
+}
+} // namespace
+
+RowStore::RowStore(DBIF_Connection connection)
+    : connection_(std::move(connection)), limit_(connection_.session().transactionLimit())
+{}
+
+int RowStore::nextId(const std::string& table)
+{
+    auto last = lastId_.find(table);
+    if (last == lastId_.end()) {
+        SqlText sql;
+        sql << "SELECT max(id) FROM " << SqlName(table);
+        BulkCursor cursor(connection_, sql);
+        last = lastId_.emplace(table, cursor.next() ? cursor.integer(0) : 0).first;
+    }
+    return ++last->second;
+}
+
+RowInserter& RowStore::into(const std::string& table, const std::vector<std::string>& columns)
+{
+    auto found = inserters_.find(table);
+    if (found == inserters_.end()) {
+        const std::vector<SqlName> names(columns.begin(), columns.end());
+        found = inserters_
+                    .emplace(
+                        table, std::make_unique<Counted>(
+                                   *this, connection_.session().inserter(SqlName(table), names)))
+                    .first;
+    }
+    return *found->second;
+}
+
+void RowStore::flush()
+{
+    for (auto& [table, inserter] : inserters_) {
+        inserter->flush();
+    }
+}
+
+void RowStore::count(std::size_t bytes)
+{
+    ++rows_;
+    bytes_ += bytes + kBytesAroundRow;
+    if (limit_.bytes > 0 && bytes_ > limit_.bytes) {
+        refuse(limit_.bytes, "bytes", "wsrep_max_ws_size");
+    }
+    if (limit_.rows > 0 && rows_ > limit_.rows) {
+        refuse(limit_.rows, "rows", "wsrep_max_ws_rows");
+    }
+}
+
+int insert_record(RowStore& rows, const TableFacts& f, const RecordRow& record)
+{
+    std::vector<std::string> names{"id"};
+    for (const ParentLink& link : f.parents) {
+        names.emplace_back(link.column);
+    }
+    for (const FixedColumnFacts& column : f.fixedColumns.subspan(1)) {
+        names.emplace_back(column.name);
+    }
+    names.emplace_back("identity");
+
+    const int id = rows.nextId(std::string(f.name));
+    RowInserter& row = rows.into(std::string(f.name), names);
+    row.integer(id);
+    for (const int link : record.links) {
+        link == 0 ? row.null() : row.integer(link);
+    }
+    for (const FixedColumnFacts& column : f.fixedColumns.subspan(1)) {
+        if (column.name == "modified_time") {
+            row.text(record.time);
+        } else if (column.name == "user") {
+            record.user.has_value() ? row.text(*record.user) : row.null();
+        } else if (column.kind == FixedKind::Number) {
+            record.number.has_value() ? row.number(*record.number) : row.null();
+        } else {
+            const auto text = record.columns.find(std::string(column.name));
+            text == record.columns.end() ? row.null() : row.text(text->second);
+        }
+    }
+    (record.identity.empty() ? row.null() : row.blob(record.identity)).endRow();
+    return id;
+}
+
+void insert_association(
+    RowStore& rows,
+    int setup,
+    int column,
+    const std::optional<std::string>& header,
+    long long points,
+    const std::optional<double>& minimum,
+    const std::optional<double>& maximum)
+{
+    RowInserter& row = rows.into(
+        "setup_association",
+        {"setup_id", "setup_column_id", "vanto_header", "points", "minimum", "maximum"});
+    row.integer(setup).integer(column);
+    (header.has_value() ? row.text(*header) : row.null()).integer(points);
+    minimum.has_value() ? row.number(*minimum) : row.null();
+    (maximum.has_value() ? row.number(*maximum) : row.null()).endRow();
+}
+
+void insert_chunk(RowStore& rows, int setup, int column, int number, std::string_view payload)
+{
+    rows.into("setup_data", {"setup_column_id", "setup_id", "chunk", "payload"})
+        .integer(column)
+        .integer(setup)
+        .integer(number)
+        .blob(payload)
+        .endRow();
+}
+} // namespace dbif
