@@ -42,21 +42,29 @@ std::multimap<int, int> older_by_setups(DBIF_Connection& source)
             "measurement_condition nc ON nc.id = n.measurement_condition_id"));
 }
 
+/// What the pairs lead to from `id` in one step.
+std::vector<int> next_ids(const std::vector<std::multimap<int, int>>& maps, int id)
+{
+    std::vector<int> next;
+    for (const std::multimap<int, int>& map : maps) {
+        const auto [first, last] = map.equal_range(id);
+        std::transform(
+            first, last, std::back_inserter(next), [](const auto& pair) { return pair.second; });
+    }
+    return next;
+}
+
 /// Adds what can be reached from the ids along the pairs.
 void add_reachable(const std::vector<std::multimap<int, int>>& maps, std::set<int>* ids)
 {
     std::vector<int> open(ids->begin(), ids->end());
-    const auto add = [&open, ids](int id) {
-        if (ids->insert(id).second) {
-            open.push_back(id);
-        }
-    };
     while (!open.empty()) {
         const int id = open.back();
         open.pop_back();
-        for (const std::multimap<int, int>& map : maps) {
-            const auto [first, last] = map.equal_range(id);
-            std::for_each(first, last, [&](const auto& pair) { add(pair.second); });
+        for (const int next : next_ids(maps, id)) {
+            if (ids->insert(next).second) {
+                open.push_back(next);
+            }
         }
     }
 }

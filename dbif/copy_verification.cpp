@@ -169,8 +169,7 @@ void Comparison::compareRecords(
         }
         targetSide_.add(f, *copy, withTime);
     };
-    for (std::size_t first = 0; first < ids.size(); first += kRecordsPerRead) {
-        const std::vector<int> some = part_of(ids, first, kRecordsPerRead);
+    const auto compare = [&](const std::vector<int>& some) {
         std::map<int, RecordContent> copies;
         for (RecordContent& record : read_records(target_, f, "id", mapped(some, places))) {
             const int id = record.id;
@@ -184,6 +183,9 @@ void Comparison::compareRecords(
                 addCopy(record, &copy->second);
             }
         }
+    };
+    for (std::size_t first = 0; first < ids.size(); first += kRecordsPerRead) {
+        compare(part_of(ids, first, kRecordsPerRead));
     }
 }
 

@@ -148,24 +148,21 @@ struct Decimal
     int point = 0;
 };
 
-Decimal shortest_decimal(double magnitude)
+/// What the shortest text in the form d.dddde-dd, which ends at `end`, says.
+Decimal decimal_of(const char* text, const char* end)
 {
-    std::array<char, kLongestDouble> text{};
-    const char* const end =
-        std::to_chars(
-            text.data(), text.data() + text.size(), magnitude, std::chars_format::scientific)
-            .ptr;
+    const char* exponent = end - (end[-4] == 'e' ? 4 : 5);
     Decimal decimal;
-    const char* at = text.data();
-    for (; *at != 'e'; ++at) {
-        if (*at != '.') {
-            decimal.digits.at(static_cast<std::size_t>(decimal.count++)) = *at;
-        }
+    decimal.digits[0] = *text;
+    decimal.count = 1;
+    if (text[1] == '.') {
+        const auto more = static_cast<std::size_t>(exponent - (text + 2));
+        std::memcpy(decimal.digits.data() + 1, text + 2, more);
+        decimal.count += static_cast<int>(more);
     }
-    const bool negative = at[1] == '-';
-    int exponent = 0;
-    std::from_chars(at + 2, end, exponent);
-    decimal.point = (negative ? -exponent : exponent) + 1;
+    int power = 0;
+    std::from_chars(exponent + 2, end, power);
+    decimal.point = (exponent[1] == '-' ? -power : power) + 1;
     return decimal;
 }
 
@@ -196,23 +193,6 @@ char* write_plain(const Decimal& decimal, char* out)
     return append(out, decimal.digits.data() + decimal.point, decimal.count - decimal.point);
 }
 
-char* write_scientific(const Decimal& decimal, char* out)
-{
-    *out++ = decimal.digits[0];
-    if (decimal.count > 1) {
-        *out++ = '.';
-        out = append(out, decimal.digits.data() + 1, decimal.count - 1);
-    }
-    const int exponent = decimal.point - 1;
-    *out++ = 'e';
-    *out++ = exponent < 0 ? '-' : '+';
-    const int magnitude = std::abs(exponent);
-    if (magnitude < 10) {
-        *out++ = '0';
-    }
-    return std::to_chars(out, out + 4, magnitude).ptr;
-}
-
 /// Qt's choice between the two layouts: the shorter one, plain where they are even.
 bool is_plain(const Decimal& decimal)
 {
@@ -241,8 +221,10 @@ char* format_double(double number, char* buffer)
         *out++ = '-';
         number = -number;
     }
-    const Decimal decimal = shortest_decimal(number);
-    return is_plain(decimal) ? write_plain(decimal, out) : write_scientific(decimal, out);
+    char* const end =
+        std::to_chars(out, buffer + kLongestDouble, number, std::chars_format::scientific).ptr;
+    const Decimal decimal = decimal_of(out, end);
+    return is_plain(decimal) ? write_plain(decimal, out) : end;
 }
 
 std::string double_text(double number)

@@ -88,6 +88,17 @@ RecordContent read_record(BulkCursor& cursor, const TableFacts& f)
     return record;
 }
 
+/// The key in the columns 1 (its unique key), 2 (number) and 3 (text).
+void add_key(BulkCursor& cursor, RecordContent* record)
+{
+    const std::optional<ColumnKeyParts> parts = split_column_key(cursor.text(1));
+    if (parts.has_value()) {
+        record->keys.push_back(
+            {parts->name, parts->kind, parts->category, cursor.number(2),
+             std::string(cursor.text(3))});
+    }
+}
+
 void read_keys(
     DBIF_Connection& connection,
     const TableFacts& f,
@@ -105,13 +116,7 @@ void read_keys(
             << ") ORDER BY 1, 2";
         BulkCursor cursor(connection, sql);
         while (cursor.next()) {
-            const std::optional<ColumnKeyParts> parts = split_column_key(cursor.text(1));
-            if (parts.has_value()) {
-                byId.at(cursor.integer(0))
-                    ->keys.push_back(
-                        {parts->name, parts->kind, parts->category, cursor.number(2),
-                         std::string(cursor.text(3))});
-            }
+            add_key(cursor, byId.at(cursor.integer(0)));
         }
     });
 }

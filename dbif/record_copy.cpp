@@ -102,10 +102,21 @@ private:
         const std::vector<int>& ids,
         const std::map<int, int>* parents,
         std::map<int, int>* places);
+    std::map<int, int> writeShared(
+        const TableFacts& f,
+        const std::vector<RecordContent>& records,
+        const std::map<int, int>* parents);
     void copyCatalogEntries();
+    std::map<int, int>
+    writeCatalogEntries(const std::vector<RecordContent>& records, const std::map<int, int>& known);
     void copyMeasurements(const std::vector<int>& ids);
     void write(MeasurementContent& measurement);
-    void writeSetup(Writing& writing, const SetupContent& setup, int id);
+    static void writeCondition(
+        Writing& writing,
+        const ConditionContent& condition,
+        int measurement,
+        CopyPlaces* added);
+    static void writeSetup(Writing& writing, const SetupContent& setup, int id);
     void writeLinks(const MeasurementContent& measurement, const CopyPlaces& added);
     void settle();
     void step();
@@ -135,6 +146,26 @@ CopyOutcome Copy::run()
     return std::move(outcome_);
 }
 
+/// In one transaction; the place of each.
+std::map<int, int> Copy::writeShared(
+    const TableFacts& f,
+    const std::vector<RecordContent>& records,
+    const std::map<int, int>* parents)
+{
+    std::map<int, int> written;
+    Writing writing(target_);
+    bool hasChanged = false;
+    for (const RecordContent& record : records) {
+        const SharedRecords::Found found = writing.findOrAdd(f, record, parents);
+        hasChanged = hasChanged || found.isNew || found.hasChanged;
+        written[record.id] = found.id;
+    }
+    if (hasChanged) {
+        writing.commit();
+    }
+    return written;
+}
+
 void Copy::copyShared(
     RecordTable table,
     const std::vector<int>& ids,
@@ -146,21 +177,28 @@ void Copy::copyShared(
         const std::vector<RecordContent> records =
             read_records(source_, f, "id", part_of(ids, first, kParentsPerTransaction));
         std::map<int, int> written;
-        write_with_retries(target_, [&] {
-            written.clear();
-            Writing writing(target_);
-            bool hasChanged = false;
-            for (const RecordContent& record : records) {
-                const SharedRecords::Found found = writing.findOrAdd(f, record, parents);
-                hasChanged = hasChanged || found.isNew || found.hasChanged;
-                written[record.id] = found.id;
-            }
-            if (hasChanged) {
-                writing.commit();
-            }
-        });
+        write_with_retries(target_, [&] { written = writeShared(f, records, parents); });
         places->merge(written);
     }
+}
+
+/// Those that are not known, in one transaction; the place of each.
+std::map<int, int> Copy::writeCatalogEntries(
+    const std::vector<RecordContent>& records,
+    const std::map<int, int>& known)
+{
+    std::map<int, int> written;
+    Writing writing(target_);
+    for (const RecordContent& record : records) {
+        if (known.contains(record.id)) {
+            continue;
+        }
+        const int id = insert_record(writing.rows, facts(RecordTable::CatalogEntry), record.row);
+        writing.keys.add(RecordTable::CatalogEntry, id, record.keys);
+        written[record.id] = id;
+    }
+    writing.commit();
+    return written;
 }
 
 void Copy::copyCatalogEntries()
@@ -174,18 +212,7 @@ void Copy::copyCatalogEntries()
         std::map<int, int> known = recognised_catalog_entries(target_, records, taken);
         if (known.size() < records.size()) {
             std::map<int, int> written;
-            write_with_retries(target_, [&] {
-                written.clear();
-                Writing writing(target_);
-                for (const RecordContent& record : records) {
-                    if (!known.contains(record.id)) {
-                        const int id = insert_record(writing.rows, f, record.row);
-                        writing.keys.add(RecordTable::CatalogEntry, id, record.keys);
-                        written[record.id] = id;
-                    }
-                }
-                writing.commit();
-            });
+            write_with_retries(target_, [&] { written = writeCatalogEntries(records, known); });
             known.merge(written);
         }
         for (const auto& [from, to] : known) {
@@ -247,20 +274,7 @@ void Copy::write(MeasurementContent& measurement)
         writing.keys.add(RecordTable::Measurement, id, measurement.record.keys);
         added.measurements[measurement.record.id] = id;
         for (const ConditionContent& condition : measurement.conditions) {
-            const TableFacts& f = facts(RecordTable::MeasurementCondition);
-            RecordRow conditionRow = condition.record.row;
-            conditionRow.links = {id};
-            const int conditionId = insert_record(writing.rows, f, conditionRow);
-            writing.keys.add(RecordTable::MeasurementCondition, conditionId, condition.record.keys);
-            added.conditions[condition.record.id] = conditionId;
-            for (const SetupContent& setup : condition.setups) {
-                RecordRow setupRow = setup.record.row;
-                setupRow.links = {conditionId};
-                const int setupId =
-                    insert_record(writing.rows, facts(RecordTable::Setup), setupRow);
-                writeSetup(writing, setup, setupId);
-                added.setups[setup.record.id] = setupId;
-            }
+            writeCondition(writing, condition, id, &added);
         }
         writing.rows.flush();
         writeLinks(measurement, added);
@@ -270,6 +284,26 @@ void Copy::write(MeasurementContent& measurement)
     places.measurements.merge(added.measurements);
     places.conditions.merge(added.conditions);
     places.setups.merge(added.setups);
+}
+
+void Copy::writeCondition(
+    Writing& writing,
+    const ConditionContent& condition,
+    int measurement,
+    CopyPlaces* added)
+{
+    RecordRow row = condition.record.row;
+    row.links = {measurement};
+    const int id = insert_record(writing.rows, facts(RecordTable::MeasurementCondition), row);
+    writing.keys.add(RecordTable::MeasurementCondition, id, condition.record.keys);
+    added->conditions[condition.record.id] = id;
+    for (const SetupContent& setup : condition.setups) {
+        RecordRow setupRow = setup.record.row;
+        setupRow.links = {id};
+        const int setupId = insert_record(writing.rows, facts(RecordTable::Setup), setupRow);
+        writeSetup(writing, setup, setupId);
+        added->setups[setup.record.id] = setupId;
+    }
 }
 
 void Copy::writeSetup(Writing& writing, const SetupContent& setup, int id)
@@ -286,36 +320,43 @@ void Copy::writeSetup(Writing& writing, const SetupContent& setup, int id)
     }
 }
 
-/// The links of the measurement and of its setups to what supersedes them, and of those that they
-/// supersede, as far as the target has both.
+/// The links of a record that stands at `id` in the target to what supersedes it, and of those that
+/// it supersedes, as far as the target has both.
+std::vector<SupersedingLink> links_of(
+    const RecordContent& record,
+    int id,
+    const std::map<int, int>& places,
+    const std::multimap<int, int>& allOlder)
+{
+    std::vector<SupersedingLink> links;
+    const int newer = place_of(places, record.supersededBy);
+    if (newer != 0) {
+        links.push_back({id, newer});
+    }
+    const auto [first, last] = allOlder.equal_range(record.id);
+    for (auto older = first; older != last; ++older) {
+        const int olderId = place_of(places, older->second);
+        if (olderId != 0) {
+            links.push_back({olderId, id});
+        }
+    }
+    return links;
+}
+
 void Copy::writeLinks(const MeasurementContent& measurement, const CopyPlaces& added)
 {
-    const auto link = [this](
-                          const char* table, const RecordContent& record, int id,
-                          const std::map<int, int>& places,
-                          const std::multimap<int, int>& allOlder) {
-        std::vector<SupersedingLink> links;
-        const int newer = place_of(places, record.supersededBy);
-        if (newer != 0) {
-            links.push_back({id, newer});
-        }
-        const auto [first, last] = allOlder.equal_range(record.id);
-        for (auto older = first; older != last; ++older) {
-            const int olderId = place_of(places, older->second);
-            if (olderId != 0) {
-                links.push_back({olderId, id});
-            }
-        }
-        write_superseding_links(target_, table, links);
-    };
     const CopyPlaces& places = outcome_.places;
-    link(
-        "measurement", measurement.record, added.measurements.at(measurement.record.id),
-        places.measurements, selection_.olderMeasurements);
+    write_superseding_links(
+        target_, "measurement",
+        links_of(
+            measurement.record, added.measurements.at(measurement.record.id), places.measurements,
+            selection_.olderMeasurements));
     for_each_setup(measurement, [&](const SetupContent& setup) {
-        link(
-            "setup", setup.record, added.setups.at(setup.record.id), places.setups,
-            selection_.olderSetups);
+        write_superseding_links(
+            target_, "setup",
+            links_of(
+                setup.record, added.setups.at(setup.record.id), places.setups,
+                selection_.olderSetups));
     });
 }
 

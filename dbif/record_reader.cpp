@@ -214,9 +214,18 @@ ResultColumn read_key_values(
         // An index has them in this order.
         sql << " ORDER BY " << value;
     }
-    RowMask hasValue;
-    return std::move(read_cells(connection, sql, {key_column_kind(definition)}, {true}, &hasValue)
-                         .columns.front());
+    ResultColumn column = empty_column(key_column_kind(definition), 0);
+    BulkCursor cursor(connection, sql);
+    if (column.kind == Kind::Double) {
+        while (cursor.next()) {
+            column.numbers.push_back(cursor.number(0));
+        }
+    } else {
+        while (cursor.next()) {
+            append_cell(cursor, 0, &column);
+        }
+    }
+    return column;
 }
 
 ResultColumn read_key_beside(

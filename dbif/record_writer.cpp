@@ -143,6 +143,8 @@ public:
           shared_(rows_, keys_)
     {}
 
+    ~Work() = default;
+
     /// Inserts a record: links, fixed texts, time and user, identity.
     int insert(
         const TableFacts& f,

@@ -12,7 +12,12 @@ using Kind = ResultColumn::Kind;
 
 std::string integer_text(double number)
 {
-    return std::to_string(static_cast<long long>(number));
+    return std::isnan(number) ? std::string() : std::to_string(static_cast<long long>(number));
+}
+
+std::string number_text(double number)
+{
+    return std::isnan(number) ? std::string() : double_text(number);
 }
 
 void keep_first(std::size_t count, ResultColumn* column)
@@ -46,9 +51,9 @@ std::string ResultColumn::text(std::size_t row) const
 {
     switch (kind) {
     case Kind::Integer:
-        return std::isnan(numbers[row]) ? std::string() : integer_text(numbers[row]);
+        return integer_text(numbers[row]);
     case Kind::Double:
-        return std::isnan(numbers[row]) ? std::string() : double_text(numbers[row]);
+        return number_text(numbers[row]);
     case Kind::Complex:
         return complex_text(complexNumbers[row]);
     case Kind::SharedText:
@@ -81,7 +86,7 @@ void keep_first_rows(std::size_t count, QueryResult* result)
 }
 
 namespace {
-/// Formats a column of numbers; sorted columns repeat values, and those are formatted once.
+/// Formats the values of a column; sorted columns repeat values, and those are formatted once.
 template <typename T, typename Format>
 std::vector<std::string> formatted(const std::vector<T>& values, const Format& format)
 {
@@ -91,7 +96,7 @@ std::vector<std::string> formatted(const std::vector<T>& values, const Format& f
         if (i > 0 && values[i] == values[i - 1]) {
             texts.push_back(texts.back());
         } else {
-            texts.push_back(format(i));
+            texts.push_back(format(values[i]));
         }
     }
     return texts;
@@ -102,17 +107,16 @@ std::vector<std::string> take_texts(ResultColumn* column)
 {
     ResultColumn taken = std::move(*column);
     *column = ResultColumn();
-    const auto format = [&taken](std::size_t row) {
-        return taken.text(row);
-    };
     switch (taken.kind) {
     case Kind::Integer:
+        return formatted(taken.numbers, integer_text);
     case Kind::Double:
-        return formatted(taken.numbers, format);
+        return formatted(taken.numbers, number_text);
     case Kind::Complex:
-        return formatted(taken.complexNumbers, format);
+        return formatted(taken.complexNumbers, complex_text);
     case Kind::SharedText:
-        return formatted(taken.codes, format);
+        return formatted(
+            taken.codes, [&taken](std::uint32_t code) { return taken.dictionary[code]; });
     case Kind::Text:
         break;
     }

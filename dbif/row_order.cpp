@@ -148,6 +148,12 @@ void sort_values(std::vector<T>* values)
 /// By their ranks, which a radix sort takes.
 void sort_values(std::vector<double>* numbers)
 {
+    const auto isBefore = [](double a, double b) {
+        return order_of(a, b) < 0;
+    };
+    if (std::is_sorted(numbers->begin(), numbers->end(), isBefore)) {
+        return;
+    }
     std::vector<std::uint64_t> ranks(numbers->size());
     std::transform(numbers->begin(), numbers->end(), ranks.begin(), [](double number) {
         return rank_of(number);
@@ -301,25 +307,31 @@ void sort_rows(const std::vector<SortKey>& keys, QueryResult* result)
     }
 }
 
+namespace {
+bool are_equal(const std::vector<ResultColumn>& columns, Row a, Row b)
+{
+    return std::all_of(columns.begin(), columns.end(), [a, b](const ResultColumn& column) {
+        return order_of_rows(column, a, b) == 0;
+    });
+}
+
+void move_row(Row from, Row to, std::vector<ResultColumn>* columns)
+{
+    for (ResultColumn& column : *columns) {
+        with_values(column, [from, to](auto& values) { values[to] = std::move(values[from]); });
+    }
+}
+} // namespace
+
 void remove_repeated_rows(QueryResult* result)
 {
-    const auto areEqual = [result](Row a, Row b) {
-        return std::all_of(
-            result->columns.begin(), result->columns.end(),
-            [a, b](const ResultColumn& column) { return order_of_rows(column, a, b) == 0; });
-    };
-    const auto move = [result](Row from, Row to) {
-        for (ResultColumn& column : result->columns) {
-            with_values(column, [from, to](auto& values) { values[to] = std::move(values[from]); });
-        }
-    };
     Row kept = 0;
     for (Row row = 0; row < result->rows; ++row) {
-        if (kept > 0 && areEqual(kept - 1, row)) {
+        if (kept > 0 && are_equal(result->columns, kept - 1, row)) {
             continue;
         }
         if (kept != row) {
-            move(row, kept);
+            move_row(row, kept, &result->columns);
         }
         ++kept;
     }

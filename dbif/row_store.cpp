@@ -113,6 +113,31 @@ void RowStore::count(std::size_t bytes)
     }
 }
 
+namespace {
+void insert_text(const std::optional<std::string>& text, RowInserter& row)
+{
+    text.has_value() ? row.text(*text) : row.null();
+}
+
+void insert_fixed_column(const FixedColumnFacts& column, const RecordRow& record, RowInserter& row)
+{
+    if (column.name == "modified_time") {
+        row.text(record.time);
+        return;
+    }
+    if (column.name == "user") {
+        insert_text(record.user, row);
+        return;
+    }
+    if (column.kind == FixedKind::Number) {
+        record.number.has_value() ? row.number(*record.number) : row.null();
+        return;
+    }
+    const auto text = record.columns.find(std::string(column.name));
+    text == record.columns.end() ? row.null() : row.text(text->second);
+}
+} // namespace
+
 int insert_record(RowStore& rows, const TableFacts& f, const RecordRow& record)
 {
     std::vector<std::string> names{"id"};
@@ -131,16 +156,7 @@ int insert_record(RowStore& rows, const TableFacts& f, const RecordRow& record)
         link == 0 ? row.null() : row.integer(link);
     }
     for (const FixedColumnFacts& column : f.fixedColumns.subspan(1)) {
-        if (column.name == "modified_time") {
-            row.text(record.time);
-        } else if (column.name == "user") {
-            record.user.has_value() ? row.text(*record.user) : row.null();
-        } else if (column.kind == FixedKind::Number) {
-            record.number.has_value() ? row.number(*record.number) : row.null();
-        } else {
-            const auto text = record.columns.find(std::string(column.name));
-            text == record.columns.end() ? row.null() : row.text(text->second);
-        }
+        insert_fixed_column(column, record, row);
     }
     (record.identity.empty() ? row.null() : row.blob(record.identity)).endRow();
     return id;

@@ -21,6 +21,7 @@ class RowStore
 
 public:
     explicit RowStore(DBIF_Connection connection);
+    ~RowStore() = default;
 
     [[nodiscard]] DBIF_Connection& connection() { return connection_; }
 

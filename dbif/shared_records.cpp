@@ -92,16 +92,33 @@ SharedRecords::Known SharedRecords::readRecord(const TableFacts& f, int id)
     }
     sql << " FROM " << SqlName(f.name) << " WHERE id = " << id;
     BulkCursor cursor(rows_.connection(), sql);
-    if (cursor.next()) {
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            const int column = static_cast<int>(i);
-            if (!cursor.isNull(column)) {
-                known.columns[names[i]] = cursor.text(column);
-            }
+    if (!cursor.next()) {
+        return known;
+    }
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const int column = static_cast<int>(i);
+        if (!cursor.isNull(column)) {
+            known.columns[names[i]] = cursor.text(column);
         }
     }
     return known;
 }
+
+namespace {
+[[noreturn]] void throw_stored_differently(
+    const std::string& what,
+    const std::string& name,
+    const std::string& stored,
+    const std::string& given)
+{
+    std::string message = what;
+    message.append(" is stored with ").append(name).append(" \"").append(stored);
+    message.append("\", but here it has \"").append(given);
+    message.append("\". Stored values are not overwritten: correct the value, or give the record "
+                   "another name.");
+    throw_error(message, __FILE__, __LINE__);
+}
+} // namespace
 
 bool SharedRecords::completeColumns(
     const TableFacts& f,
@@ -118,11 +135,7 @@ bool SharedRecords::completeColumns(
                    << SqlLiteral(text);
             missing[name] = text;
         } else if (stored->second != text) {
-            throw_error(
-                what + " is stored with " + name + " \"" + stored->second +
-                    "\", but here it has \"" + text +
-                    "\". Stored values are not overwritten: correct the value, or give the record another name.",
-                __FILE__, __LINE__);
+            throw_stored_differently(what, name, stored->second, text);
         }
     }
     if (missing.empty()) {
@@ -145,12 +158,14 @@ void SharedRecords::forgetSome()
     // From now on they are read back.
     rows_.flush();
     for (auto& [table, records] : tables_) {
-        if (records.stored.has_value()) {
-            for (const auto& [identity, known] : records.known) {
-                records.stored->emplace(identity, known.id);
-            }
+        std::unordered_map<std::string, Known> forgotten;
+        forgotten.swap(records.known);
+        if (!records.stored.has_value()) {
+            continue;
         }
-        records.known.clear();
+        for (const auto& [identity, known] : forgotten) {
+            records.stored->emplace(identity, known.id);
+        }
     }
     knownRecords_ = 0;
 }

@@ -19,6 +19,8 @@ class SharedRecords
 public:
     SharedRecords(RowStore& rows, KeyWriter& keys) : rows_(rows), keys_(keys) {}
 
+    ~SharedRecords() = default;
+
     struct Found
     {
         int id = 0;

@@ -54,7 +54,7 @@ public:
     [[nodiscard]] QSqlError startSession(QSqlDatabase& database) const override
     {
         // Opening reads nothing; the first look at the schema shows whether this is a database.
-        const QSqlError error = run(database, QStringLiteral("SELECT count(*) FROM sqlite_master"));
+        QSqlError error = run(database, QStringLiteral("SELECT count(*) FROM sqlite_master"));
         if (error.type() != QSqlError::NoError) {
             return error;
         }
