@@ -169,7 +169,7 @@ bool get_column_for_catalog_entry_from_resolved_keyname(
     const std::string& keyname,
     const std::string& category,
     const std::string& datatype,
-    const DBIF_QueryCondition* /*condition*/,
+    DBIF_QueryCondition* /*condition*/,
     QSharedPointer<DBIF_FixedColumn<DBIF_CatalogEntry>>* fixedColumn,
     QSharedPointer<DBIF_CatalogEntryColumn>* column,
     std::string* errors)
@@ -182,7 +182,7 @@ bool get_column_for_device_from_resolved_keyname(
     const std::string& keyname,
     const std::string& category,
     const std::string& datatype,
-    const DBIF_QueryCondition* /*condition*/,
+    DBIF_QueryCondition* /*condition*/,
     QSharedPointer<DBIF_FixedColumn<DBIF_Device>>* fixedColumn,
     QSharedPointer<DBIF_DeviceColumn>* column,
     std::string* errors)
@@ -194,7 +194,7 @@ bool get_column_for_die_from_resolved_keyname(
     DBIF_Connection& connection,
     const std::string& keyname,
     const std::string& category,
-    const DBIF_QueryCondition* /*condition*/,
+    DBIF_QueryCondition* /*condition*/,
     QSharedPointer<DBIF_FixedColumn<DBIF_Die>>* fixedColumn,
     std::string* errors)
 {
@@ -208,7 +208,7 @@ bool get_column_for_measurement_from_resolved_keyname(
     const std::string& keyname,
     const std::string& category,
     const std::string& datatype,
-    const DBIF_QueryCondition* /*condition*/,
+    DBIF_QueryCondition* /*condition*/,
     QSharedPointer<DBIF_FixedColumn<DBIF_Measurement>>* fixedColumn,
     QSharedPointer<DBIF_MeasurementColumn>* column,
     std::string* errors)
@@ -221,7 +221,7 @@ bool get_column_for_measurement_condition_from_resolved_keyname(
     const std::string& keyname,
     const std::string& category,
     const std::string& datatype,
-    const DBIF_QueryCondition* /*condition*/,
+    DBIF_QueryCondition* /*condition*/,
     QSharedPointer<DBIF_FixedColumn<DBIF_MeasurementCondition>>* fixedColumn,
     QSharedPointer<DBIF_MeasurementConditionColumn>* column,
     std::string* errors)
@@ -233,7 +233,7 @@ bool get_column_for_routine_from_resolved_keyname(
     DBIF_Connection& connection,
     const std::string& keyname,
     const std::string& category,
-    const DBIF_QueryCondition* /*condition*/,
+    DBIF_QueryCondition* /*condition*/,
     QSharedPointer<DBIF_FixedColumn<DBIF_Routine>>* fixedColumn,
     std::string* errors)
 {
@@ -247,7 +247,7 @@ bool get_column_for_setup_from_resolved_keyname(
     const std::string& keyname,
     const std::string& category,
     const std::string& datatype,
-    const DBIF_QueryCondition* /*condition*/,
+    DBIF_QueryCondition* /*condition*/,
     QSharedPointer<DBIF_FixedColumn<DBIF_Setup>>* fixedColumn,
     QSharedPointer<DBIF_SetupColumn>* column,
     std::string* errors)

@@ -51,7 +51,7 @@ bool get_column_for_catalog_entry_from_resolved_keyname(
     const std::string& keyname,
     const std::string& category,
     const std::string& datatype,
-    const DBIF_QueryCondition* condition,
+    DBIF_QueryCondition* condition,
     QSharedPointer<DBIF_FixedColumn<DBIF_CatalogEntry>>* fixedColumn,
     QSharedPointer<DBIF_CatalogEntryColumn>* column,
     std::string* errors);
@@ -60,7 +60,7 @@ bool get_column_for_device_from_resolved_keyname(
     const std::string& keyname,
     const std::string& category,
     const std::string& datatype,
-    const DBIF_QueryCondition* condition,
+    DBIF_QueryCondition* condition,
     QSharedPointer<DBIF_FixedColumn<DBIF_Device>>* fixedColumn,
     QSharedPointer<DBIF_DeviceColumn>* column,
     std::string* errors);
@@ -68,7 +68,7 @@ bool get_column_for_die_from_resolved_keyname(
     DBIF_Connection& connection,
     const std::string& keyname,
     const std::string& category,
-    const DBIF_QueryCondition* condition,
+    DBIF_QueryCondition* condition,
     QSharedPointer<DBIF_FixedColumn<DBIF_Die>>* fixedColumn,
     std::string* errors);
 bool get_column_for_measurement_from_resolved_keyname(
@@ -76,7 +76,7 @@ bool get_column_for_measurement_from_resolved_keyname(
     const std::string& keyname,
     const std::string& category,
     const std::string& datatype,
-    const DBIF_QueryCondition* condition,
+    DBIF_QueryCondition* condition,
     QSharedPointer<DBIF_FixedColumn<DBIF_Measurement>>* fixedColumn,
     QSharedPointer<DBIF_MeasurementColumn>* column,
     std::string* errors);
@@ -85,7 +85,7 @@ bool get_column_for_measurement_condition_from_resolved_keyname(
     const std::string& keyname,
     const std::string& category,
     const std::string& datatype,
-    const DBIF_QueryCondition* condition,
+    DBIF_QueryCondition* condition,
     QSharedPointer<DBIF_FixedColumn<DBIF_MeasurementCondition>>* fixedColumn,
     QSharedPointer<DBIF_MeasurementConditionColumn>* column,
     std::string* errors);
@@ -93,7 +93,7 @@ bool get_column_for_routine_from_resolved_keyname(
     DBIF_Connection& connection,
     const std::string& keyname,
     const std::string& category,
-    const DBIF_QueryCondition* condition,
+    DBIF_QueryCondition* condition,
     QSharedPointer<DBIF_FixedColumn<DBIF_Routine>>* fixedColumn,
     std::string* errors);
 bool get_column_for_setup_from_resolved_keyname(
@@ -101,7 +101,7 @@ bool get_column_for_setup_from_resolved_keyname(
     const std::string& keyname,
     const std::string& category,
     const std::string& datatype,
-    const DBIF_QueryCondition* condition,
+    DBIF_QueryCondition* condition,
     QSharedPointer<DBIF_FixedColumn<DBIF_Setup>>* fixedColumn,
     QSharedPointer<DBIF_SetupColumn>* column,
     std::string* errors);

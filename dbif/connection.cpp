@@ -63,11 +63,12 @@ public:
         }
         dialect_->configure(database, parameters_);
         if (!database.open()) {
-            lastError_ = database.lastError();
+            lastError_ = openingError(database.lastError());
             return;
         }
         lastError_ = dialect_->startSession(database);
         if (lastError_.isValid()) {
+            lastError_ = openingError(lastError_);
             database.close();
             return;
         }
@@ -105,6 +106,17 @@ public:
 
     [[nodiscard]] bool isValid() const { return session_ != nullptr; }
 
+    /// The error of a statement. There is no connection to a file that could break: Qt's driver
+    /// calls whatever SQLite refuses so.
+    [[nodiscard]] QSqlError statementError(const QSqlError& error) const
+    {
+        return dialect_->isServer() || error.type() != QSqlError::ConnectionError
+                   ? error
+                   : QSqlError(
+                         error.driverText(), error.databaseText(), QSqlError::StatementError,
+                         error.nativeErrorCode());
+    }
+
     dbif::ConnectionParameters parameters_;
     const dbif::SqlDialect* dialect_ = nullptr;
     QString name_;
@@ -126,6 +138,21 @@ private:
     }
 
     bool isLost_ = false;
+
+    /// SQLite does not say which file does not open.
+    [[nodiscard]] QSqlError openingError(const QSqlError& error) const
+    {
+        if (dialect_->isServer()) {
+            return error;
+        }
+        const QString reason =
+            error.databaseText().isEmpty() ? error.driverText() : error.databaseText();
+        return QSqlError(
+            error.driverText(),
+            QStringLiteral("The SQLite file \"%1\" does not open: %2.")
+                .arg(dbif::to_qt(parameters_.database), reason),
+            error.type(), error.nativeErrorCode());
+    }
 
     bool isFileUsable(dbif::MissingFile missingFile)
     {
@@ -214,7 +241,7 @@ QSqlQuery DBIF_Connection::query(const QString& sql, int /*option*/, const char*
         if (query.exec(sql)) {
             return query;
         }
-        const QSqlError error = query.lastError();
+        const QSqlError error = managed_->statementError(query.lastError());
         query.clear();
         managed_->lastError_ = error;
         if (isRetry || !managed_->reopenAfter(error)) {

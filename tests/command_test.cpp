@@ -1,5 +1,6 @@
 #include "tests/support/command_fixture.h"
 #include "tests/support/mariadb_server.h"
+#include "tests/support/sqlite_file.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -41,6 +42,11 @@ TEST_F(Command, KeepsConnectionsFromAddToRemove)
     test_support::write_file(
         database, "this is no database, but longer than a hundred bytes: " + std::string(100, '.'));
     EXPECT_NE(dbapi({"connection", "test", "lab"}).code, 0);
+    EXPECT_THAT(
+        dbapi({"connection", "add", "text", "--sqlite", database}).talk,
+        HasSubstr(
+            "The SQLite file \"" + database +
+            "\" does not open: file is not a database.\nThe file is something else"));
     EXPECT_EQ(dbapi({"connection", "remove", "lab"}).code, 0);
     EXPECT_TRUE(std::filesystem::exists(database));
     const Outcome none = dbapi({"connection", "list"});
@@ -188,6 +194,9 @@ TEST_F(Command, PointsAtTheFault)
          "  alldata: length=1,2y,3\n                    ^^\n"},
         {{"length", "-q", "process='p"}, "  process='p\n          ^^\n"},
         {{"length", "-q", "length=[1]"}, "  length=[1]\n         ^^^\n"},
+        {{"length", "-q", "length<1,2"}, "  length<1,2\n         ^^^\n"},
+        {{"length", "-q", "length=,"}, "  length=,\n         ^\n"},
+        {{"length", "-q", "$MEASDBID=x"}, "  $MEASDBID=x\n            ^\n"},
         {{"length", "-q", "S11<1"}, "  S11<1\n      ^\n"},
         {{"length", "-q", "length=1;{W"}, "  length=1;{W\n           ^^\n"},
         {{"length", "-q", "length=1;W"}, "  length=1;W\n           ^\n"},
@@ -206,6 +215,20 @@ TEST_F(Command, PointsAtTheFault)
         EXPECT_THAT(outcome.talk, HasSubstr("\n" + fault.lines));
         EXPECT_EQ(outcome.data, "");
     }
+}
+
+TEST_F(Command, NamesTheConnectionWhoseDatabaseRefusesAnImport)
+{
+    dbapi({"import", "lab", sweep("a.csv", "# $APP = t\nOUTD.a\n1\n")});
+    run_on_file(
+        database,
+        "CREATE TRIGGER refuses BEFORE INSERT ON setup BEGIN SELECT RAISE(ABORT, 'closed'); END");
+    const Outcome outcome = dbapi({"import", "lab", sweep("b.csv", "# $APP = t\nOUTD.a\n1\n")});
+    EXPECT_EQ(outcome.code, 4);
+    EXPECT_EQ(
+        outcome.talk,
+        "dbapi: nothing was imported: the database of the connection \"lab\" reports an error. "
+        "closed\nWhat the connection may do: dbapi connection test lab\n");
 }
 
 TEST_F(Command, ImportsAllOrNothing)

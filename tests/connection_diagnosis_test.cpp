@@ -81,8 +81,9 @@ TEST_F(ConnectionDiagnosis, FindsTheFaultOfAFile)
                      "that does not exist makes an empty database."},
         {"folder", "oofsssss\nfile: \"" + folder.file("folder") +
                        "\" is no ordinary file\nName the database file itself."},
-        {"text", "ooofssss\ndatabase: file is not a database\nThe file is something else, or it is "
-                 "encrypted. Name an SQLite database or a file that does not exist yet."},
+        {"text", "ooofssss\ndatabase: The SQLite file \"" + folder.file("text") +
+                     "\" does not open: file is not a database.\nThe file is something else, or it "
+                     "is encrypted. Name an SQLite database or a file that does not exist yet."},
         {"foreign", "ooooofss\nschema: there are tables, but not those of measurements\nThe "
                     "database belongs to another program. Name an empty or a new database."},
         {"half", "ooooofss\nschema: the measurement tables are incomplete: their creation was "

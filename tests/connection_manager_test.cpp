@@ -235,7 +235,9 @@ TEST_F(ConnectionManagerWindow, StoresWhatDoesNotOpenOnlyOnYes)
     const std::string failure =
         "critical: Database Connection: Error occurred, Database Connection text's information has "
         "failed to create and open a valid database connection.\nCheck Database Connection Error: "
-        "Failed to open valid database connection.\nfile is not a database\n[OK]"
+        "Failed to open valid database connection.\nThe SQLite file \"" +
+        folder.file("text.db") +
+        "\" does not open: file is not a database.\n[OK]"
         "question: Store connection: The connection does not open at the moment. Store it all the "
         "same?[&Yes][&No*]";
     for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {

@@ -110,7 +110,7 @@ Condition comparison(const ModelColumn& column, Comparator comparator, const Tex
     return condition;
 }
 
-Condition random_comparison(Dice& dice)
+Condition random_comparison(Dice& dice, const ModelColumn& column)
 {
     static const Texts kNumbers{"0", "1", "-2", "1.2", "0.13u", "25", "7", "1e300", "-0.0"};
     static const Texts kTexts{"", "a", "A", "a ", "b'c", "ü", "10", "zzz"};
@@ -118,7 +118,6 @@ Condition random_comparison(Dice& dice)
     // Complex numbers have no order.
     static const Comparator kComparators[] = {EQUAL, NOT_EQUAL,  IN,      NOT_IN,       NOT_NULL,
                                               LESS,  LESS_EQUAL, GREATER, GREATER_EQUAL};
-    const ModelColumn& column = dice.of(random_columns());
     const Comparator comparator =
         kComparators[dice.below(column.kind == ValueKind::Complex ? 5 : 9)];
     const Texts& values = column.kind == ValueKind::Double    ? kNumbers
@@ -136,6 +135,11 @@ Condition random_comparison(Dice& dice)
     return comparison(column, comparator, with);
 }
 
+Condition random_comparison(Dice& dice)
+{
+    return random_comparison(dice, dice.of(random_columns()));
+}
+
 Condition joined(const Condition& left, Operator op, const Condition& right)
 {
     return {
@@ -147,6 +151,17 @@ Condition joined(const Condition& left, Operator op, const Condition& right)
         },
         "(" + left.text + (op == AND ? " AND " : " OR ") + right.text + ")",
         left.looksAtPoints || right.looksAtPoints};
+}
+
+/// Several comparisons of one column, as for a range.
+Condition random_comparisons(Dice& dice, Operator op)
+{
+    const ModelColumn& column = dice.of(random_columns());
+    Condition condition = random_comparison(dice, column);
+    for (std::size_t i = 1 + dice.below(2); i > 0; --i) {
+        condition = joined(condition, op, random_comparison(dice, column));
+    }
+    return condition;
 }
 
 Condition random_condition(Dice& dice, std::size_t depth)
@@ -162,6 +177,9 @@ Condition random_condition(Dice& dice, std::size_t depth)
     if (choice < 30) {
         return random_comparison(dice);
     }
+    if (choice < 40) {
+        return random_comparisons(dice, dice.chance(70) ? AND : OR);
+    }
     const Condition first = random_condition(dice, depth - 1);
     if (choice >= 90) {
         return {
@@ -171,7 +189,7 @@ Condition random_condition(Dice& dice, std::size_t depth)
             },
             "NOT " + first.text, first.looksAtPoints};
     }
-    return joined(first, choice < 60 ? AND : OR, random_condition(dice, depth - 1));
+    return joined(first, choice < 65 ? AND : OR, random_condition(dice, depth - 1));
 }
 
 /// AND and OR within each other, deeper than a database's parser takes them.

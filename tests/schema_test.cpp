@@ -130,7 +130,9 @@ TEST_F(SqliteFile, IsLeftAloneWhenItIsNoDatabase)
 {
     const std::string other = folder.file("notes.txt");
     write_file(other, std::string(5000, 'n'));
-    EXPECT_THAT(devices(other), HasSubstr("file is not a database"));
+    EXPECT_THAT(
+        devices(other),
+        HasSubstr("The SQLite file \"" + other + "\" does not open: file is not a database."));
     EXPECT_EQ(read_file(other), std::string(5000, 'n'));
     EXPECT_EQ(devices(folder.path()), "\"" + folder.path() + "\" is a folder, not an SQLite file.");
     EXPECT_EQ(files(), (std::set<std::string>{"notes.txt"}));

@@ -1,6 +1,7 @@
 #include "dbapi/dbapi.h"
 #include "dbapi/text_rules.h"
 #include "dbif/host_string.h"
+#include "dbui/connection_diagnosis.h"
 
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/stored_names.h"
@@ -62,8 +63,24 @@ void check_folder(const std::string& file)
     }
 }
 
+/// The stored record is text, which a byte that is none could not be read back from.
+void check_is_text(const AddOptions& options)
+{
+    for (const std::string* text :
+         {&options.name, &options.file, &options.database, &options.host, &options.port,
+          &options.user}) {
+        if (!dbif::is_utf8(*text)) {
+            throw CommandFailure(
+                ExitCode::WrongUsage, dbapi::quoted(*text) +
+                                          " is not UTF-8 text, so it cannot be stored. Choose "
+                                          "another name, or rename the file.");
+        }
+    }
+}
+
 void check_options(const AddOptions& options)
 {
+    check_is_text(options);
     if (dbif::trimmed(options.name).empty()) {
         throw CommandFailure(ExitCode::WrongUsage, "a connection needs a name");
     }
@@ -77,6 +94,22 @@ void check_options(const AddOptions& options)
                 " already. Choose another name, or remove it: dbapi connection remove " +
                 options.name);
     }
+}
+
+/// What to do about a file that SQLite does not open. Where it opens, the error itself says that.
+std::string advice_for_file(const std::string& file)
+{
+    using dbui::DiagnosisStep;
+    if (std::error_code ignored; !std::filesystem::exists(file, ignored)) {
+        return "\nCheck that you may write in its folder, or name a file in another one.";
+    }
+    const DbuiConnection record("", "QSQLITE", "", "", file, "", "");
+    for (const DiagnosisStep& step : dbui::diagnose_connection(record)) {
+        if (step.outcome == DiagnosisStep::Outcome::Failed) {
+            return step.layer == DiagnosisStep::Layer::Schema ? "" : "\n" + step.advice;
+        }
+    }
+    return {};
 }
 
 ExitCode add_connection(const AddOptions& options)
@@ -93,7 +126,10 @@ ExitCode add_connection(const AddOptions& options)
                   options.name, options.database, options.host, options.user, password_for(options),
                   options.port, &errors);
     if (!isAdded) {
-        throw CommandFailure(ExitCode::Connection, dbif::trimmed(errors));
+        throw CommandFailure(
+            ExitCode::Connection,
+            dbif::trimmed(errors) +
+                (options.database.empty() ? advice_for_file(absolute_path(options.file)) : ""));
     }
     const std::string target =
         options.database.empty()

@@ -1,4 +1,6 @@
 #include "dbapi/text_rules.h"
+#include "dbif/error_text.h"
+#include "dbif/host_string.h"
 
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/display_text.h"
@@ -51,6 +53,24 @@ struct ImportOptions
             "faults. Correct them and import again.");
 }
 
+ImportResult
+import_files(const std::string& name, const DBIF_Connection& connection, const SweepFiles& found)
+{
+    try {
+        ProgressBar progress("Importing " + counted(found.files.size(), "file"), found.bytes);
+        return import_sweeps(
+            connection, found.files, [&progress](std::size_t bytes) { progress.advance(bytes); });
+    } catch (const DBIF_Exception& exception) {
+        const bool isConnection = exception.error().type() == QSqlError::ConnectionError;
+        throw CommandFailure(
+            isConnection ? ExitCode::Connection : ExitCode::Data,
+            "nothing was imported: the database of the connection " + dbapi::quoted(name) +
+                " reports an error. " +
+                dbif::trimmed(convert_sql_error_to_string(exception.error()).str()) +
+                "\nWhat the connection may do: dbapi connection test " + name);
+    }
+}
+
 ExitCode import_paths(const ImportOptions& options)
 {
     const DBIF_Connection connection = open_stored(options.connection);
@@ -58,12 +78,7 @@ ExitCode import_paths(const ImportOptions& options)
     if (!found.faults.empty()) {
         fail_for_paths(found.faults);
     }
-    ImportResult result;
-    {
-        ProgressBar progress("Importing " + counted(found.files.size(), "file"), found.bytes);
-        result = import_sweeps(
-            connection, found.files, [&progress](std::size_t bytes) { progress.advance(bytes); });
-    }
+    const ImportResult result = import_files(options.connection, connection, found);
     if (result.faultCount > 0) {
         fail_for_files(result);
     }

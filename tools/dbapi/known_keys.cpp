@@ -67,8 +67,7 @@ std::optional<dbif::ValueKind> KnownKeys::kindOf(const std::string& keyword)
     if (column == nullptr) {
         return std::nullopt;
     }
-    return column->kind == dbif::FixedKind::Number ? dbif::ValueKind::Double
-                                                   : dbif::ValueKind::Text;
+    return column->kind == dbif::FixedKind::Text ? dbif::ValueKind::Text : dbif::ValueKind::Double;
 }
 
 std::vector<std::string> KnownKeys::keywordsFor(const std::string& name) const

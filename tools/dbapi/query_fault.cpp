@@ -48,6 +48,17 @@ std::optional<Place> find_no_number(const QueryNode& term)
     return std::nullopt;
 }
 
+/// Whether the number of values does not fit the comparator: none at all, or several in an order.
+bool is_number_of_values_wrong(const QueryNode& term)
+{
+    if (term.comparator == EQUAL || term.comparator == NOT_EQUAL) {
+        return !is_range(term.value) && split_value_list(term.value).count == 0;
+    }
+    std::vector<std::string> pieces;
+    dbapi_tokenize(pieces, term.value, ',');
+    return pieces.size() != 1;
+}
+
 bool is_value_misshapen(const QueryNode& term)
 {
     std::string minimum;
@@ -71,6 +82,9 @@ std::optional<Place> find_value_fault(const QueryNode& term, dbif::ValueKind kin
         }
         if (const std::optional<Place> place = find_no_number(term)) {
             return place;
+        }
+        if (is_number_of_values_wrong(term)) {
+            return whole;
         }
         break;
     case dbif::ValueKind::Complex:

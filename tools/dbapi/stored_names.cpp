@@ -60,7 +60,8 @@ DBIF_Connection open_stored(const std::string& name)
         throw CommandFailure(
             ExitCode::Connection,
             "the connection " + dbapi::quoted(name) + " does not open. " +
-                dbif::trimmed(convert_sql_error_to_string(connection.lastError()).str()));
+                dbif::trimmed(convert_sql_error_to_string(connection.lastError()).str()) +
+                "\nWhat keeps it from opening: dbapi connection test " + name);
     }
     return connection;
 }
