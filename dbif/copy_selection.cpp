@@ -61,11 +61,10 @@ void add_reachable(const std::vector<std::multimap<int, int>>& maps, std::set<in
     while (!open.empty()) {
         const int id = open.back();
         open.pop_back();
-        for (const int next : next_ids(maps, id)) {
-            if (ids->insert(next).second) {
-                open.push_back(next);
-            }
-        }
+        const std::vector<int> next = next_ids(maps, id);
+        std::copy_if(next.begin(), next.end(), std::back_inserter(open), [ids](int reached) {
+            return ids->insert(reached).second;
+        });
     }
 }
 

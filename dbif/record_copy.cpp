@@ -210,11 +210,14 @@ void Copy::copyCatalogEntries()
         const std::vector<RecordContent> records =
             read_records(source_, f, "id", part_of(ids, first, kParentsPerTransaction));
         std::map<int, int> known = recognised_catalog_entries(target_, records, taken);
+        std::map<int, int> written;
+        const auto write = [&] {
+            written = writeCatalogEntries(records, known);
+        };
         if (known.size() < records.size()) {
-            std::map<int, int> written;
-            write_with_retries(target_, [&] { written = writeCatalogEntries(records, known); });
-            known.merge(written);
+            write_with_retries(target_, write);
         }
+        known.merge(written);
         for (const auto& [from, to] : known) {
             taken.insert(to);
         }
