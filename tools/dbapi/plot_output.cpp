@@ -6,6 +6,7 @@
 #include "tools/dbapi/call_failure.h"
 #include "tools/dbapi/command_failure.h"
 #include "tools/dbapi/curve_picture.h"
+#include "tools/dbapi/display_text.h"
 #include "tools/dbapi/gnuplot.h"
 #include "tools/dbapi/plot_script.h"
 #include "tools/dbapi/terminal.h"
@@ -17,11 +18,6 @@ namespace dbapi::tool {
 namespace {
 /// A picture shows no more, and files of more are slow to open.
 constexpr std::size_t kMostPoints = 50'000;
-
-std::string counted(std::size_t count, const std::string& what)
-{
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
 
 std::string description(const Picture& picture)
 {

@@ -3,6 +3,7 @@
 #include "tools/dbapi/call_failure.h"
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/data_output.h"
+#include "tools/dbapi/display_text.h"
 #include "tools/dbapi/plot_output.h"
 #include "tools/dbapi/stored_names.h"
 #include "tools/dbapi/terminal.h"
@@ -24,10 +25,8 @@ struct ValuesOptions
 
 void tell_nothing_found(const DataRequest& request)
 {
-    std::string text = "nothing found: no record has a value of";
-    for (const std::string& keyword : request.keywords) {
-        text += (&keyword == request.keywords.data() ? " " : " or ") + keyword;
-    }
+    std::string text =
+        "nothing found: no record has a value of " + listed(request.keywords, " or ");
     if (!request.query.empty()) {
         text += " and fits the query " + dbapi::quoted(request.query) +
                 ". Loosen the query, or put \"ALLDATA:\" in front to count superseded records too; "
