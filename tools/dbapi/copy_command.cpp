@@ -7,6 +7,7 @@
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/data_output.h"
 #include "tools/dbapi/display_text.h"
+#include "tools/dbapi/request_arguments.h"
 #include "tools/dbapi/stored_names.h"
 #include "tools/dbapi/terminal.h"
 
@@ -138,11 +139,9 @@ CommandRunner declare_copy(CLI::App& arguments)
     const auto options = std::make_shared<CopyOptions>();
     arguments.add_option("FROM", options->request.connection, "a stored connection")->required();
     arguments.add_option("TO", options->target, "the stored connection to copy into")->required();
-    arguments
-        .add_option(
-            "-q,--query", options->request.query,
-            "which records, like '$LOT=S130'; without it, all of them")
-        ->type_name("QUERY");
+    add_query_option(
+        arguments, &options->request.query,
+        "which records, like '$LOT=S130'; without it, all of them");
     add_output_options(arguments, &options->output);
     return [options] {
         return copy(*options);

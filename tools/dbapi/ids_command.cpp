@@ -3,7 +3,7 @@
 #include "tools/dbapi/call_failure.h"
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/data_output.h"
-#include "tools/dbapi/record_tables_argument.h"
+#include "tools/dbapi/request_arguments.h"
 #include "tools/dbapi/stored_names.h"
 #include "tools/dbapi/terminal.h"
 
@@ -50,11 +50,9 @@ ExitCode show_ids(const IdsOptions& options)
 CommandRunner declare_ids(CLI::App& arguments)
 {
     const auto options = std::make_shared<IdsOptions>();
-    arguments.add_option("CONNECTION", options->request.connection, "a stored connection")
-        ->required();
+    add_connection_argument(arguments, &options->request.connection);
     add_table_argument(arguments, &options->table);
-    arguments.add_option("-q,--query", options->request.query, "which records, like 'W=5u;L<=1u'")
-        ->type_name("QUERY");
+    add_query_option(arguments, &options->request.query);
     add_output_options(arguments, &options->output);
     return [options] {
         return show_ids(*options);
