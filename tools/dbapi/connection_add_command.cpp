@@ -93,7 +93,12 @@ ExitCode add_connection(const AddOptions& options)
                   options.name, options.database, options.host, options.user, password_for(options),
                   options.port, &errors);
     if (!isAdded) {
-        throw CommandFailure(ExitCode::Connection, dbif::trimmed(errors));
+        throw CommandFailure(
+            ExitCode::Connection,
+            dbif::trimmed(errors) + "\nNothing was stored. Check " +
+                (options.database.empty() ? "the path, and that you may read and write the file."
+                                          : "the host, port, user and password, and that the "
+                                            "server runs."));
     }
     const std::string target =
         options.database.empty()

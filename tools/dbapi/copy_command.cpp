@@ -104,7 +104,11 @@ ExitCode copy(const CopyOptions& options)
     reading.arm();
     const dbif::CopySelection selection = selected(source, request);
     if (selection.isEmpty()) {
-        tell_error("nothing found: the query selects no record to copy.");
+        tell_error(
+            request.query.empty()
+                ? "nothing found: " + dbapi::quoted(request.connection) + " has no records to copy."
+                : "nothing found: the query selects no record to copy. dbapi explain " +
+                      request.connection + " with the same query tells which term leaves nothing.");
         return ExitCode::NothingFound;
     }
     const std::size_t count = selection.measurements.size();

@@ -40,7 +40,12 @@ ExitCode show_ids(const IdsOptions& options)
     write_data(table, options.output);
     if (ids.empty()) {
         tell_error(
-            "nothing found: the query selects no record of the table " + options.table + ".");
+            request.query.empty()
+                ? "nothing found: the table " + options.table + " has no records. dbapi import " +
+                      request.connection + " PATH reads files into the database."
+                : "nothing found: the query selects no record of the table " + options.table +
+                      ". dbapi explain " + request.connection +
+                      " with the same query tells which term leaves nothing.");
         return ExitCode::NothingFound;
     }
     return ExitCode::Done;
