@@ -9,7 +9,6 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
-#include <utility>
 
 namespace dbapi::tool {
 namespace {

@@ -2,6 +2,7 @@
 #include "tools/dbapi/data_output.h"
 
 #include <CLI/CLI.hpp>
+#include <cctype>
 #include <string>
 
 namespace dbapi::tool {
