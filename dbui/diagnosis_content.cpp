@@ -5,8 +5,6 @@
 #include "dbif/schema.h"
 #include "dbif/schema_names.h"
 
-#include <array>
-
 namespace dbui {
 namespace {
 using Layer = DiagnosisStep::Layer;

@@ -3,7 +3,6 @@
 #include "dbif/host_string.h"
 #include "dbui/diagnosis_content.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QVariant>
 

@@ -59,6 +59,8 @@ TEST_F(Completion, OffersWhatFitsThePlace)
         {{"keys", "lab", "me"}, "measurement\nmeasurement_condition\n"},
         {{"keys", "lab", "--s"}, "--short\n"},
         {{"values", "lab", "L", "--format", "t"}, "table\n"},
+        {{"explain", "lab", "--format", ""}, "text\njson\n"},
+        {{"copy", "lab", "l"}, "lab\n"},
         {{"values", "lab", "-q", "L=1u", "v"}, "vth\n"},
         {{"values", "lab", "L", "Key"},
          "Key\\(W\\,catalog_entry\\,DOUBLE\\)\nKey\\(W\\,device\\,DOUBLE\\,PHYSICAL\\)\n"},

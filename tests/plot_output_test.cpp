@@ -98,7 +98,7 @@ TEST_F(PlotOutput, ExplainsWhatItCannotDraw)
     const auto talkOf = [&](Arguments arguments) {
         arguments.insert(arguments.begin(), {"values", "lab"});
         const Outcome outcome = dbapi(arguments);
-        EXPECT_NE(outcome.code, 0);
+        EXPECT_EQ(outcome.code, 2) << outcome.talk;
         return outcome.talk;
     };
     EXPECT_THAT(talkOf({"v", "t", "--plot", "x.gp"}), HasSubstr("\"t\" holds texts"));

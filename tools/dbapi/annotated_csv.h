@@ -5,7 +5,6 @@
 #include "tools/dbapi/annotations.h"
 #include "tools/dbapi/file_faults.h"
 
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>

@@ -3,6 +3,7 @@
 #include "dbif/host_string.h"
 
 #include "tools/dbapi/command_failure.h"
+#include "tools/dbapi/display_text.h"
 #include "tools/dbapi/known_keys.h"
 #include "tools/dbapi/query_fault.h"
 #include "tools/dbapi/stored_names.h"
@@ -26,11 +27,11 @@ find_fault(KnownKeys& keys, const DataRequest& request, const std::string& error
 /// For calls that fail without a word.
 std::string default_text(KnownKeys& keys, const DataRequest& request)
 {
-    std::string text = "the database has no values of";
+    std::vector<std::string> described;
     for (const std::string& keyword : request.keywords) {
-        text += (&keyword == request.keywords.data() ? " " : ", ") + keys.describe(keyword);
+        described.push_back(keys.describe(keyword));
     }
-    return text + ". Check the keyword.";
+    return "the database has no values of " + listed(described) + ". Check the keyword.";
 }
 } // namespace
 

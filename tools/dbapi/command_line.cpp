@@ -5,6 +5,7 @@
 #include "dbif/host_string.h"
 
 #include "tools/dbapi/command_table.h"
+#include "tools/dbapi/data_output.h"
 #include "tools/dbapi/nearest_text.h"
 #include "tools/dbapi/terminal.h"
 
@@ -15,6 +16,7 @@
 #include <memory>
 #include <new>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -25,11 +27,17 @@ constexpr const char* kFooter =
     "4 data or schema, 5 file. The stored connections are those of the folder in\n"
     "VANTO_DB_CONNECTIONS_DIRECTORY, else of ~/tarsier/config.";
 
+constexpr const char* kCommands = "Commands";
+
 /// Help without CLI11's remarks on which option needs which.
 class HelpText : public CLI::Formatter
 {
 public:
-    HelpText() { column_width(26); }
+    HelpText()
+    {
+        column_width(32);
+        label("SUBCOMMAND", "COMMAND");
+    }
 
     [[nodiscard]] std::string make_option_opts(const CLI::Option* option) const override
     {
@@ -76,7 +84,9 @@ class CommandLine
 public:
     CommandLine()
     {
-        app_.set_version_flag("--version", std::string("dbapi ") + DBAPI_VERSION);
+        app_.set_help_flag("-h,--help", "show this help");
+        app_.set_version_flag(
+            "--version", std::string("dbapi ") + DBAPI_VERSION, "show the version");
         app_.require_subcommand(1);
         app_.formatter(std::make_shared<HelpText>());
         app_.footer(kFooter);
@@ -92,7 +102,9 @@ public:
         try {
             app_.parse(argumentCount, arguments);
         } catch (const CLI::Success& helpOrVersion) {
-            app_.exit(helpOrVersion);
+            std::ostringstream text;
+            app_.exit(helpOrVersion, text);
+            write_text(text.str());
             return ExitCode::Done;
         } catch (const CLI::ParseError& error) {
             throw CommandFailure(ExitCode::WrongUsage, usageText(error));
@@ -107,7 +119,7 @@ private:
         const std::size_t blank = name.find(' ');
         CLI::App* parent = blank == std::string::npos ? &app_ : group(name.substr(0, blank));
         const std::string word = name.substr(blank == std::string::npos ? 0 : blank + 1);
-        CLI::App* arguments = parent->add_subcommand(word, command.summary);
+        CLI::App* arguments = parent->add_subcommand(word, command.summary)->group(kCommands);
         arguments->footer(std::string("Example: ") + command.example);
         const CommandRunner runner = command.declare(*arguments);
         arguments->final_callback([this, runner] { chosen_ = runner; });
@@ -122,7 +134,9 @@ private:
         if (!known.empty()) {
             return known.front();
         }
-        CLI::App* added = app_.add_subcommand(name, "Add, list, test and remove " + name + "s");
+        CLI::App* added =
+            app_.add_subcommand(name, "Name databases; list, test, manage and forget them")
+                ->group(kCommands);
         added->require_subcommand(1);
         return added;
     }

@@ -2,12 +2,10 @@
 
 #include "dbapi/builtin_keynames.h"
 #include "dbapi/db_listing.h"
-#include "dbapi/keyword_split.h"
 #include "dbapi/vocabulary.h"
-#include "dbif/column_store.h"
-#include "dbif/host_string.h"
 
-#include "tools/dbapi/data_output.h"
+#include "tools/dbapi/known_keys.h"
+#include "tools/dbapi/request_arguments.h"
 #include "tools/dbapi/stored_names.h"
 
 #include <CLI/CLI.hpp>
@@ -91,33 +89,11 @@ void step(const std::string& word, Place* place)
 
 using Words = std::vector<std::string>;
 
-/// The keys of a table, or of all: each name with the keywords, in function form, of the keys that
-/// have it.
-std::map<std::string, Words> keys_of(const std::string& connectionName, const std::string& table)
-{
-    DBIF_Connection connection = open_stored(connectionName);
-    std::map<std::string, Words> keys;
-    for (const dbif::RecordTable recordTable : dbif::kRecordTables) {
-        const std::string name(dbif::facts(recordTable).name);
-        if (!table.empty() && name != table) {
-            continue;
-        }
-        for (const dbif::KeyDefinition& key :
-             dbif::ColumnStore::of(connection).all(connection, recordTable)) {
-            const std::string datatype = dbif::to_utf8(dbif::datatype_name(key.kind));
-            keys[key.name].push_back(dbapi_full_keyname_from_keyname_and_attributes(
-                key.name, name, convert_to_full_datatype_name(datatype),
-                convert_to_full_category_name(key.category)));
-        }
-    }
-    return keys;
-}
-
 /// Keywords for the keys and fixed columns of a table, or of all: a name where it means one key.
 Words keywords_of(const std::string& connectionName, const std::string& table)
 {
     Words keywords;
-    for (const auto& [name, forms] : keys_of(connectionName, table)) {
+    for (const auto& [name, forms] : function_keywords(open_stored(connectionName), table)) {
         if (forms.size() == 1) {
             keywords.push_back(name);
         } else {
@@ -135,7 +111,7 @@ Words keywords_of(const std::string& connectionName, const std::string& table)
 Words key_names_of_setups(const std::string& connectionName)
 {
     Words names;
-    for (const auto& [name, forms] : keys_of(connectionName, "setup")) {
+    for (const auto& [name, forms] : function_keywords(open_stored(connectionName), "setup")) {
         names.push_back(name);
     }
     return names;
@@ -162,14 +138,14 @@ std::string resolved_table(const Place& place)
 Words values_of(const CLI::Option& option, const Place& place)
 {
     const std::string kind = option.get_positional() ? option.get_name() : option.get_type_name();
-    if (kind == "FORMAT") {
-        return format_names();
+    if (Words choices = listed_choices(option); !choices.empty()) {
+        return choices;
     }
     if (kind == "SHELL") {
         return {"bash"};
     }
     const bool isNewName = place.command->get_name() == "add";
-    if (kind == "CONNECTION" || (kind == "NAME" && !isNewName)) {
+    if (kind == "CONNECTION" || kind == "FROM" || kind == "TO" || (kind == "NAME" && !isNewName)) {
         const std::set<std::string> names = stored_names();
         return {names.begin(), names.end()};
     }

@@ -1,5 +1,6 @@
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/completion.h"
+#include "tools/dbapi/data_output.h"
 #include "tools/dbapi/shell_words.h"
 
 #include <CLI/CLI.hpp>
@@ -49,7 +50,7 @@ CommandRunner declare_completion(CLI::App& arguments)
         ->required()
         ->check(CLI::IsMember({"bash"}).description(""));
     return [] {
-        std::fputs(kBashScript, stdout);
+        write_text(kBashScript);
         return ExitCode::Done;
     };
 }

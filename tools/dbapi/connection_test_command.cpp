@@ -2,14 +2,13 @@
 
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/data_output.h"
-#include "tools/dbapi/display_text.h"
 #include "tools/dbapi/stored_names.h"
 #include "tools/dbapi/terminal.h"
+#include "tools/dbapi/wrapped_text.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
-#include <sstream>
 
 namespace dbapi::tool {
 namespace {
@@ -36,26 +35,6 @@ DataTable table_of(const std::string& name, const std::vector<DiagnosisStep>& st
     return table;
 }
 
-/// The text in lines of at most `width` columns, broken at blanks; the lines after the first begin
-/// with `indent` blanks.
-std::string wrapped(const std::string& text, std::size_t indent, std::size_t width)
-{
-    std::istringstream words(display_text(text));
-    std::string lines;
-    std::string word;
-    std::size_t used = 0;
-    while (words >> word) {
-        const std::size_t size = display_width(word);
-        if (used > 0 && used + 1 + size > width) {
-            lines += "\n" + std::string(indent, ' ');
-            used = 0;
-        }
-        lines += (used > 0 ? " " : "") + word;
-        used += size + (used > 0 ? 1 : 0);
-    }
-    return lines;
-}
-
 /// For people: in their terminal's width, with the advice below what it is about.
 std::string text_of(const std::vector<DiagnosisStep>& steps)
 {
@@ -64,7 +43,7 @@ std::string text_of(const std::vector<DiagnosisStep>& steps)
     constexpr std::size_t kWidest = 100;
     constexpr std::size_t kNarrowest = 30;
     const std::size_t columns = std::min(terminal_size(stdout).columns, kWidest);
-    const std::size_t width = std::max(columns - std::min(columns, kIndent), kNarrowest);
+    const std::size_t width = std::max(columns, kIndent + kNarrowest);
     std::string text;
     for (const DiagnosisStep& step : steps) {
         std::string start = name_of(step.layer);
@@ -72,10 +51,11 @@ std::string text_of(const std::vector<DiagnosisStep>& steps)
         std::string outcome = name_of(step.outcome);
         outcome.resize(kIndent - kNameWidth, ' ');
         const bool isAlert = step.outcome == DiagnosisStep::Outcome::Failed;
+        const std::string detail = wrapped_text(step.detail, kIndent, width);
         text += start + styled(outcome, isAlert ? Style::Alert : Style::Plain, stdout) +
-                wrapped(step.detail, kIndent, width) + "\n";
+                (detail.empty() ? "\n" : detail.substr(kIndent));
         if (!step.advice.empty()) {
-            text += std::string(kIndent, ' ') + wrapped("-> " + step.advice, kIndent, width) + "\n";
+            text += wrapped_text("-> " + step.advice, kIndent, width);
         }
     }
     return text;

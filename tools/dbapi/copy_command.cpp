@@ -7,6 +7,7 @@
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/data_output.h"
 #include "tools/dbapi/display_text.h"
+#include "tools/dbapi/request_arguments.h"
 #include "tools/dbapi/stored_names.h"
 #include "tools/dbapi/terminal.h"
 
@@ -103,7 +104,11 @@ ExitCode copy(const CopyOptions& options)
     reading.arm();
     const dbif::CopySelection selection = selected(source, request);
     if (selection.isEmpty()) {
-        tell_error("nothing found: the query selects no record to copy.");
+        tell_error(
+            request.query.empty()
+                ? "nothing found: " + dbapi::quoted(request.connection) + " has no records to copy."
+                : "nothing found: the query selects no record to copy. dbapi explain " +
+                      request.connection + " with the same query tells which term leaves nothing.");
         return ExitCode::NothingFound;
     }
     const std::size_t count = selection.measurements.size();
@@ -138,11 +143,9 @@ CommandRunner declare_copy(CLI::App& arguments)
     const auto options = std::make_shared<CopyOptions>();
     arguments.add_option("FROM", options->request.connection, "a stored connection")->required();
     arguments.add_option("TO", options->target, "the stored connection to copy into")->required();
-    arguments
-        .add_option(
-            "-q,--query", options->request.query,
-            "which records, like '$LOT=S130'; without it, all of them")
-        ->type_name("QUERY");
+    add_query_option(
+        arguments, &options->request.query,
+        "which records, like '$LOT=S130'; without it, all of them");
     add_output_options(arguments, &options->output);
     return [options] {
         return copy(*options);

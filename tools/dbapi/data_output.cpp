@@ -1,6 +1,7 @@
 #include "tools/dbapi/data_output.h"
 
 #include "tools/dbapi/command_failure.h"
+#include "tools/dbapi/request_arguments.h"
 #include "tools/dbapi/table_output.h"
 #include "tools/dbapi/terminal.h"
 
@@ -8,7 +9,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <string_view>
 
@@ -155,36 +155,15 @@ void write_json(const DataTable& table, Output& out)
     }
     out << "]}\n";
 }
-
-const std::map<std::string, Format>& formats()
-{
-    static const std::map<std::string, Format> known{
-        {"table", Format::Table},
-        {"csv", Format::Csv},
-        {"json", Format::Json},
-        {"lines", Format::Lines}};
-    return known;
-}
 } // namespace
-
-std::vector<std::string> format_names()
-{
-    std::vector<std::string> names;
-    for (const auto& [name, format] : formats()) {
-        names.push_back(name);
-    }
-    return names;
-}
 
 void add_output_options(CLI::App& arguments, OutputOptions* options)
 {
-    arguments
-        .add_option_function<std::string>(
-            "--format",
-            [options](const std::string& name) { options->format = formats().at(name); },
-            "table, csv, json or lines (table on a terminal, else csv)")
-        ->type_name("FORMAT")
-        ->check(CLI::IsMember(formats()).description(""));
+    // In the order of Format.
+    add_format_option(
+        arguments, {"table", "csv", "json", "lines"},
+        [options](std::size_t choice) { options->format = static_cast<Format>(choice); },
+        "how to write it (table on a terminal, else csv)");
     arguments.add_flag("--all", options->all, "show every row of a table on a terminal");
 }
 

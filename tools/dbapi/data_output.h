@@ -23,9 +23,6 @@ struct OutputOptions
     bool all = false;
 };
 
-/// What `--format` takes.
-std::vector<std::string> format_names();
-
 /// Adds `--format` and `--all`. `options` outlives the app.
 void add_output_options(CLI::App& arguments, OutputOptions* options);
 

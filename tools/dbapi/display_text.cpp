@@ -146,6 +146,25 @@ std::string_view display_prefix(std::string_view text, std::size_t width)
     return text.substr(0, at);
 }
 
+std::string display_cut(std::string_view text, std::size_t width)
+{
+    constexpr std::string_view kMark = "...";
+    std::string shown = display_text(text);
+    return display_width(shown) <= width
+               ? shown
+               : std::string(display_prefix(shown, width - kMark.size())).append(kMark);
+}
+
+std::string listed(const std::vector<std::string>& texts, const std::string& beforeLast)
+{
+    std::string list;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        list += i == 0 ? "" : i + 1 < texts.size() ? ", " : beforeLast;
+        list += texts[i];
+    }
+    return list;
+}
+
 std::string counted(std::size_t count, const std::string& thing)
 {
     return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");

@@ -14,12 +14,12 @@
 #include "tools/dbapi/nothing_found.h"
 #include "tools/dbapi/query_explanation.h"
 #include "tools/dbapi/read_explanation.h"
+#include "tools/dbapi/request_arguments.h"
 #include "tools/dbapi/stored_names.h"
 #include "tools/dbapi/terminal.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <map>
 #include <memory>
 
 namespace dbapi::tool {
@@ -168,22 +168,17 @@ ExitCode show_explanation(const ExplainOptions& options)
 
 CommandRunner declare_explain(CLI::App& arguments)
 {
-    static const std::map<std::string, ExplainFormat> kFormats{
-        {"text", ExplainFormat::Text}, {"json", ExplainFormat::Json}};
     const auto options = std::make_shared<ExplainOptions>();
-    arguments.add_option("CONNECTION", options->request.connection, "a stored connection")
-        ->required();
+    add_connection_argument(arguments, &options->request.connection);
     arguments.add_option(
         "KEYWORD", options->request.keywords,
         "the keywords of the read to explain; without one, which records the query selects");
-    arguments.add_option("-q,--query", options->request.query, "which records, like 'W=5u;L<=1u'")
-        ->type_name("QUERY");
-    arguments
-        .add_option_function<std::string>(
-            "--format", [options](const std::string& name) { options->format = kFormats.at(name); },
-            "text or json (text)")
-        ->type_name("FORMAT")
-        ->check(CLI::IsMember(kFormats).description(""));
+    add_query_option(arguments, &options->request.query);
+    // In the order of ExplainFormat.
+    add_format_option(
+        arguments, {"text", "json"},
+        [options](std::size_t choice) { options->format = static_cast<ExplainFormat>(choice); },
+        "how to write it (text)");
     return [options] {
         return show_explanation(*options);
     };

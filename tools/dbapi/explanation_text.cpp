@@ -21,10 +21,7 @@ std::string heading(const std::string& text)
 
 std::string cut(const std::string& text)
 {
-    const std::string shown = display_text(text);
-    return display_width(shown) <= kWidestTerm
-               ? shown
-               : std::string(display_prefix(shown, kWidestTerm - 3)) + "...";
+    return display_cut(text, kWidestTerm);
 }
 
 std::string indented(const std::string& lines)
@@ -223,9 +220,8 @@ std::string statements_text(const Explanation& explanation, std::size_t width)
     }
     if (hidden > 0) {
         text += wrapped_text(
-            "Left out: " + std::to_string(hidden) + " short statement(s) that " +
-                dbif::kFreshnessStep + " or " + dbif::kDefinitionsStep +
-                " (--format json has them).",
+            "Left out: " + counted(hidden, "short statement") + " that " + dbif::kFreshnessStep +
+                " or " + dbif::kDefinitionsStep + " (--format json has them).",
             2, width);
     }
     return text;

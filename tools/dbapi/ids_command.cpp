@@ -3,13 +3,12 @@
 #include "tools/dbapi/call_failure.h"
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/data_output.h"
-#include "tools/dbapi/record_tables_argument.h"
+#include "tools/dbapi/request_arguments.h"
 #include "tools/dbapi/stored_names.h"
 #include "tools/dbapi/terminal.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
-#include <utility>
 
 namespace dbapi::tool {
 namespace {
@@ -40,7 +39,12 @@ ExitCode show_ids(const IdsOptions& options)
     write_data(table, options.output);
     if (ids.empty()) {
         tell_error(
-            "nothing found: the query selects no record of the table " + options.table + ".");
+            request.query.empty()
+                ? "nothing found: the table " + options.table + " has no records. dbapi import " +
+                      request.connection + " PATH reads files into the database."
+                : "nothing found: the query selects no record of the table " + options.table +
+                      ". dbapi explain " + request.connection +
+                      " with the same query tells which term leaves nothing.");
         return ExitCode::NothingFound;
     }
     return ExitCode::Done;
@@ -50,11 +54,9 @@ ExitCode show_ids(const IdsOptions& options)
 CommandRunner declare_ids(CLI::App& arguments)
 {
     const auto options = std::make_shared<IdsOptions>();
-    arguments.add_option("CONNECTION", options->request.connection, "a stored connection")
-        ->required();
+    add_connection_argument(arguments, &options->request.connection);
     add_table_argument(arguments, &options->table);
-    arguments.add_option("-q,--query", options->request.query, "which records, like 'W=5u;L<=1u'")
-        ->type_name("QUERY");
+    add_query_option(arguments, &options->request.query);
     add_output_options(arguments, &options->output);
     return [options] {
         return show_ids(*options);

@@ -4,6 +4,7 @@
 
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/display_text.h"
+#include "tools/dbapi/request_arguments.h"
 #include "tools/dbapi/stored_names.h"
 #include "tools/dbapi/sweep_files.h"
 #include "tools/dbapi/sweep_import.h"
@@ -93,7 +94,7 @@ ExitCode import_paths(const ImportOptions& options)
 CommandRunner declare_import(CLI::App& arguments)
 {
     const auto options = std::make_shared<ImportOptions>();
-    arguments.add_option("CONNECTION", options->connection, "a stored connection")->required();
+    add_connection_argument(arguments, &options->connection);
     arguments
         .add_option(
             "PATH", options->paths, "a file, or a folder for all *.csv in it; one catalogue entry")

@@ -4,7 +4,7 @@
 #include "tools/dbapi/call_failure.h"
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/data_output.h"
-#include "tools/dbapi/record_tables_argument.h"
+#include "tools/dbapi/request_arguments.h"
 #include "tools/dbapi/stored_names.h"
 #include "tools/dbapi/terminal.h"
 
@@ -95,12 +95,10 @@ ExitCode show_keys(const KeysOptions& options)
 CommandRunner declare_keys(CLI::App& arguments)
 {
     const auto options = std::make_shared<KeysOptions>();
-    arguments.add_option("CONNECTION", options->request.connection, "a stored connection")
-        ->required();
+    add_connection_argument(arguments, &options->request.connection);
     add_table_argument(arguments, &options->table);
     arguments.add_flag("--short", options->isShort, "the key names alone");
-    arguments.add_option("-q,--query", options->request.query, "keys of the records that fit it")
-        ->type_name("QUERY");
+    add_query_option(arguments, &options->request.query, "keys of the records that fit it");
     add_output_options(arguments, &options->output);
     arguments.footer(
         arguments.get_footer() +

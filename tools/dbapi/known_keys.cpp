@@ -24,21 +24,30 @@ const dbif::FixedColumnFacts* fixed_column(const ResolvedKey& key)
 }
 } // namespace
 
-KnownKeys::KnownKeys(DBIF_Connection connection) : connection_(std::move(connection))
+std::map<std::string, std::vector<std::string>>
+function_keywords(DBIF_Connection connection, const std::string& table)
 {
-    for (const dbif::RecordTable table : dbif::kRecordTables) {
-        const dbif::TableFacts& facts = dbif::facts(table);
-        if (facts.keys == dbif::KeyKind::None) {
+    std::map<std::string, std::vector<std::string>> keywords;
+    for (const dbif::RecordTable recordTable : dbif::kRecordTables) {
+        const dbif::TableFacts& facts = dbif::facts(recordTable);
+        const std::string name(facts.name);
+        if (facts.keys == dbif::KeyKind::None || (!table.empty() && name != table)) {
             continue;
         }
         for (const dbif::KeyDefinition& key :
-             dbif::ColumnStore::of(connection_).all(connection_, table)) {
+             dbif::ColumnStore::of(connection).all(connection, recordTable)) {
             const std::string datatype = dbif::to_utf8(dbif::datatype_name(key.kind));
-            spellings_[key.name].push_back(dbapi_full_keyname_from_keyname_and_attributes(
-                key.name, std::string(facts.name), convert_to_full_datatype_name(datatype),
+            keywords[key.name].push_back(dbapi_full_keyname_from_keyname_and_attributes(
+                key.name, name, convert_to_full_datatype_name(datatype),
                 convert_to_full_category_name(key.category)));
         }
     }
+    return keywords;
+}
+
+KnownKeys::KnownKeys(DBIF_Connection connection)
+    : connection_(std::move(connection)), spellings_(function_keywords(connection_))
+{
     std::set<std::string> builtins;
     db_get_builtin_keynames(&builtins);
     for (const std::string& builtin : builtins) {

@@ -10,6 +10,11 @@
 #include <vector>
 
 namespace dbapi::tool {
+/// Key name to the keywords, in function form, of all keys that have it; those of one table, or of
+/// all when `table` is empty.
+std::map<std::string, std::vector<std::string>>
+function_keywords(DBIF_Connection connection, const std::string& table = {});
+
 /// The keys that exist in a database, to tell what is wrong with a keyword.
 class KnownKeys
 {
@@ -31,8 +36,7 @@ private:
     [[nodiscard]] std::vector<std::string> keywordsFor(const std::string& name) const;
 
     DBIF_Connection connection_;
-    /// Key name to the keywords, in function form, of all keys that have it; builtin keynames to
-    /// nothing.
+    /// As `function_keywords`, and builtin keynames to nothing.
     std::map<std::string, std::vector<std::string>> spellings_;
     std::set<std::string> names_;
 };

@@ -1,7 +1,8 @@
 #include "tools/dbapi/command_table.h"
+#include "tools/dbapi/data_output.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
+#include <cctype>
 #include <string>
 
 namespace dbapi::tool {
@@ -129,7 +130,7 @@ std::string manual_page(const CLI::App& program)
 CommandRunner declare_manual(CLI::App& arguments)
 {
     return [&arguments] {
-        std::fputs(manual_page(*arguments.get_parent()).c_str(), stdout);
+        write_text(manual_page(*arguments.get_parent()));
         return ExitCode::Done;
     };
 }

@@ -2,6 +2,8 @@
 
 #include "dbif/host_string.h"
 
+#include "tools/dbapi/display_text.h"
+
 #include <algorithm>
 #include <numeric>
 #include <tuple>
@@ -73,11 +75,6 @@ nearest_texts(const std::string& text, const std::set<std::string>& candidates, 
 
 std::string suggestion(const std::vector<std::string>& texts)
 {
-    std::string line;
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        line += i == 0 ? " Did you mean " : (i + 1 < texts.size() ? ", " : " or ");
-        line += texts[i];
-    }
-    return line.empty() ? line : line + "?";
+    return texts.empty() ? std::string() : " Did you mean " + listed(texts, " or ") + "?";
 }
 } // namespace dbapi::tool

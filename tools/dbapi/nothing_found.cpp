@@ -2,6 +2,7 @@
 
 #include "dbapi/text_rules.h"
 
+#include "tools/dbapi/display_text.h"
 #include "tools/dbapi/query_explanation.h"
 #include "tools/dbapi/stored_values.h"
 
@@ -172,13 +173,9 @@ private:
 std::string without_values(const Explanation& explanation)
 {
     const bool isQuery = explanation.tree.has_value();
-    std::string text = (isQuery ? "The query keeps " : "There are ") +
-                       records_text(explanation.keptRecords(), explanation.table) +
-                       ", but none has a value of ";
-    for (const std::string& keyword : explanation.keywords) {
-        text += (&keyword == explanation.keywords.data() ? "" : " or ") + keyword;
-    }
-    return text + ".";
+    return (isQuery ? "The query keeps " : "There are ") +
+           records_text(explanation.keptRecords(), explanation.table) +
+           ", but none has a value of " + listed(explanation.keywords, " or ") + ".";
 }
 } // namespace
 

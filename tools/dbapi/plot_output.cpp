@@ -2,26 +2,27 @@
 
 #include "dbapi/db_curves.h"
 #include "dbapi/text_rules.h"
+#include "dbif/host_string.h"
 
 #include "tools/dbapi/call_failure.h"
 #include "tools/dbapi/command_failure.h"
 #include "tools/dbapi/curve_picture.h"
+#include "tools/dbapi/display_text.h"
 #include "tools/dbapi/gnuplot.h"
+#include "tools/dbapi/known_keys.h"
 #include "tools/dbapi/plot_script.h"
+#include "tools/dbapi/query_fault.h"
+#include "tools/dbapi/stored_names.h"
 #include "tools/dbapi/terminal.h"
 
 #include <CLI/CLI.hpp>
+#include <optional>
 #include <utility>
 
 namespace dbapi::tool {
 namespace {
 /// A picture shows no more, and files of more are slow to open.
 constexpr std::size_t kMostPoints = 50'000;
-
-std::string counted(std::size_t count, const std::string& what)
-{
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
 
 std::string description(const Picture& picture)
 {
@@ -60,13 +61,34 @@ void note_left_out(std::size_t points, std::string* notes)
     }
 }
 
+/// Whether the keywords name keys, but of values that no axis shows.
+bool is_undrawable(KnownKeys& keys, const DataRequest& request)
+{
+    using dbif::ValueKind;
+    const bool isCurve = request.keywords.size() > 1;
+    const std::optional<ValueKind> first = keys.kindOf(request.keywords.front());
+    const std::optional<ValueKind> last = keys.kindOf(request.keywords.back());
+    return first == ValueKind::Matrix || last == ValueKind::Matrix ||
+           (isCurve && last == ValueKind::Text);
+}
+
+/// Like any call's failure, but asking for such a picture is wrong usage.
+[[noreturn]] void throw_plot_failure(const DataRequest& request, const std::string& errors)
+{
+    KnownKeys keys(open_stored(request.connection));
+    if (is_undrawable(keys, request) && !find_query_fault(keys, request.query, errors)) {
+        throw CommandFailure(ExitCode::WrongUsage, dbif::trimmed(errors));
+    }
+    throw_call_failure(request, errors);
+}
+
 /// The picture of several keywords; what there is to say about it goes to `notes`.
 Picture draw_curves(const DataRequest& request, const PlotOptions& options, std::string* notes)
 {
     CurveSet curves;
     std::string errors;
     if (!db_get_curves(request.connection, request.keywords, &curves, request.query, &errors)) {
-        throw_call_failure(request, errors);
+        throw_plot_failure(request, errors);
     }
     if (curves.setupsLeftOut > 0) {
         *notes += "\n" + counted(curves.setupsLeftOut, "setup") +
@@ -94,7 +116,7 @@ draw_distribution(const DataRequest& request, const PlotOptions& options, std::s
     std::string errors;
     const std::string& keyword = request.keywords.front();
     if (!db_get_value_sample(request.connection, keyword, &sample, request.query, &errors)) {
-        throw_call_failure(request, errors);
+        throw_plot_failure(request, errors);
     }
     std::size_t zeros = 0;
     Picture picture = distribution_picture(sample, keyword, options.isXLogarithmic, &zeros);

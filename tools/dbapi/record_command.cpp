@@ -3,7 +3,7 @@
 #include "tools/dbapi/call_failure.h"
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/data_output.h"
-#include "tools/dbapi/record_tables_argument.h"
+#include "tools/dbapi/request_arguments.h"
 #include "tools/dbapi/stored_names.h"
 #include "tools/dbapi/terminal.h"
 
@@ -57,13 +57,11 @@ ExitCode show_record(RecordOptions options)
 CommandRunner declare_record(CLI::App& arguments)
 {
     const auto options = std::make_shared<RecordOptions>();
-    arguments.add_option("CONNECTION", options->request.connection, "a stored connection")
-        ->required();
+    add_connection_argument(arguments, &options->request.connection);
     add_table_argument(arguments, &options->table);
-    arguments.add_option("ID", options->id, "the record's id; dbapi ids lists them")->required();
+    add_id_argument(arguments, &options->id, "the record's id; dbapi ids lists them");
     arguments.add_option("KEYWORD", options->keyword, "a key or builtin keyname")->required();
-    arguments.add_option("-q,--query", options->request.query, "narrows the values further")
-        ->type_name("QUERY");
+    add_query_option(arguments, &options->request.query, "narrows the values further");
     add_output_options(arguments, &options->output);
     return [options] {
         return show_record(*options);

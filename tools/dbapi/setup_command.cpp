@@ -1,12 +1,16 @@
+#include "dbapi/db_records.h"
 #include "dbapi/db_setup.h"
 
 #include "tools/dbapi/call_failure.h"
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/data_output.h"
+#include "tools/dbapi/request_arguments.h"
 #include "tools/dbapi/stored_names.h"
+#include "tools/dbapi/terminal.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <set>
 #include <utility>
 
 namespace dbapi::tool {
@@ -19,9 +23,31 @@ struct SetupOptions
     OutputOptions output;
 };
 
+/// Whether there is such a setup, superseded ones included; says so when there is none.
+bool is_stored(const SetupOptions& options)
+{
+    const DataRequest request{
+        options.connection, {}, "ALLDATA:$SETDBID=" + std::to_string(options.id)};
+    std::set<int> ids;
+    std::string errors;
+    if (!dbapi_get_table_ids_from_query_for_tablename(
+            request.connection, "setup", &ids, request.query, &errors)) {
+        throw_call_failure(request, errors);
+    }
+    if (ids.empty()) {
+        tell_error(
+            "nothing found: there is no setup with id " + std::to_string(options.id) +
+            ". dbapi ids " + options.connection + " setup lists them.");
+    }
+    return !ids.empty();
+}
+
 ExitCode show_setup(const SetupOptions& options)
 {
     stored_connection(options.connection);
+    if (!is_stored(options)) {
+        return ExitCode::NothingFound;
+    }
     std::vector<std::string> keys;
     std::vector<std::vector<std::string>> values;
     std::string errors;
@@ -41,6 +67,9 @@ ExitCode show_setup(const SetupOptions& options)
 ExitCode show_header(const SetupOptions& options)
 {
     stored_connection(options.connection);
+    if (!is_stored(options)) {
+        return ExitCode::NothingFound;
+    }
     std::string header;
     std::string errors;
     if (!db_get_column_dataheader_from_setup_id(
@@ -50,18 +79,24 @@ ExitCode show_header(const SetupOptions& options)
     write_data(
         {{{"connection", options.connection}, {"id", std::to_string(options.id)}},
          "",
-         {{options.column, {header}}}},
+         {{options.column, header.empty() ? std::vector<std::string>() : std::vector{header}}}},
         options.output);
+    if (header.empty()) {
+        tell_error(
+            "nothing found: the setup with id " + std::to_string(options.id) +
+            " has no header text for " + options.column + ", or no such key. dbapi setup " +
+            options.connection + " " + std::to_string(options.id) + " shows its keys.");
+        return ExitCode::NothingFound;
+    }
     return ExitCode::Done;
 }
 
 std::shared_ptr<SetupOptions> declare_options(CLI::App& arguments)
 {
     auto options = std::make_shared<SetupOptions>();
-    arguments.add_option("CONNECTION", options->connection, "a stored connection")->required();
-    arguments
-        .add_option("ID", options->id, "the setup's id; dbapi ids CONNECTION setup lists them")
-        ->required();
+    add_connection_argument(arguments, &options->connection);
+    add_id_argument(
+        arguments, &options->id, "the setup's id; dbapi ids CONNECTION setup lists them");
     add_output_options(arguments, &options->output);
     return options;
 }

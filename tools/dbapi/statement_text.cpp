@@ -1,5 +1,6 @@
 #include "tools/dbapi/statement_text.h"
 
+#include "tools/dbapi/display_text.h"
 #include "tools/dbapi/wrapped_text.h"
 
 #include <algorithm>
@@ -19,15 +20,6 @@ bool add_once(const std::string& text, std::vector<std::string>* texts)
         texts->push_back(text);
     }
     return isNew;
-}
-
-std::string joined(const std::vector<std::string>& texts)
-{
-    std::string text;
-    for (const std::string& one : texts) {
-        text += (text.empty() ? "" : ", ") + one;
-    }
-    return text;
 }
 
 /// The list that begins at `begin`, shortened if it is a long one of whole numbers; moves `begin`
@@ -100,8 +92,8 @@ std::string statement_text(const dbif::TracedStatement& statement, std::size_t w
     for (const dbif::PlanStep& step : statement.plan) {
         text += wrapped_text("> " + step.text, 4 + 2 * static_cast<std::size_t>(step.depth), width);
     }
-    const std::string indexes = joined(indexes_of(statement));
-    const std::string tables = joined(scanned_tables(statement));
+    const std::string indexes = listed(indexes_of(statement));
+    const std::string tables = listed(scanned_tables(statement));
     if (!statement.plan.empty()) {
         text += wrapped_text(indexes.empty() ? "no index" : "served by " + indexes, 4, width);
     }

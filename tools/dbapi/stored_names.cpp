@@ -21,7 +21,10 @@ std::set<std::string> stored_names()
     dbui_get_connection_names(&names, &error);
     std::error_code ignored;
     if (!error.empty() && std::filesystem::exists(dbui_connections_file(), ignored)) {
-        throw CommandFailure(ExitCode::Connection, dbif::trimmed(error));
+        throw CommandFailure(
+            ExitCode::Connection,
+            dbif::trimmed(error) + "\nMake it readable for you, or correct it: it has to be XML. "
+                                   "Moved away, it is begun anew by dbapi connection add.");
     }
     return names;
 }

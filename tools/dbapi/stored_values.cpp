@@ -5,6 +5,7 @@
 #include "dbif/host_number.h"
 #include "dbif/host_string.h"
 
+#include "tools/dbapi/display_text.h"
 #include "tools/dbapi/nearest_text.h"
 #include "tools/dbapi/value_reading.h"
 
@@ -23,15 +24,6 @@ std::string first_value(const std::string& value)
     const std::size_t begin = is_range(value) ? 1 : 0;
     return without_quotes(
         dbif::trimmed(value.substr(begin, value.find_first_of(",]", begin) - begin)));
-}
-
-std::string listed(const std::vector<std::string>& values)
-{
-    std::string text;
-    for (const std::string& value : values) {
-        text += (text.empty() ? "" : ", ") + value;
-    }
-    return text;
 }
 
 std::string number_text(const std::vector<std::string>& values, const std::string& wanted)

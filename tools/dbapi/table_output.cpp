@@ -24,22 +24,13 @@ struct ShownColumn
     bool isNumber = true;
 };
 
-std::string shown_value(const std::string& value, bool isCut)
-{
-    std::string shown = display_text(value);
-    if (isCut && display_width(shown) > kWidestValue) {
-        shown = std::string(display_prefix(shown, kWidestValue - 3)) + "...";
-    }
-    return shown;
-}
-
 ShownColumn show(const DataColumn& column, std::size_t rows, bool isCut)
 {
     ShownColumn shown;
     shown.cells.push_back(display_text(column.heading));
     for (std::size_t row = 0; row < rows; ++row) {
         const std::string& value = column.values[row];
-        shown.cells.push_back(shown_value(value, isCut));
+        shown.cells.push_back(isCut ? display_cut(value, kWidestValue) : display_text(value));
         shown.isNumber =
             shown.isNumber && (value.empty() || !std::isnan(dbif::read_engineering_number(value)));
     }

@@ -3,7 +3,9 @@
 #include "tools/dbapi/call_failure.h"
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/data_output.h"
+#include "tools/dbapi/display_text.h"
 #include "tools/dbapi/plot_output.h"
+#include "tools/dbapi/request_arguments.h"
 #include "tools/dbapi/stored_names.h"
 #include "tools/dbapi/terminal.h"
 #include "tools/dbapi/value_reading.h"
@@ -24,10 +26,8 @@ struct ValuesOptions
 
 void tell_nothing_found(const DataRequest& request)
 {
-    std::string text = "nothing found: no record has a value of";
-    for (const std::string& keyword : request.keywords) {
-        text += (&keyword == request.keywords.data() ? " " : " or ") + keyword;
-    }
+    std::string text =
+        "nothing found: no record has a value of " + listed(request.keywords, " or ");
     if (!request.query.empty()) {
         text += " and fits the query " + dbapi::quoted(request.query) +
                 ". Loosen the query, or put \"ALLDATA:\" in front to count superseded records too; "
@@ -71,16 +71,14 @@ ExitCode show_values(const ValuesOptions& options)
 CommandRunner declare_values(CLI::App& arguments)
 {
     const auto options = std::make_shared<ValuesOptions>();
-    arguments.add_option("CONNECTION", options->request.connection, "a stored connection")
-        ->required();
+    add_connection_argument(arguments, &options->request.connection);
     arguments
         .add_option(
             "KEYWORD", options->request.keywords,
             "a key (W, DEVD.W, \"Key(W,device)\") or builtin keyname ('$DEVNAME'); several stand "
             "side by side")
         ->required();
-    arguments.add_option("-q,--query", options->request.query, "which records, like 'W=5u;L<=1u'")
-        ->type_name("QUERY");
+    add_query_option(arguments, &options->request.query);
     arguments.add_flag("--distinct", options->isDistinct, "leave out repeated values or rows");
     add_output_options(arguments, &options->output);
     add_plot_options(arguments, &options->plot);
