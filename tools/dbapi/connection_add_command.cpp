@@ -128,10 +128,10 @@ ExitCode add_connection(const AddOptions& options)
     if (!isAdded) {
         throw CommandFailure(
             ExitCode::Connection,
-            dbif::trimmed(errors) + "\nNothing was stored." +
+            dbif::trimmed(errors) +
                 (options.database.empty()
                      ? advice_for_file(absolute_path(options.file))
-                     : " Check the host, port, user and password, and that the server runs."));
+                     : "\nCheck the host, port, user and password, and that the server runs."));
     }
     const std::string target =
         options.database.empty()
