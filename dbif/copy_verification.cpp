@@ -127,6 +127,8 @@ public:
         RecordTable table,
         const std::vector<int>& ids,
         const std::map<int, int>& places);
+    void
+    compareSome(const TableFacts& f, const std::vector<int>& ids, const std::map<int, int>& places);
     void compareMeasurements(const std::vector<int>& ids, const std::map<int, int>& places);
     void compareLinks(
         RecordTable table,
@@ -161,31 +163,33 @@ void Comparison::compareRecords(
     const std::vector<int>& ids,
     const std::map<int, int>& places)
 {
-    const TableFacts& f = facts(table);
-    const bool withTime = f.identity.empty();
-    const auto addCopy = [&](const RecordContent& record, RecordContent* copy) {
-        if (!withTime) {
-            reduce(record, copy);
-        }
-        targetSide_.add(f, *copy, withTime);
-    };
-    const auto compare = [&](const std::vector<int>& some) {
-        std::map<int, RecordContent> copies;
-        for (RecordContent& record : read_records(target_, f, "id", mapped(some, places))) {
-            const int id = record.id;
-            copies.emplace(id, std::move(record));
-        }
-        for (const RecordContent& record : read_records(source_, f, "id", some)) {
-            sourceSide_.add(f, record, withTime);
-            const auto place = places.find(record.id);
-            const auto copy = place == places.end() ? copies.end() : copies.find(place->second);
-            if (copy != copies.end()) {
-                addCopy(record, &copy->second);
-            }
-        }
-    };
     for (std::size_t first = 0; first < ids.size(); first += kRecordsPerRead) {
-        compare(part_of(ids, first, kRecordsPerRead));
+        compareSome(facts(table), part_of(ids, first, kRecordsPerRead), places);
+    }
+}
+
+void Comparison::compareSome(
+    const TableFacts& f,
+    const std::vector<int>& ids,
+    const std::map<int, int>& places)
+{
+    const bool withTime = f.identity.empty();
+    std::map<int, RecordContent> copies;
+    for (RecordContent& record : read_records(target_, f, "id", mapped(ids, places))) {
+        const int id = record.id;
+        copies.emplace(id, std::move(record));
+    }
+    for (const RecordContent& record : read_records(source_, f, "id", ids)) {
+        sourceSide_.add(f, record, withTime);
+        const auto place = places.find(record.id);
+        const auto copy = place == places.end() ? copies.end() : copies.find(place->second);
+        if (copy == copies.end()) {
+            continue;
+        }
+        if (!withTime) {
+            reduce(record, &copy->second);
+        }
+        targetSide_.add(f, copy->second, withTime);
     }
 }
 

@@ -1,10 +1,12 @@
+#include "dbif/host_string.h"
+
 #include "tests/support/command_fixture.h"
 
+#include <QRegularExpression>
 #include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <sstream>
 
 namespace {
@@ -79,7 +81,8 @@ std::string without(const std::string& part, std::string text)
 /// How long something took is another time each time.
 std::string without_times(const std::string& text)
 {
-    return std::regex_replace(text, std::regex("[0-9.]+ (us|ms|s)\\b"), "TIME");
+    static const QRegularExpression kTime(QStringLiteral("[0-9.]+ (us|ms|s)\\b"));
+    return dbif::to_utf8(dbif::to_qt(text).replace(kTime, QStringLiteral("TIME")));
 }
 
 /// A document may show the first lines of an output only, and end with "...".

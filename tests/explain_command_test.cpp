@@ -1,10 +1,11 @@
+#include "dbif/host_string.h"
+
 #include "tests/support/lab_database.h"
 #include "tests/support/run_command.h"
 
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>
-#include <regex>
 
 namespace {
 using namespace test_support; // NOLINT(google-build-using-namespace)
@@ -32,7 +33,7 @@ protected:
         for (const Read& read : reads) {
             const Outcome outcome = explain(read.arguments);
             EXPECT_EQ(outcome.code, 0) << outcome.talk;
-            const std::string text = std::regex_replace(outcome.data, std::regex("\\s+"), " ");
+            const std::string text = dbif::to_utf8(dbif::to_qt(outcome.data).simplified());
             for (const std::string& said : read.says) {
                 EXPECT_THAT(text, HasSubstr(said)) << outcome.data;
             }
