@@ -60,6 +60,11 @@ Cell::Kind kind_of(const MYSQL_FIELD& field)
     }
 }
 
+struct StatementCloser
+{
+    void operator()(MYSQL_STMT* statement) const { mysql_stmt_close(statement); }
+};
+
 class MysqlStatement final : public NativeStatement
 {
     Q_DISABLE_COPY_MOVE(MysqlStatement)
@@ -69,20 +74,15 @@ public:
         : sql_(sql.utf8()), handle_(handle), statement_(mysql_stmt_init(handle))
     {
         if (statement_ == nullptr ||
-            mysql_stmt_prepare(statement_, sql_.data(), sql_.size()) != 0) {
+            mysql_stmt_prepare(statement_.get(), sql_.data(), sql_.size()) != 0) {
             fail();
         }
-        parameters_.resize(mysql_stmt_param_count(statement_));
+        parameters_.resize(mysql_stmt_param_count(statement_.get()));
         values_.resize(parameters_.size());
         bindResult();
     }
 
-    ~MysqlStatement() override
-    {
-        if (statement_ != nullptr) {
-            mysql_stmt_close(statement_);
-        }
-    }
+    ~MysqlStatement() override = default;
 
     void bindInteger(int parameter, long long value) override
     {
@@ -98,7 +98,7 @@ public:
         if (!isRunning_) {
             run();
         }
-        const int status = mysql_stmt_fetch(statement_);
+        const int status = mysql_stmt_fetch(statement_.get());
         if (status == 0 || status == MYSQL_DATA_TRUNCATED) {
             fetchLongCells();
             return true;
@@ -113,7 +113,7 @@ public:
     void reset() override
     {
         if (isRunning_) {
-            mysql_stmt_free_result(statement_);
+            mysql_stmt_free_result(statement_.get());
             isRunning_ = false;
         }
     }
@@ -158,15 +158,17 @@ private:
             throw_mysql_error("Out of memory", 0, sql_);
         }
         // What the server reports in the middle of a result stands with the connection only.
-        const bool isOwn = mysql_stmt_errno(statement_) != 0;
-        const std::string message = isOwn ? mysql_stmt_error(statement_) : mysql_error(handle_);
+        const bool isOwn = mysql_stmt_errno(statement_.get()) != 0;
+        const std::string message =
+            isOwn ? mysql_stmt_error(statement_.get()) : mysql_error(handle_);
         throw_mysql_error(
-            message.c_str(), isOwn ? mysql_stmt_errno(statement_) : mysql_errno(handle_), sql_);
+            message.c_str(), isOwn ? mysql_stmt_errno(statement_.get()) : mysql_errno(handle_),
+            sql_);
     }
 
     void bindResult()
     {
-        MYSQL_RES* metadata = mysql_stmt_result_metadata(statement_);
+        MYSQL_RES* metadata = mysql_stmt_result_metadata(statement_.get());
         if (metadata == nullptr) {
             return;
         }
@@ -207,13 +209,14 @@ private:
 
     void run()
     {
-        if (!parameters_.empty() && mysql_stmt_bind_param(statement_, parameters_.data()) != 0) {
+        if (!parameters_.empty() &&
+            mysql_stmt_bind_param(statement_.get(), parameters_.data()) != 0) {
             fail();
         }
-        if (mysql_stmt_execute(statement_) != 0) {
+        if (mysql_stmt_execute(statement_.get()) != 0) {
             fail();
         }
-        if (!results_.empty() && mysql_stmt_bind_result(statement_, results_.data()) != 0) {
+        if (!results_.empty() && mysql_stmt_bind_result(statement_.get(), results_.data()) != 0) {
             fail();
         }
         isRunning_ = true;
@@ -231,19 +234,20 @@ private:
             c.bytes.resize(std::max<std::size_t>(c.length, 2 * c.bytes.size()));
             bindCell(i);
             if (mysql_stmt_fetch_column(
-                    statement_, &results_[i], static_cast<unsigned int>(i), 0) != 0) {
+                    statement_.get(), &results_[i], static_cast<unsigned int>(i), 0) != 0) {
                 fail();
             }
             hasGrown = true;
         }
         if (hasGrown) {
-            mysql_stmt_bind_result(statement_, results_.data());
+            mysql_stmt_bind_result(statement_.get(), results_.data());
         }
     }
 
     std::string sql_;
     MYSQL* handle_;
-    MYSQL_STMT* statement_;
+    // Closed also when the constructor fails.
+    std::unique_ptr<MYSQL_STMT, StatementCloser> statement_;
     std::vector<MYSQL_BIND> parameters_;
     std::vector<long long> values_;
     std::vector<MYSQL_BIND> results_;
