@@ -35,7 +35,9 @@ struct Cell
     Kind kind = Kind::Bytes;
     long long integer = 0;
     double number = 0;
-    std::string bytes;
+    /// What fits into the buffer that is bound for the whole result, and what does not.
+    std::string shortBytes;
+    std::string longBytes;
     unsigned long length = 0;
     my_bool isNull = 0;
     my_bool isTruncated = 0;
@@ -144,7 +146,10 @@ public:
     std::string_view text(int column) override
     {
         const Cell& c = cell(column);
-        return c.isNull != 0 ? std::string_view() : std::string_view(c.bytes.data(), c.length);
+        if (c.isNull != 0) {
+            return {};
+        }
+        return {c.length <= kFirstBuffer ? c.shortBytes.data() : c.longBytes.data(), c.length};
     }
 
 private:
@@ -179,7 +184,7 @@ private:
         for (unsigned int i = 0; i < count; ++i) {
             cells_[i].kind = kind_of(fields[i]);
             if (cells_[i].kind == Cell::Kind::Bytes) {
-                cells_[i].bytes.resize(kFirstBuffer);
+                cells_[i].shortBytes.resize(kFirstBuffer);
             }
             bindCell(i);
         }
@@ -202,8 +207,8 @@ private:
             bind.buffer = &c.number;
         } else {
             bind.buffer_type = MYSQL_TYPE_BLOB;
-            bind.buffer = c.bytes.data();
-            bind.buffer_length = c.bytes.size();
+            bind.buffer = c.shortBytes.data();
+            bind.buffer_length = c.shortBytes.size();
         }
     }
 
@@ -222,25 +227,28 @@ private:
         isRunning_ = true;
     }
 
-    /// A text or blob that was longer than its buffer is fetched again into a longer one.
+    /// A text or blob that was longer than its buffer is fetched again, into a longer one. The
+    /// bound buffers stay as they are: the client of MariaDB 10.11.18 loses the lengths of cells
+    /// when they are bound anew in the middle of a result.
     void fetchLongCells()
     {
-        bool hasGrown = false;
         for (std::size_t i = 0; i < cells_.size(); ++i) {
             Cell& c = cells_[i];
-            if (c.kind != Cell::Kind::Bytes || c.isNull != 0 || c.length <= c.bytes.size()) {
+            if (c.kind != Cell::Kind::Bytes || c.isNull != 0 || c.length <= kFirstBuffer) {
                 continue;
             }
-            c.bytes.resize(std::max<std::size_t>(c.length, 2 * c.bytes.size()));
-            bindCell(i);
-            if (mysql_stmt_fetch_column(
-                    statement_.get(), &results_[i], static_cast<unsigned int>(i), 0) != 0) {
+            if (c.longBytes.size() < c.length) {
+                c.longBytes.resize(std::max<std::size_t>(c.length, 2 * c.longBytes.size()));
+            }
+            MYSQL_BIND bind = results_[i];
+            unsigned long length = 0;
+            bind.length = &length;
+            bind.buffer = c.longBytes.data();
+            bind.buffer_length = c.longBytes.size();
+            if (mysql_stmt_fetch_column(statement_.get(), &bind, static_cast<unsigned int>(i), 0) !=
+                0) {
                 fail();
             }
-            hasGrown = true;
-        }
-        if (hasGrown) {
-            mysql_stmt_bind_result(statement_.get(), results_.data());
         }
     }
 
