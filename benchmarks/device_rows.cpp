@@ -147,7 +147,7 @@ std::vector<Comparison> device_rows(const DataStore& store, std::size_t devices,
     return {
         timed<Values>(
             row("device_key", "one device key of all devices, sorted, as text", 1.1), 1,
-            [=](Values* values) { *values = {database->values("VTH")}; },
+            [=](Values* values) { values->push_back(database->values("VTH")); },
             [=](Values* values) {
                 PeerStatement statement(database->peer(), kKeyOfAll);
                 *values = read_texts(statement);
@@ -166,10 +166,10 @@ std::vector<Comparison> device_rows(const DataStore& store, std::size_t devices,
             DevicePopulation(devices).batches()),
         timed<Ids>(
             row("ids_by_three_terms", "ids by three terms on two tables, about 1 %", 1.2), 1,
-            [=](Ids* ids) { *ids = {database->deviceIds("W=5u;L=[0.08u,0.5u];$TEMP=25")}; },
+            [=](Ids* ids) { ids->push_back(database->deviceIds("W=5u;L=[0.08u,0.5u];$TEMP=25")); },
             [=](Ids* ids) {
                 PeerStatement statement(database->peer(), kIdsByThreeTerms);
-                *ids = {read_ids(statement)};
+                ids->push_back(read_ids(statement));
             }),
         cached_value(
             row("cached_value", "the same call again (cached), one value", 2), database, devices),
