@@ -216,6 +216,12 @@ char* format_double(double number, char* buffer)
         const char* word = std::isnan(number) ? "nan" : (number < 0 ? "-inf" : "inf");
         return append(buffer, word, static_cast<int>(std::strlen(word)));
     }
+    // The standard library chooses the same layout, but writes large numbers with the digits of
+    // their binary value.
+    constexpr double kFirstLarge = 9007199254740992;
+    if (std::abs(number) < kFirstLarge) {
+        return std::to_chars(buffer, buffer + kLongestDouble, number).ptr;
+    }
     char* out = buffer;
     if (number < 0) {
         *out++ = '-';
