@@ -2,6 +2,7 @@
 
 #include "dbif/complex_values.h"
 #include "dbif/host_number.h"
+#include "dbif/parallel_parts.h"
 
 #include <algorithm>
 #include <cmath>
@@ -90,15 +91,17 @@ namespace {
 template <typename T, typename Format>
 std::vector<std::string> formatted(const std::vector<T>& values, const Format& format)
 {
-    std::vector<std::string> texts;
-    texts.reserve(values.size());
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        if (i > 0 && values[i] == values[i - 1]) {
-            texts.push_back(texts.back());
-        } else {
-            texts.push_back(format(values[i]));
+    constexpr std::size_t kWorthAThread = 20'000;
+    std::vector<std::string> texts(values.size());
+    for_parts(values.size(), kWorthAThread, [&](std::size_t first, std::size_t last) {
+        for (std::size_t i = first; i < last; ++i) {
+            if (i > first && values[i] == values[i - 1]) {
+                texts[i] = texts[i - 1];
+            } else {
+                texts[i] = format(values[i]);
+            }
         }
-    }
+    });
     return texts;
 }
 } // namespace
