@@ -3,14 +3,13 @@
 #include "dbif/column_store.h"
 #include "dbif/key_writer.h"
 #include "dbif/record_identity.h"
+#include "dbif/sweep_packing.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace dbif {
 namespace {
-constexpr std::size_t kHeadBytes = 16;
-
 std::string setup_digest(const SetupContent& setup)
 {
     RecordIdentity digest;
@@ -18,7 +17,7 @@ std::string setup_digest(const SetupContent& setup)
     for (const SweepContent& sweep : setup.sweeps) {
         digest.text(sweep_digest(sweep));
         for (const std::string& chunk : sweep.chunks) {
-            digest.text(std::string_view(chunk).substr(0, kHeadBytes));
+            digest.text(chunk_identity(chunk));
         }
     }
     return digest.digest();

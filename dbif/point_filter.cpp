@@ -1,39 +1,52 @@
 #include "dbif/point_filter.h"
 
-#include <algorithm>
-#include <cmath>
+#include <span>
 
 namespace dbif {
 namespace {
 using Kind = ConditionTree::Kind;
 
-bool holds_at(const ColumnComparison& comparison, const SweepArray& array, std::size_t point)
+bool holds_at(const ColumnComparison& comparison, const SweepSlice& values, std::size_t point)
 {
     if (comparison.comparator == IS_NULL) {
-        return !array.hasValue(point);
+        return !values.hasValue(point);
     }
-    if (!array.hasValue(point)) {
-        return false;
-    }
-    if (comparison.holdsNumbers) {
-        return array.kind == ValueKind::Double && contains(comparison.ranges, array.numbers[point]);
-    }
-    return comparison.holdsFor(array.text(point));
+    return !comparison.holdsNumbers && values.hasValue(point) &&
+           comparison.holdsFor(values.text(point));
 }
 
-PointMask decide_comparison(
-    const ColumnComparison& comparison,
-    std::size_t points,
-    const std::map<std::string, SweepArray>& arrays)
+/// Range by range, which a processor does for several points at once; long lists are searched.
+void mark_numbers(const NumberRanges& ranges, std::span<const double> numbers, PointMask* mask)
 {
-    const auto found = arrays.find(comparison.column);
-    if (found == arrays.end() || found->second.size() == 0) {
+    constexpr std::size_t kFewRanges = 8;
+    if (ranges.size() > kFewRanges) {
+        for (std::size_t point = 0; point < numbers.size(); ++point) {
+            (*mask)[point] = contains(ranges, numbers[point]) ? 1 : 0;
+        }
+        return;
+    }
+    for (const NumberRange& range : ranges) {
+        for (std::size_t point = 0; point < numbers.size(); ++point) {
+            const bool isWithin = numbers[point] >= range.low && numbers[point] <= range.high;
+            (*mask)[point] |= static_cast<std::uint8_t>(isWithin);
+        }
+    }
+}
+
+PointMask
+decide_comparison(const ColumnComparison& comparison, std::size_t points, const SweepSlice& values)
+{
+    if (!values.isPresent()) {
         return PointMask(points, comparison.comparator == IS_NULL ? 1 : 0);
     }
     PointMask mask(points);
-    const std::size_t known = std::min(points, found->second.size());
-    for (std::size_t point = 0; point < known; ++point) {
-        mask[point] = holds_at(comparison, found->second, point) ? 1 : 0;
+    if (comparison.holdsNumbers && comparison.comparator != IS_NULL &&
+        values.array->kind == ValueKind::Double) {
+        mark_numbers(comparison.ranges, values.numbers(), &mask);
+        return mask;
+    }
+    for (std::size_t point = 0; point < points; ++point) {
+        mask[point] = holds_at(comparison, values, point) ? 1 : 0;
     }
     return mask;
 }
@@ -42,7 +55,7 @@ PointMask decide_comparison(
 PointMask satisfying_points(
     const ConditionTree& condition,
     std::size_t points,
-    const std::map<std::string, SweepArray>& arrays,
+    const std::function<SweepSlice(const ColumnComparison&)>& valuesOf,
     const std::function<bool(const ColumnComparison&)>& holdsForRecord)
 {
     switch (condition.kind()) {
@@ -52,7 +65,8 @@ PointMask satisfying_points(
         return PointMask(points, 0);
     case Kind::Comparison:
         if (condition.comparison().isOnPoints()) {
-            return decide_comparison(condition.comparison(), points, arrays);
+            return decide_comparison(
+                condition.comparison(), points, valuesOf(condition.comparison()));
         }
         return PointMask(points, holdsForRecord(condition.comparison()) ? 1 : 0);
     case Kind::And:
@@ -62,7 +76,7 @@ PointMask satisfying_points(
     const bool isAnd = condition.kind() == Kind::And;
     PointMask mask(points, isAnd ? 1 : 0);
     for (const ConditionTree& operand : condition.operands()) {
-        const PointMask other = satisfying_points(operand, points, arrays, holdsForRecord);
+        const PointMask other = satisfying_points(operand, points, valuesOf, holdsForRecord);
         for (std::size_t point = 0; point < points; ++point) {
             mask[point] = isAnd ? mask[point] & other[point] : mask[point] | other[point];
         }

@@ -1,12 +1,10 @@
 #pragma once
 
 #include "dbif/condition_tree.h"
-#include "dbif/sweep_array.h"
+#include "dbif/sweep_slice.h"
 
 #include <cstdint>
 #include <functional>
-#include <map>
-#include <string>
 #include <vector>
 
 namespace dbif {
@@ -14,11 +12,11 @@ namespace dbif {
 using PointMask = std::vector<std::uint8_t>;
 
 /// Decides a condition on the points of one setup. Comparisons on setup keys are decided point by
-/// point on `arrays` (by the key; a key that the setup does not have fails), every other one by
-/// `holdsForRecord`.
+/// point on the values that `valuesOf` gives (a key that the setup does not have fails), every
+/// other one by `holdsForRecord`.
 PointMask satisfying_points(
     const ConditionTree& condition,
     std::size_t points,
-    const std::map<std::string, SweepArray>& arrays,
+    const std::function<SweepSlice(const ColumnComparison&)>& valuesOf,
     const std::function<bool(const ColumnComparison&)>& holdsForRecord);
 } // namespace dbif

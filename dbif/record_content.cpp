@@ -3,6 +3,7 @@
 #include "dbif/bulk_cursor.h"
 #include "dbif/column_store.h"
 #include "dbif/id_list.h"
+#include "dbif/sweep_packing.h"
 
 #include <algorithm>
 #include <functional>
@@ -12,8 +13,6 @@ namespace dbif {
 namespace {
 constexpr std::size_t kIdsPerStatement = 500;
 constexpr std::size_t kCellsPerGroup = 1U << 20U;
-/// Format, kind, count and checksum of a chunk.
-constexpr int kHeadBytes = 16;
 
 /// Calls `use` with "1, 2, 3" for some of the values after another.
 void for_each_list(
@@ -148,7 +147,7 @@ SqlText chunk_statement(Payload payload, const SqlText& setups)
     if (payload == Payload::Whole) {
         sql << "d.payload";
     } else {
-        sql << "substr(d.payload, 1, " << kHeadBytes << ")";
+        sql << "substr(d.payload, 1, " << static_cast<int>(kChunkHeadBytes) << ")";
     }
     return sql
            << " FROM setup_association a JOIN setup_column c ON c.id = a.setup_column_id LEFT JOIN "

@@ -7,7 +7,7 @@
 #include "dbif/measurement_recognition.h"
 #include "dbif/shared_records.h"
 #include "dbif/superseding.h"
-#include "dbif/sweep_array.h"
+#include "dbif/sweep_packing.h"
 #include "dbif/write_retry.h"
 #include "dbif/write_transaction.h"
 
@@ -68,19 +68,13 @@ struct Writing
 /// Refuses to copy what the source itself could not read.
 void check_sweep(const SweepContent& sweep, int setup)
 {
-    const std::string place = "The key \"" + sweep.name + "\" of setup " + std::to_string(setup);
+    const SweepPlace place{sweep.name, setup};
     SweepArray array;
     array.kind = sweep.kind;
     for (const std::string& chunk : sweep.chunks) {
         unpack(chunk, place, &array);
     }
-    if (static_cast<long long>(array.size()) != sweep.points) {
-        throw_error(
-            place + " is damaged (it has " + std::to_string(array.size()) + " of " +
-                std::to_string(sweep.points) +
-                " points). Restore the database from a backup, or import the data again.",
-            __FILE__, __LINE__);
-    }
+    check_length(place, array.size(), static_cast<std::size_t>(sweep.points));
 }
 
 class Copy

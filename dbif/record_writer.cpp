@@ -8,6 +8,7 @@
 #include "dbif/schema_names.h"
 #include "dbif/shared_records.h"
 #include "dbif/superseding.h"
+#include "dbif/sweep_packing.h"
 #include "dbif/write_transaction.h"
 
 #include <QtGlobal>

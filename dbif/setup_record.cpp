@@ -27,7 +27,7 @@ QSharedPointer<DBIF_Setup> DBIF_Setup::get(DBIF_Connection& connection, int id)
     std::vector<dbif::KeyDefinition> definitions;
     std::size_t points = 0;
     dbif::SqlText sql;
-    sql << "SELECT column_key, points FROM setup_association JOIN setup_column ON setup_column.id = setup_column_id "
+    sql << "SELECT column_key FROM setup_association JOIN setup_column ON setup_column.id = setup_column_id "
            "WHERE setup_id = "
         << id << " ORDER BY setup_column_id";
     std::vector<std::string> keys;
@@ -35,7 +35,6 @@ QSharedPointer<DBIF_Setup> DBIF_Setup::get(DBIF_Connection& connection, int id)
         dbif::BulkCursor cursor(connection, sql);
         while (cursor.next()) {
             keys.emplace_back(cursor.text(0));
-            points = std::max(points, static_cast<std::size_t>(cursor.integer(1)));
         }
     }
     for (const std::string& key : keys) {
@@ -44,9 +43,14 @@ QSharedPointer<DBIF_Setup> DBIF_Setup::get(DBIF_Connection& connection, int id)
         columns.append(DBIF_SetupColumn(definitions.back(), connection));
     }
     dbif::SweepArrays arrays;
-    dbif::read_sweeps(
-        connection, {{id, points}}, definitions,
-        [&arrays](std::size_t /*place*/, dbif::SweepArrays& read) { arrays = std::move(read); });
+    dbif::read_sweeps(connection, {id}, definitions, [&](const dbif::SweepPoints& read) {
+        points = read.count;
+        for (std::size_t column = 0; column < definitions.size(); ++column) {
+            if (read.columns[column].isPresent()) {
+                arrays[definitions[column].key] = dbif::copy_of(read.columns[column]);
+            }
+        }
+    });
     return QSharedPointer<DBIF_Setup>(
         new DBIF_Setup(connection, columns, points, std::move(arrays)));
 }

@@ -2,31 +2,29 @@
 
 #include "dbif/column_store.h"
 #include "dbif/connection.h"
-#include "dbif/sweep_array.h"
+#include "dbif/sweep_slice.h"
 
 #include <functional>
-#include <map>
-#include <string>
+#include <span>
 #include <vector>
 
 namespace dbif {
-/// A setup to read, with the number of its points.
-struct SweepPlace
+/// The points of one setup.
+struct SweepPoints
 {
-    int setup = 0;
-    std::size_t points = 0;
+    /// Its place among the setups that are read.
+    std::size_t place = 0;
+    std::size_t count = 0;
+    /// A slice for each column that is read; valid until the next setup.
+    std::span<const SweepSlice> columns;
 };
 
-/// The arrays of one setup, by the unique key of their column. A column that the setup does not
-/// have is not among them.
-using SweepArrays = std::map<std::string, SweepArray>;
-
-/// Reads columns of setups, in the order of `places` (ascending ids), and hands over one setup
-/// after another with its position in `places`. Holds the arrays of about a million points at a
-/// time. Throws `DBIF_Exception` naming setup and key when stored data are damaged.
+/// Reads columns of setups (ascending ids), and hands over one setup after another. Holds the
+/// arrays of about a million points at a time. Throws `DBIF_Exception` naming setup and key when
+/// stored data are damaged.
 void read_sweeps(
     DBIF_Connection& connection,
-    const std::vector<SweepPlace>& places,
+    const std::vector<int>& setups,
     const std::vector<KeyDefinition>& columns,
-    const std::function<void(std::size_t place, SweepArrays& arrays)>& use);
+    const std::function<void(const SweepPoints& points)>& use);
 } // namespace dbif

@@ -30,12 +30,14 @@ ConditionTree point_part(const ConditionTree& condition)
     return ConditionTree::joined(ConditionTree::Kind::And, onPoints);
 }
 
-/// Each column is read once, however often it is asked for.
-bool has_key(const std::vector<KeyDefinition>& columns, const std::string& key)
+/// Each column is read once, however often it is asked for. The end when it is not among them.
+std::size_t place_of_key(const std::vector<KeyDefinition>& columns, const std::string& key)
 {
-    return std::any_of(columns.begin(), columns.end(), [&key](const KeyDefinition& column) {
-        return column.key == key;
-    });
+    const auto found =
+        std::find_if(columns.begin(), columns.end(), [&key](const KeyDefinition& column) {
+            return column.key == key;
+        });
+    return static_cast<std::size_t>(found - columns.begin());
 }
 
 /// The selected setups, in the order of their ids, with what is known of each before its points are
@@ -59,8 +61,6 @@ public:
         const RecordCells cells(sources);
         std::vector<SqlText> expressions = cells.expressions();
         expressions.emplace_back("setup.id");
-        expressions.emplace_back(
-            "(SELECT max(points) FROM setup_association WHERE setup_association.setup_id = setup.id)");
         // Comparisons on records that stand beside ones on points are decided by SQL, setup by
         // setup.
         pointPart_.forEachComparison([&](const ColumnComparison& comparison) {
@@ -76,26 +76,24 @@ public:
         const RecordQuery query(connection, tables, condition, latestOnly);
         SqlText sql = query.select(expressions, false);
         sql << "\nORDER BY setup.id";
-        cells_ = cells.read(connection, sql, &hasRecordValue_, 2 + flags_.size());
-        firstFlag_ = sources.size() + 2;
+        cells_ = cells.read(connection, sql, &hasRecordValue_, 1 + flags_.size());
+        firstFlag_ = sources.size() + 1;
         const std::vector<double>& ids = cells_.columns[sources.size()].numbers;
-        const std::vector<double>& points = cells_.columns[sources.size() + 1].numbers;
-        for (std::size_t i = 0; i < ids.size(); ++i) {
-            places_.push_back(
-                {static_cast<int>(ids[i]),
-                 std::isnan(points[i]) ? 0 : static_cast<std::size_t>(points[i])});
+        setups_.reserve(ids.size());
+        for (const double id : ids) {
+            setups_.push_back(static_cast<int>(id));
         }
     }
 
     ~SelectedSetups()
     {
         if (trace_ != nullptr && isDecidedOnPoints()) {
-            decided_.setups = places_.size();
+            decided_.setups = setups_.size();
             trace_->decided(decided_);
         }
     }
 
-    [[nodiscard]] const std::vector<SweepPlace>& places() const { return places_; }
+    [[nodiscard]] const std::vector<int>& ids() const { return setups_; }
 
     /// The column of a source, a value per setup.
     [[nodiscard]] ResultColumn& column(std::size_t source) { return cells_.columns[source]; }
@@ -108,27 +106,37 @@ public:
     }
 
     /// The definitions of the keys that the condition looks at, added to `columns`.
-    void addConditionKeys(DBIF_Connection& connection, std::vector<KeyDefinition>* columns) const
+    void addConditionKeys(DBIF_Connection& connection, std::vector<KeyDefinition>* columns)
     {
         pointPart_.forEachComparison([&](const ColumnComparison& comparison) {
-            if (!comparison.isOnPoints() || has_key(*columns, comparison.column)) {
+            if (!comparison.isOnPoints()) {
                 return;
             }
-            if (const KeyDefinition* definition =
+            std::size_t column = place_of_key(*columns, comparison.column);
+            if (column == columns->size()) {
+                const KeyDefinition* definition =
                     ColumnStore::of(connection)
-                        .find(connection, RecordTable::Setup, comparison.column)) {
+                        .find(connection, RecordTable::Setup, comparison.column);
+                if (definition == nullptr) {
+                    return;
+                }
                 columns->push_back(*definition);
             }
+            columns_.emplace(&comparison, column);
         });
     }
 
-    [[nodiscard]] PointMask satisfying(std::size_t place, const SweepArrays& arrays)
+    [[nodiscard]] PointMask satisfying(const SweepPoints& points)
     {
         const TraceStep step(trace_, "decide the points in memory");
-        PointMask mask = satisfying_points(
-            pointPart_, places_[place].points, arrays, [&](const ColumnComparison& comparison) {
-                return cells_.columns[firstFlag_ + flags_.at(&comparison)].numbers[place] != 0;
-            });
+        const auto valuesOf = [&](const ColumnComparison& comparison) {
+            const auto column = columns_.find(&comparison);
+            return column == columns_.end() ? SweepSlice() : points.columns[column->second];
+        };
+        const auto holdsForRecord = [&](const ColumnComparison& comparison) {
+            return cells_.columns[firstFlag_ + flags_.at(&comparison)].numbers[points.place] != 0;
+        };
+        PointMask mask = satisfying_points(pointPart_, points.count, valuesOf, holdsForRecord);
         if (trace_ != nullptr) {
             const auto kept = static_cast<std::size_t>(std::count(mask.begin(), mask.end(), 1));
             decided_.points += mask.size();
@@ -140,11 +148,13 @@ public:
 
 private:
     ConditionTree pointPart_;
+    /// Of a comparison on records, its place among the flags; of one on points, among the columns.
     std::unordered_map<const ColumnComparison*, std::size_t> flags_;
+    std::unordered_map<const ColumnComparison*, std::size_t> columns_;
     std::size_t firstFlag_ = 0;
     QueryResult cells_;
     RowMask hasRecordValue_;
-    std::vector<SweepPlace> places_;
+    std::vector<int> setups_;
     ReadTrace* trace_;
     TracedPoints decided_;
 };
@@ -153,44 +163,49 @@ private:
 class RowCollector
 {
 public:
-    RowCollector(const std::vector<ResultSource>& sources, SelectedSetups& setups) : setups_(setups)
+    /// `columns` are those that are read, the keys of `sources` among them.
+    RowCollector(
+        const std::vector<ResultSource>& sources,
+        const std::vector<KeyDefinition>& columns,
+        SelectedSetups& setups)
+        : setups_(setups)
     {
         std::size_t recordSource = 0;
-        std::size_t points = 0;
-        for (const SweepPlace& place : setups.places()) {
-            points += place.points;
-        }
         for (const ResultSource& source : sources) {
-            Output output = source.isOnPoints() ? pointOutput(source.key)
-                                                : recordOutput(&setups.column(recordSource++));
-            if (!setups.isDecidedOnPoints()) {
-                output.column.reserve(points);
-            }
-            outputs_.push_back(std::move(output));
+            outputs_.push_back(
+                source.isOnPoints() ? pointOutput(source.key, place_of_key(columns, source.key.key))
+                                    : recordOutput(&setups.column(recordSource++)));
         }
     }
 
-    void add(std::size_t place, SweepArrays& arrays)
+    void add(const SweepPoints& points)
     {
-        const std::size_t points = setups_.places()[place].points;
-        const PointMask mask =
-            setups_.isDecidedOnPoints() ? setups_.satisfying(place, arrays) : PointMask(points, 1);
-        PointMask isKept(points, setups_.hasRecordValue(place) ? 1 : 0);
+        isKept_.assign(points.count, setups_.hasRecordValue(points.place) ? 1 : 0);
         bool hasAnyKey = false;
         for (const Output& output : outputs_) {
-            if (const SweepArray* array = find(output, arrays)) {
+            if (output.record == nullptr && points.columns[output.column].isPresent()) {
                 hasAnyKey = true;
-                mark_values(*array, &isKept);
+                mark_values(points.columns[output.column], &isKept_);
             }
         }
         if (!hasAnyKey) {
             return;
         }
-        for (std::size_t point = 0; point < points; ++point) {
-            isKept[point] = isKept[point] & mask[point];
+        if (setups_.isDecidedOnPoints()) {
+            const PointMask mask = setups_.satisfying(points);
+            for (std::size_t point = 0; point < points.count; ++point) {
+                isKept_[point] = isKept_[point] & mask[point];
+            }
+        }
+        kept_.clear();
+        for (std::size_t point = 0; point < points.count; ++point) {
+            if (isKept_[point] != 0) {
+                kept_.push_back(point);
+            }
         }
         for (Output& output : outputs_) {
-            append(place, find(output, arrays), isKept, &output);
+            output.record != nullptr ? appendRecord(points.place, &output)
+                                     : appendPoints(points.columns[output.column], &output.values);
         }
     }
 
@@ -198,8 +213,8 @@ public:
     {
         QueryResult result;
         for (Output& output : outputs_) {
-            result.rows = output.column.size();
-            result.columns.push_back(std::move(output.column));
+            result.rows = output.values.size();
+            result.columns.push_back(std::move(output.values));
         }
         return result;
     }
@@ -207,18 +222,18 @@ public:
 private:
     struct Output
     {
-        /// Of a key of setups.
-        std::string key;
+        /// Of a key of setups: its place among the columns that are read.
+        std::size_t column = 0;
         /// Of a column of records: a value per setup.
         ResultColumn* record = nullptr;
-        ResultColumn column;
+        ResultColumn values;
     };
 
-    static Output pointOutput(const KeyDefinition& key)
+    static Output pointOutput(const KeyDefinition& key, std::size_t column)
     {
         Output output;
-        output.key = key.key;
-        output.column.kind = point_column_kind(key.kind);
+        output.column = column;
+        output.values.kind = point_column_kind(key.kind);
         return output;
     }
 
@@ -227,12 +242,12 @@ private:
         Output output;
         output.record = record;
         if (record->kind != Kind::Text) {
-            output.column.kind = record->kind;
+            output.values.kind = record->kind;
             return output;
         }
         // Each setup's text stands once; the rows refer to it.
-        output.column.kind = Kind::SharedText;
-        output.column.dictionary = std::move(record->texts);
+        output.values.kind = Kind::SharedText;
+        output.values.dictionary = std::move(record->texts);
         return output;
     }
 
@@ -250,65 +265,81 @@ private:
         return Kind::Text;
     }
 
-    static const SweepArray* find(const Output& output, const SweepArrays& arrays)
+    static void mark_values(const SweepSlice& values, PointMask* isKept)
     {
-        const auto found = output.record != nullptr ? arrays.end() : arrays.find(output.key);
-        return found == arrays.end() ? nullptr : &found->second;
-    }
-
-    static void mark_values(const SweepArray& array, PointMask* isKept)
-    {
+        if (std::find(isKept->begin(), isKept->end(), 0) == isKept->end()) {
+            return;
+        }
+        if (values.array->kind == ValueKind::Double) {
+            const std::span<const double> numbers = values.numbers();
+            for (std::size_t point = 0; point < numbers.size(); ++point) {
+                (*isKept)[point] |= static_cast<std::uint8_t>(!std::isnan(numbers[point]));
+            }
+            return;
+        }
         for (std::size_t point = 0; point < isKept->size(); ++point) {
-            if (array.hasValue(point)) {
-                (*isKept)[point] = 1;
-            }
+            (*isKept)[point] |= static_cast<std::uint8_t>(values.hasValue(point));
         }
     }
 
-    static void
-    append(std::size_t place, const SweepArray* array, const PointMask& isKept, Output* output)
+    void appendRecord(std::size_t place, Output* output) const
     {
-        for (std::size_t point = 0; point < isKept.size(); ++point) {
-            if (isKept[point] != 0) {
-                output->record != nullptr ? appendRecord(place, output)
-                                          : appendPoint(array, point, &output->column);
-            }
-        }
-    }
-
-    static void appendRecord(std::size_t place, Output* output)
-    {
-        switch (output->column.kind) {
+        switch (output->values.kind) {
         case Kind::SharedText:
-            output->column.codes.push_back(static_cast<std::uint32_t>(place));
+            appendSame(static_cast<std::uint32_t>(place), &output->values.codes);
             return;
         case Kind::Complex:
-            output->column.complexNumbers.push_back(output->record->complexNumbers[place]);
+            appendSame(output->record->complexNumbers[place], &output->values.complexNumbers);
             return;
         default:
-            output->column.numbers.push_back(output->record->numbers[place]);
+            appendSame(output->record->numbers[place], &output->values.numbers);
         }
     }
 
-    static void appendPoint(const SweepArray* array, std::size_t point, ResultColumn* column)
+    template <typename T>
+    void appendSame(const T& value, std::vector<T>* values) const
+    {
+        values->insert(values->end(), kept_.size(), value);
+    }
+
+    void appendPoints(const SweepSlice& points, ResultColumn* column) const
     {
         switch (column->kind) {
         case Kind::Double:
-            column->numbers.push_back(
-                array == nullptr ? std::numeric_limits<double>::quiet_NaN()
-                                 : array->numbers[point]);
+            points.isPresent()
+                ? appendKept(points.array->numbers, points.first, &column->numbers)
+                : appendSame(std::numeric_limits<double>::quiet_NaN(), &column->numbers);
             return;
         case Kind::Complex:
-            column->complexNumbers.push_back(
-                array == nullptr ? kNoComplex : array->complexNumbers[point]);
+            points.isPresent()
+                ? appendKept(points.array->complexNumbers, points.first, &column->complexNumbers)
+                : appendSame(kNoComplex, &column->complexNumbers);
             return;
         default:
-            column->texts.push_back(array == nullptr ? std::string() : array->text(point));
+            for (const std::size_t point : kept_) {
+                column->texts.push_back(points.isPresent() ? points.text(point) : std::string());
+            }
+        }
+    }
+
+    template <typename T>
+    void appendKept(const std::vector<T>& from, std::size_t first, std::vector<T>* values) const
+    {
+        const auto begin = from.begin() + static_cast<std::ptrdiff_t>(first);
+        if (kept_.size() == isKept_.size()) {
+            values->insert(values->end(), begin, begin + static_cast<std::ptrdiff_t>(kept_.size()));
+            return;
+        }
+        for (const std::size_t point : kept_) {
+            values->push_back(begin[static_cast<std::ptrdiff_t>(point)]);
         }
     }
 
     SelectedSetups& setups_;
     std::vector<Output> outputs_;
+    /// Of the setup that is added: which points give a row, by mark and by place.
+    PointMask isKept_;
+    std::vector<std::size_t> kept_;
 };
 
 /// The condition that a setup has one of the keys.
@@ -337,7 +368,7 @@ QueryResult read_sweep_rows(
     for (const ResultSource& source : sources) {
         if (!source.isOnPoints()) {
             recordSources.push_back(source);
-        } else if (!has_key(columns, source.key.key)) {
+        } else if (place_of_key(columns, source.key.key) == columns.size()) {
             columns.push_back(source.key);
         }
     }
@@ -346,10 +377,10 @@ QueryResult read_sweep_rows(
         ConditionTree::joined(ConditionTree::Kind::And, {has_one_of(columns), condition}),
         latestOnly);
     setups.addConditionKeys(connection, &columns);
-    RowCollector collector(sources, setups);
-    read_sweeps(
-        connection, setups.places(), columns,
-        [&collector](std::size_t place, SweepArrays& arrays) { collector.add(place, arrays); });
+    RowCollector collector(sources, columns, setups);
+    read_sweeps(connection, setups.ids(), columns, [&collector](const SweepPoints& points) {
+        collector.add(points);
+    });
     return collector.finish();
 }
 
@@ -367,10 +398,11 @@ std::vector<int> ids_with_points(
     setups.addConditionKeys(connection, &columns);
     std::vector<int> ids;
     const std::vector<double>& idOfSetup = setups.column(0).numbers;
-    read_sweeps(connection, setups.places(), columns, [&](std::size_t place, SweepArrays& arrays) {
-        const PointMask mask = setups.satisfying(place, arrays);
-        if (!std::isnan(idOfSetup[place]) && std::find(mask.begin(), mask.end(), 1) != mask.end()) {
-            ids.push_back(static_cast<int>(idOfSetup[place]));
+    read_sweeps(connection, setups.ids(), columns, [&](const SweepPoints& points) {
+        const PointMask mask = setups.satisfying(points);
+        const double found = idOfSetup[points.place];
+        if (!std::isnan(found) && std::find(mask.begin(), mask.end(), 1) != mask.end()) {
+            ids.push_back(static_cast<int>(found));
         }
     });
     return ids;
