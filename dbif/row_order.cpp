@@ -1,11 +1,14 @@
 #include "dbif/row_order.h"
 
+#include "dbif/parallel_parts.h"
+#include "dbif/value_codes.h"
+#include "dbif/value_order.h"
+
 #include <algorithm>
-#include <bit>
 #include <boost/sort/spreadsort/integer_sort.hpp>
-#include <cmath>
 #include <cstdint>
 #include <numeric>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -14,33 +17,8 @@ namespace {
 using Kind = ResultColumn::Kind;
 using Row = std::uint32_t;
 
-/// -1, 0 or 1; NaN comes first and equals itself.
-int order_of(double a, double b)
-{
-    if (a < b) {
-        return -1;
-    }
-    if (a > b) {
-        return 1;
-    }
-    return static_cast<int>(std::isnan(b)) - static_cast<int>(std::isnan(a));
-}
-
-int order_of(std::complex<double> a, std::complex<double> b)
-{
-    const int byReal = order_of(a.real(), b.real());
-    return byReal != 0 ? byReal : order_of(a.imag(), b.imag());
-}
-
-int order_of(const std::string& a, const std::string& b)
-{
-    return a.compare(b);
-}
-
-int order_of(std::uint32_t a, std::uint32_t b)
-{
-    return static_cast<int>(a > b) - static_cast<int>(a < b);
-}
+/// Rows that make up for a thread.
+constexpr std::size_t kWorthAThread = 50'000;
 
 /// Puts the dictionary into order, so that its places compare as the texts do.
 void order_dictionary(ResultColumn* column)
@@ -70,68 +48,17 @@ int order_of_rows(const ResultColumn& column, Row a, Row b)
         column, [a, b](const auto& values) { return order_of(values[a], values[b]); });
 }
 
-/// Moves values to their places cycle by cycle, so that no second column is needed. `order[i]` is
-/// the row that belongs at i.
+/// Puts into place i the value of row `order[i]`.
 template <typename T>
-void apply_order(std::vector<Row> order, std::vector<T>* values)
+void apply_order(const std::vector<Row>& order, std::vector<T>* values)
 {
-    for (std::size_t start = 0; start < order.size(); ++start) {
-        if (order[start] == start) {
-            continue;
+    std::vector<T> ordered(values->size());
+    for_parts(order.size(), kWorthAThread, [&](std::size_t first, std::size_t last) {
+        for (std::size_t i = first; i < last; ++i) {
+            ordered[i] = std::move((*values)[order[i]]);
         }
-        T first = std::move((*values)[start]);
-        std::size_t at = start;
-        while (order[at] != start) {
-            const std::size_t from = order[at];
-            (*values)[at] = std::move((*values)[from]);
-            order[at] = static_cast<Row>(at);
-            at = from;
-        }
-        (*values)[at] = std::move(first);
-        order[at] = static_cast<Row>(at);
-    }
-}
-
-/// A number that orders as the value does, as far as 64 bits tell: all of it for numbers and codes,
-/// the real part of complex numbers, the first eight bytes of texts.
-std::uint64_t rank_of(double number)
-{
-    constexpr std::uint64_t kSign = std::uint64_t(1) << 63U;
-    if (std::isnan(number)) {
-        return 0;
-    }
-    // Both zeros are equal.
-    const auto bits = std::bit_cast<std::uint64_t>(number == 0 ? 0.0 : number);
-    return (bits & kSign) != 0 ? ~bits : bits | kSign;
-}
-
-std::uint64_t rank_of(std::complex<double> number)
-{
-    return rank_of(number.real());
-}
-
-std::uint64_t rank_of(Row code)
-{
-    return code;
-}
-
-std::uint64_t rank_of(const std::string& text)
-{
-    std::uint64_t rank = 0;
-    for (std::size_t i = 0; i < sizeof(rank); ++i) {
-        rank = rank << 8U | (i < text.size() ? static_cast<unsigned char>(text[i]) : 0U);
-    }
-    return rank;
-}
-
-/// The number of that rank; both zeros are 0.
-double number_of_rank(std::uint64_t rank)
-{
-    constexpr std::uint64_t kSign = std::uint64_t(1) << 63U;
-    if (rank == 0) {
-        return std::numeric_limits<double>::quiet_NaN();
-    }
-    return std::bit_cast<double>((rank & kSign) != 0 ? rank & ~kSign : ~rank);
+    });
+    *values = std::move(ordered);
 }
 
 template <typename T>
@@ -145,6 +72,20 @@ void sort_values(std::vector<T>* values)
     }
 }
 
+/// The numbers of two runs of ranks, each in order; the runs may be in order already.
+void merge_ranks(
+    const std::vector<std::uint64_t>& ranks,
+    std::vector<std::uint64_t>::const_iterator middle,
+    std::vector<double>* numbers)
+{
+    auto low = ranks.begin();
+    auto high = middle;
+    for (double& number : *numbers) {
+        const bool isLow = high == ranks.end() || (low != middle && *low <= *high);
+        number = number_of_rank(isLow ? *low++ : *high++);
+    }
+}
+
 /// By their ranks, which a radix sort takes.
 void sort_values(std::vector<double>* numbers)
 {
@@ -155,11 +96,18 @@ void sort_values(std::vector<double>* numbers)
         return;
     }
     std::vector<std::uint64_t> ranks(numbers->size());
-    std::transform(numbers->begin(), numbers->end(), ranks.begin(), [](double number) {
-        return rank_of(number);
-    });
-    boost::sort::spreadsort::integer_sort(ranks.begin(), ranks.end());
-    std::transform(ranks.begin(), ranks.end(), numbers->begin(), number_of_rank);
+    const auto middle = ranks.begin() + static_cast<std::ptrdiff_t>(ranks.size() / 2);
+    for_parts(
+        2, ranks.size() < 2 * kWorthAThread ? 2 : 1, [&](std::size_t first, std::size_t last) {
+            const auto begin = first == 0 ? ranks.begin() : middle;
+            const auto end = last == 2 ? ranks.end() : middle;
+            std::transform(
+                numbers->begin() + (begin - ranks.begin()),
+                numbers->begin() + (end - ranks.begin()), begin,
+                [](double number) { return rank_of(number); });
+            boost::sort::spreadsort::integer_sort(begin, end);
+        });
+    merge_ranks(ranks, middle, numbers);
 }
 
 void sort_single(bool isAscending, ResultColumn* column)
@@ -189,20 +137,29 @@ public:
         : keys_(keys), result_(result)
     {}
 
-    void sort(std::span<RankedRow> rows, std::size_t level) const
+    /// `level`: how many of the keys have been sorted by.
+    void sort(std::span<Row> rows, std::size_t level) const
     {
-        rank(rows, level);
-        sortByRank(rows);
-        if (!isExact(level)) {
-            forEachRun(rows, byRank, [&](std::span<RankedRow> run) { sortByValue(run, level); });
-        }
-        if (level + 1 == keys_.size()) {
+        if (level == keys_.size() || rows.size() < 2) {
             return;
         }
+        std::vector<RankedRow> ranked = ranks(rows, level);
+        sortByRank(ranked);
+        if (!isExact(level)) {
+            forEachRun<RankedRow>(
+                ranked, byRank, [&](std::span<RankedRow> run) { sortByValue(run, level); });
+        }
+        std::transform(ranked.begin(), ranked.end(), rows.begin(), [](const RankedRow& row) {
+            return row.row;
+        });
         const auto areEqual = [&](const RankedRow& a, const RankedRow& b) {
-            return a.rank == b.rank && (isExact(level) || order(level, a, b) == 0);
+            return a.rank == b.rank && (isExact(level) || order(level, a.row, b.row) == 0);
         };
-        forEachRun(rows, areEqual, [&](std::span<RankedRow> run) { sort(run, level + 1); });
+        forEachRun<RankedRow>(ranked, areEqual, [&](std::span<RankedRow> run) {
+            sort(
+                rows.subspan(static_cast<std::size_t>(run.data() - ranked.data()), run.size()),
+                level + 1);
+        });
     }
 
 private:
@@ -219,23 +176,26 @@ private:
         return column(level).kind != Kind::Text && column(level).kind != Kind::Complex;
     }
 
-    [[nodiscard]] int order(std::size_t level, const RankedRow& a, const RankedRow& b) const
+    [[nodiscard]] int order(std::size_t level, Row a, Row b) const
     {
-        const int by = order_of_rows(column(level), a.row, b.row);
+        const int by = order_of_rows(column(level), a, b);
         return keys_[level].isAscending ? by : -by;
     }
 
-    void rank(std::span<RankedRow> rows, std::size_t level) const
+    [[nodiscard]] std::vector<RankedRow> ranks(std::span<const Row> rows, std::size_t level) const
     {
         const bool isAscending = keys_[level].isAscending;
+        std::vector<RankedRow> ranked(rows.size());
         with_values(column(level), [&](const auto& values) {
-            for (RankedRow& row : rows) {
-                row.rank = isAscending ? rank_of(values[row.row]) : ~rank_of(values[row.row]);
-            }
+            std::transform(rows.begin(), rows.end(), ranked.begin(), [&](Row row) {
+                const std::uint64_t rank = rank_of(values[row]);
+                return RankedRow{isAscending ? rank : ~rank, row};
+            });
         });
+        return ranked;
     }
 
-    static void sortByRank(std::span<RankedRow> rows)
+    static void sortByRank(std::vector<RankedRow>& rows)
     {
         const auto isBefore = [](const RankedRow& a, const RankedRow& b) {
             return a.rank != b.rank ? a.rank < b.rank : a.row < b.row;
@@ -252,14 +212,14 @@ private:
     void sortByValue(std::span<RankedRow> rows, std::size_t level) const
     {
         std::sort(rows.begin(), rows.end(), [&](const RankedRow& a, const RankedRow& b) {
-            const int by = order(level, a, b);
+            const int by = order(level, a.row, b.row);
             return by != 0 ? by < 0 : a.row < b.row;
         });
     }
 
     /// Calls `handle` for each run of two or more equal rows.
-    template <typename Equal, typename Handle>
-    static void forEachRun(std::span<RankedRow> rows, const Equal& areEqual, const Handle& handle)
+    template <typename T, typename Equal, typename Handle>
+    static void forEachRun(std::span<T> rows, const Equal& areEqual, const Handle& handle)
     {
         for (std::size_t start = 0; start < rows.size();) {
             std::size_t end = start + 1;
@@ -278,6 +238,50 @@ private:
     const std::vector<SortKey>& keys_;
     const QueryResult& result_;
 };
+
+/// Rows in groups that are in order; within a group, rows have equal values in the first columns
+/// of the order and keep the order they had.
+struct GroupedRows
+{
+    std::vector<Row> rows;
+    /// Where each group begins; at the end, the number of rows.
+    std::vector<std::size_t> starts;
+    /// How many of the columns the groups are sorted by.
+    std::size_t levels = 0;
+};
+
+/// Groups by the first columns as long as those have few values, so that counting does the sorting.
+GroupedRows group_rows(const std::vector<SortKey>& keys, const QueryResult& result)
+{
+    constexpr std::size_t kMostGroups = 1U << 16U;
+    std::vector<std::uint32_t> group(result.rows);
+    std::size_t groups = 1;
+    GroupedRows grouped;
+    for (; grouped.levels < keys.size() && result.rows >= kMostGroups; ++grouped.levels) {
+        const SortKey& key = keys[grouped.levels];
+        const std::optional<ValueCodes> coded = code_values(result.columns[key.column]);
+        if (!coded.has_value() || groups * coded->count > kMostGroups) {
+            break;
+        }
+        groups *= coded->count;
+        const auto count = static_cast<std::uint32_t>(coded->count);
+        for (std::size_t row = 0; row < group.size(); ++row) {
+            const std::uint32_t code = coded->codes[row];
+            group[row] = group[row] * count + (key.isAscending ? code : count - 1 - code);
+        }
+    }
+    grouped.starts.assign(groups + 1, 0);
+    for (const std::uint32_t of : group) {
+        ++grouped.starts[of + 1];
+    }
+    std::partial_sum(grouped.starts.begin(), grouped.starts.end(), grouped.starts.begin());
+    std::vector<std::size_t> next = grouped.starts;
+    grouped.rows.resize(result.rows);
+    for (std::size_t row = 0; row < group.size(); ++row) {
+        grouped.rows[next[group[row]]++] = static_cast<Row>(row);
+    }
+    return grouped;
+}
 } // namespace
 
 void sort_rows(const std::vector<SortKey>& keys, QueryResult* result)
@@ -294,16 +298,21 @@ void sort_rows(const std::vector<SortKey>& keys, QueryResult* result)
         sort_single(keys.front().isAscending, &result->columns.front());
         return;
     }
-    std::vector<RankedRow> rows(result->rows);
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        rows[i] = {0, static_cast<Row>(i)};
-    }
-    RowSorter(keys, *result).sort(rows, 0);
-    std::vector<Row> order(rows.size());
-    std::transform(
-        rows.begin(), rows.end(), order.begin(), [](const RankedRow& row) { return row.row; });
+    GroupedRows grouped = group_rows(keys, *result);
+    const RowSorter sorter(keys, *result);
+    const std::size_t groups = grouped.starts.size() - 1;
+    for_parts(
+        groups, result->rows < kWorthAThread ? groups : 1,
+        [&](std::size_t first, std::size_t last) {
+            for (std::size_t group = first; group < last; ++group) {
+                const std::size_t start = grouped.starts[group];
+                const std::span<Row> rows(
+                    grouped.rows.data() + start, grouped.starts[group + 1] - start);
+                sorter.sort(rows, grouped.levels);
+            }
+        });
     for (ResultColumn& column : result->columns) {
-        with_values(column, [&order](auto& values) { apply_order(order, &values); });
+        with_values(column, [&](auto& values) { apply_order(grouped.rows, &values); });
     }
 }
 
