@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <map>
 #include <unordered_map>
@@ -43,14 +44,14 @@ bool has_value(const dbif::ResultColumn& column, std::size_t row)
 /// Leaves the rows that have both x and y.
 void keep_complete_rows(CurveRows* rows)
 {
-    std::vector<bool> isKept(rows->x.size());
+    std::vector<std::uint8_t> isKept(rows->x.size());
     std::size_t kept = 0;
     for (std::size_t row = 0; row < isKept.size(); ++row) {
-        isKept[row] = has_value(rows->x, row) && has_value(rows->y, row);
-        if (isKept[row] && !rows->setups.empty()) {
+        isKept[row] = has_value(rows->x, row) && has_value(rows->y, row) ? 1 : 0;
+        if (isKept[row] != 0 && !rows->setups.empty()) {
             rows->setups[kept] = rows->setups[row];
         }
-        kept += isKept[row] ? 1 : 0;
+        kept += isKept[row];
     }
     if (kept == isKept.size()) {
         return;

@@ -71,13 +71,13 @@ Plan plan_columns(DBIF_Connection& connection, const DBIF_Query::SharedData& que
 
 void drop_rows_without_value(const RowMask& hasValue, QueryResult* result)
 {
-    if (std::find(hasValue.begin(), hasValue.end(), false) == hasValue.end()) {
+    if (std::find(hasValue.begin(), hasValue.end(), 0) == hasValue.end()) {
         return;
     }
     for (ResultColumn& column : result->columns) {
         column.keepRows(hasValue);
     }
-    result->rows = static_cast<std::size_t>(std::count(hasValue.begin(), hasValue.end(), true));
+    result->rows = static_cast<std::size_t>(std::count(hasValue.begin(), hasValue.end(), 1));
 }
 
 /// The only column is a key of the base: its values come straight from the key's index.

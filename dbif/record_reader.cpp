@@ -4,10 +4,13 @@
 #include "dbif/complex_values.h"
 #include "dbif/id_list.h"
 #include "dbif/read_trace.h"
+#include "dbif/rows_by_id.h"
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
+#include <map>
 
 namespace dbif {
 namespace {
@@ -37,78 +40,6 @@ SqlText value_column(const KeyDefinition& definition)
     return definition.kind == ValueKind::Double ? SqlText("number") : SqlText("text");
 }
 
-/// A record's place among the rows: rows of the same record stand side by side in the order of ids.
-class RowsById
-{
-public:
-    explicit RowsById(const std::vector<double>& ids)
-    {
-        places_.reserve(ids.size());
-        for (std::size_t row = 0; row < ids.size(); ++row) {
-            if (!std::isnan(ids[row])) {
-                places_.push_back({static_cast<int>(ids[row]), static_cast<std::uint32_t>(row)});
-            }
-        }
-        const auto byId = [](const Place& a, const Place& b) {
-            return a.id < b.id;
-        };
-        if (!std::is_sorted(places_.begin(), places_.end(), byId)) {
-            std::stable_sort(places_.begin(), places_.end(), byId);
-        }
-        // Ids that stand close together are found through a table, others by searching.
-        const std::size_t span =
-            places_.empty() ? 0 : static_cast<std::size_t>(places_.back().id) + 1;
-        if (span <= 4 * places_.size() + 1024) {
-            first_.assign(span + 1, static_cast<std::uint32_t>(places_.size()));
-            for (std::size_t i = places_.size(); i-- > 0;) {
-                first_[static_cast<std::size_t>(places_[i].id)] = static_cast<std::uint32_t>(i);
-            }
-        }
-    }
-
-    [[nodiscard]] std::vector<int> distinctIds() const
-    {
-        std::vector<int> ids;
-        for (const Place& place : places_) {
-            if (ids.empty() || ids.back() != place.id) {
-                ids.push_back(place.id);
-            }
-        }
-        return ids;
-    }
-
-    /// Calls `use` with every row of the record.
-    template <typename Use>
-    void forRows(int id, const Use& use) const
-    {
-        for (std::size_t i = firstPlace(id); i < places_.size() && places_[i].id == id; ++i) {
-            use(places_[i].row);
-        }
-    }
-
-private:
-    struct Place
-    {
-        int id;
-        std::uint32_t row;
-    };
-
-    [[nodiscard]] std::size_t firstPlace(int id) const
-    {
-        if (!first_.empty()) {
-            const auto at = static_cast<std::size_t>(id);
-            return at < first_.size() ? first_[at] : places_.size();
-        }
-        const auto found = std::lower_bound(
-            places_.begin(), places_.end(), id,
-            [](const Place& place, int wanted) { return place.id < wanted; });
-        return static_cast<std::size_t>(found - places_.begin());
-    }
-
-    std::vector<Place> places_;
-    std::vector<std::uint32_t> first_;
-};
-
 ResultColumn empty_column(Kind kind, std::size_t rows)
 {
     ResultColumn column;
@@ -123,15 +54,25 @@ ResultColumn empty_column(Kind kind, std::size_t rows)
     return column;
 }
 
-/// Puts the one value of `value` into the row.
-void place_value(const ResultColumn& value, std::uint32_t row, ResultColumn* column)
+/// Puts the values of a statement of ids and values beside the rows; `read` gives the value of the
+/// cursor's row.
+template <typename T, typename Read>
+void place_values(
+    BulkCursor& cursor,
+    const RowsById& rows,
+    const Read& read,
+    std::vector<T>* values,
+    RowMask* hasValue)
 {
-    if (column->kind == Kind::Text) {
-        column->texts[row] = value.texts.front();
-    } else if (column->kind == Kind::Complex) {
-        column->complexNumbers[row] = value.complexNumbers.front();
-    } else {
-        column->numbers[row] = value.numbers.front();
+    while (cursor.next()) {
+        if (cursor.isNull(1)) {
+            continue;
+        }
+        const T value = read();
+        rows.forRows(cursor.integer(0), [&](std::uint32_t row) {
+            (*hasValue)[row] = 1;
+            (*values)[row] = value;
+        });
     }
 }
 
@@ -143,17 +84,21 @@ void place_values(
     RowMask* hasValue)
 {
     BulkCursor cursor(connection, sql);
-    while (cursor.next()) {
-        if (cursor.isNull(1)) {
-            continue;
-        }
-        ResultColumn value;
-        value.kind = column->kind;
-        append_cell(cursor, 1, &value);
-        rows.forRows(cursor.integer(0), [&](std::uint32_t row) {
-            (*hasValue)[row] = true;
-            place_value(value, row, column);
-        });
+    if (column->kind == Kind::Text) {
+        const auto text = [&] {
+            return std::string(cursor.text(1));
+        };
+        place_values(cursor, rows, text, &column->texts, hasValue);
+    } else if (column->kind == Kind::Complex) {
+        const auto number = [&] {
+            return read_complex(cursor.text(1)).value_or(kNoComplex);
+        };
+        place_values(cursor, rows, number, &column->complexNumbers, hasValue);
+    } else {
+        const auto number = [&] {
+            return cursor.number(1);
+        };
+        place_values(cursor, rows, number, &column->numbers, hasValue);
     }
 }
 } // namespace
@@ -177,7 +122,7 @@ QueryResult read_cells(
             append_cell(cursor, static_cast<int>(i), &result.columns[i]);
             isMarked = isMarked || (isCounted[i] && !cursor.isNull(static_cast<int>(i)));
         }
-        hasValue->push_back(isMarked);
+        hasValue->push_back(isMarked ? 1 : 0);
         ++result.rows;
     }
     return result;
@@ -228,37 +173,37 @@ ResultColumn read_key_values(
     return column;
 }
 
+namespace {
+/// The values of one key beside the rows. Few records are looked up by id, many by one pass over
+/// the key; no row is joined.
 ResultColumn read_key_beside(
     DBIF_Connection& connection,
     RecordTable table,
     const KeyDefinition& definition,
-    const std::vector<double>& ids,
+    const RowsById& rows,
     RowMask* hasValue)
 {
     const TraceStep step(connection.trace(), "read the keys of the records");
     const TableFacts& f = facts(table);
-    ResultColumn column = empty_column(key_column_kind(definition), ids.size());
-    const RowsById rows(ids);
-    const std::vector<int> distinct = rows.distinctIds();
+    ResultColumn column = empty_column(key_column_kind(definition), hasValue->size());
+    const std::vector<int>& ids = rows.distinctIds();
     SqlText sql;
     sql << "SELECT " << SqlName(f.linkColumn()) << ", " << value_column(definition) << " FROM "
         << SqlName(f.dataTable()) << " WHERE " << SqlName(f.columnLink()) << " = " << definition.id;
-    if (distinct.size() > kIdsPerStatement &&
-        kPassedPerLookUp * distinct.size() > highest_id(connection, table)) {
+    if (ids.size() > kIdsPerStatement &&
+        kPassedPerLookUp * ids.size() > highest_id(connection, table)) {
         place_values(connection, sql, rows, &column, hasValue);
         return column;
     }
-    for (std::size_t first = 0; first < distinct.size(); first += kIdsPerStatement) {
+    for (std::size_t first = 0; first < ids.size(); first += kIdsPerStatement) {
         SqlText some = sql;
         some << " AND " << SqlName(f.linkColumn()) << " IN ("
-             << id_sequence(distinct, first, std::min(kIdsPerStatement, distinct.size() - first))
-             << ")";
+             << id_sequence(ids, first, std::min(kIdsPerStatement, ids.size() - first)) << ")";
         place_values(connection, some, rows, &column, hasValue);
     }
     return column;
 }
 
-namespace {
 Kind fixed_column_kind(const FixedColumnFacts& fixed)
 {
     switch (fixed.kind) {
@@ -275,11 +220,24 @@ Kind fixed_column_kind(const FixedColumnFacts& fixed)
 
 RecordCells::RecordCells(const std::vector<ResultSource>& sources) : sources_(sources)
 {
+    std::map<RecordTable, std::size_t> idCells;
     for (const ResultSource& source : sources) {
-        const std::string_view column = source.isKey ? "id" : source.fixed.name;
-        expressions_.push_back(qualified(facts(source.table).name, column));
-        kinds_.push_back(source.isKey ? Kind::Integer : fixed_column_kind(source.fixed));
+        if (!source.isKey) {
+            cells_.push_back(add(source.table, source.fixed.name, fixed_column_kind(source.fixed)));
+            continue;
+        }
+        if (!idCells.contains(source.table)) {
+            idCells[source.table] = add(source.table, "id", Kind::Integer);
+        }
+        cells_.push_back(idCells[source.table]);
     }
+}
+
+std::size_t RecordCells::add(RecordTable table, std::string_view column, Kind kind)
+{
+    expressions_.push_back(qualified(facts(table).name, column));
+    kinds_.push_back(kind);
+    return expressions_.size() - 1;
 }
 
 QueryResult RecordCells::read(
@@ -292,16 +250,25 @@ QueryResult RecordCells::read(
     kinds.insert(kinds.end(), furtherIntegers, Kind::Integer);
     std::vector<bool> isCounted(kinds.size(), false);
     for (std::size_t i = 0; i < sources_.size(); ++i) {
-        isCounted[i] = !sources_[i].isKey;
+        isCounted[cells_[i]] = !sources_[i].isKey;
     }
-    QueryResult result = read_cells(connection, sql, kinds, isCounted, hasValue);
+    QueryResult cells = read_cells(connection, sql, kinds, isCounted, hasValue);
+    QueryResult result;
+    result.rows = cells.rows;
+    std::map<std::size_t, RowsById> rows;
     for (std::size_t i = 0; i < sources_.size(); ++i) {
+        ResultColumn& cell = cells.columns[cells_[i]];
         if (sources_[i].isKey) {
-            result.columns[i] = read_key_beside(
-                connection, sources_[i].table, sources_[i].key, result.columns[i].numbers,
-                hasValue);
+            const RowsById& ofRecords = rows.try_emplace(cells_[i], cell.numbers).first->second;
+            result.columns.push_back(read_key_beside(
+                connection, sources_[i].table, sources_[i].key, ofRecords, hasValue));
+        } else {
+            result.columns.push_back(std::move(cell));
         }
     }
+    std::move(
+        cells.columns.begin() + static_cast<std::ptrdiff_t>(kinds_.size()), cells.columns.end(),
+        std::back_inserter(result.columns));
     return result;
 }
 } // namespace dbif

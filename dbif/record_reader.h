@@ -6,11 +6,13 @@
 #include "dbif/result_source.h"
 #include "dbif/schema_names.h"
 
+#include <cstdint>
+#include <string_view>
 #include <vector>
 
 namespace dbif {
-/// Which rows have a value in at least one of their columns.
-using RowMask = std::vector<bool>;
+/// Which rows have a value in at least one of their columns: 1 for each that does.
+using RowMask = std::vector<std::uint8_t>;
 
 /// The rows of a statement as columns of the given kinds (`Integer`, `Double`, `Text`, or `Complex`
 /// read from its text). A row is marked in `hasValue` when one of its columns in `isCounted` is not
@@ -32,15 +34,6 @@ ResultColumn read_key_values(
     const KeyDefinition& definition,
     const SqlText& idSelect);
 
-/// The values of one key beside the rows whose record of `table` has the id in `ids` (NaN: no
-/// record). Few records are looked up by id, many by one pass over the key; no row is joined.
-ResultColumn read_key_beside(
-    DBIF_Connection& connection,
-    RecordTable table,
-    const KeyDefinition& definition,
-    const std::vector<double>& ids,
-    RowMask* hasValue);
-
 /// Reads result columns that stand at records: one statement gives the fixed columns and the ids of
 /// the records that have keys, then each key is read beside the rows.
 class RecordCells
@@ -60,7 +53,11 @@ public:
         std::size_t furtherIntegers = 0) const;
 
 private:
+    std::size_t add(RecordTable table, std::string_view column, ResultColumn::Kind kind);
+
     std::vector<ResultSource> sources_;
+    /// What each source reads: its column, or the id of the record that has the key.
+    std::vector<std::size_t> cells_;
     std::vector<SqlText> expressions_;
     std::vector<ResultColumn::Kind> kinds_;
 };

@@ -27,11 +27,11 @@ void keep_first(std::size_t count, ResultColumn* column)
 }
 
 template <typename T>
-void keep_marked(const std::vector<bool>& isKept, std::vector<T>* values)
+void keep_marked(const std::vector<std::uint8_t>& isKept, std::vector<T>* values)
 {
     std::size_t kept = 0;
     for (std::size_t row = 0; row < values->size(); ++row) {
-        if (!isKept[row]) {
+        if (isKept[row] == 0) {
             continue;
         }
         if (kept != row) {
@@ -70,7 +70,7 @@ void ResultColumn::reserve(std::size_t rows)
     with_values(*this, [rows](auto& values) { values.reserve(rows); });
 }
 
-void ResultColumn::keepRows(const std::vector<bool>& isKept)
+void ResultColumn::keepRows(const std::vector<std::uint8_t>& isKept)
 {
     with_values(*this, [&isKept](auto& values) { keep_marked(isKept, &values); });
 }

@@ -25,8 +25,8 @@ struct ResultColumn
     [[nodiscard]] std::string text(std::size_t row) const;
     /// Makes room for so many rows.
     void reserve(std::size_t rows);
-    /// Leaves the rows that are marked.
-    void keepRows(const std::vector<bool>& isKept);
+    /// Leaves the rows that are marked, with 1.
+    void keepRows(const std::vector<std::uint8_t>& isKept);
 };
 
 /// The rows of a query's result, column by column; all columns have the same length.
