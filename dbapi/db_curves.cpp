@@ -11,6 +11,7 @@
 #include "dbif/host_string.h"
 #include "dbif/id_list.h"
 #include "dbif/query_run.h"
+#include "dbif/record_query.h"
 #include "dbif/record_tables.h"
 #include "dbif/result_source.h"
 #include "dbif/transaction_guard.h"
@@ -88,21 +89,32 @@ std::unique_ptr<DBIF_QueryCondition> with_both_axes(const Asked& asked)
     return condition;
 }
 
+/// The statement that selects the setups that have the key and that the query, as far as it can be
+/// decided without points, selects.
+dbif::SqlText setups_with(const dbif::KeyDefinition& key, const KeywordQuery& asked)
+{
+    const DBIF_SingleColumnCondition present = DBIF_SetupColumn(key, asked.connection).notNull();
+    const DBIF_CompoundQueryCondition both(asked.condition, AND, &present);
+    return dbif::RecordQuery(
+               asked.connection, {dbif::RecordTable::Setup}, both.tree(false), asked.latestOnly)
+        .selectIds();
+}
+
 /// The inputs, beside the keywords themselves, of setups that have the keyword which is on points.
 std::vector<dbif::KeyDefinition> other_inputs(const Asked& asked)
 {
     std::set<int> taken;
-    int onPoints = 0;
+    const dbif::KeyDefinition* onPoints = nullptr;
     for (const dbif::ResultSource& source : asked.sources) {
         if (source.isOnPoints()) {
             taken.insert(source.key.id);
-            onPoints = source.key.id;
+            onPoints = &source.key;
         }
     }
-    dbif::SqlText sql = "SELECT DISTINCT setup_column_id FROM setup_association WHERE setup_id IN "
-                        "(SELECT setup_id FROM setup_association WHERE setup_column_id = ";
     DBIF_Connection& connection = asked.query.connection;
-    dbif::BulkCursor cursor(connection, sql << onPoints << ")");
+    dbif::SqlText sql =
+        "SELECT DISTINCT setup_column_id FROM setup_association WHERE setup_id IN (";
+    dbif::BulkCursor cursor(connection, sql << setups_with(*onPoints, asked.query) << ")");
     std::set<int> present;
     while (cursor.next()) {
         present.insert(cursor.integer(0));

@@ -1,145 +1,111 @@
 #include "dbif/driving_term.h"
 
-#include "dbif/bulk_cursor.h"
-#include "dbif/condition_sql.h"
-#include "dbif/id_list.h"
 #include "dbif/read_trace.h"
+#include "dbif/selectivity.h"
 #include "dbif/table_graph.h"
 
 #include <algorithm>
-#include <optional>
+#include <set>
 
 namespace dbif {
 namespace {
-/// A comparison of the conjunction that may drive.
-struct Candidate
-{
-    std::size_t operand;
-    RecordTable table;
-    /// The records that it selects, by id.
-    SqlText select;
-    std::size_t fanOut = 1;
-};
+using Kind = ConditionTree::Kind;
 
-/// Whether an index serves it, and it selects some records and not most of them.
-bool may_drive(const ColumnComparison& comparison)
+constexpr std::size_t kMostComparisons = 8;
+/// Each alternative of an OR costs a look before the query, and a SELECT in it.
+constexpr std::size_t kMostAlternatives = 20;
+constexpr std::size_t kGreatestDepth = 4;
+
+/// Whether the tree compares fixed columns of one table, and nothing else.
+bool compares_one_record(const ConditionTree& tree)
 {
-    if (comparison.isOnPoints() || comparison.idSelect.has_value() ||
-        comparison.comparator == IS_NULL || comparison.comparator == NOT_NULL ||
-        comparison.comparator == NOT_EQUAL || comparison.comparator == NOT_IN) {
-        return false;
-    }
-    if (comparison.isKey) {
-        return true;
-    }
-    const auto columns = facts(comparison.table).fixedColumns;
-    return std::any_of(columns.begin(), columns.end(), [&](const FixedColumnFacts& column) {
-        return column.name == comparison.column && column.indexed == Indexed::Yes;
+    std::set<RecordTable> tables;
+    bool hasKeys = false;
+    tree.forEachComparison([&](const ColumnComparison& comparison) {
+        tables.insert(comparison.table);
+        hasKeys = hasKeys || comparison.isKey;
     });
+    return tables.size() == 1 && !hasKeys;
 }
 
-/// Finds the comparison that drives.
-class Choice
+bool may_drive_united(const ConditionTree& tree)
 {
-public:
-    Choice(
-        const std::vector<ConditionTree>& operands,
-        RecordTable base,
-        DBIF_Connection& connection)
-        : base_(base), connection_(connection)
-    {
-        for (std::size_t i = 0; i < operands.size() && candidates_.size() < kMostCandidates; ++i) {
-            if (operands[i].kind() == ConditionTree::Kind::Comparison &&
-                may_drive(operands[i].comparison())) {
-                add(i, operands[i].comparison());
-            }
-        }
-    }
+    return tree.kind() == Kind::Or && tree.size() <= kMostAlternatives &&
+           tree.depth() <= kGreatestDepth && is_found_by_index(tree) && !compares_one_record(tree);
+}
 
-    /// The operand that drives.
-    [[nodiscard]] std::optional<std::size_t> operand()
-    {
-        if (candidates_.empty()) {
-            return std::nullopt;
-        }
-        if (candidates_.size() == 1) {
-            return candidates_.front().operand;
-        }
-        for (Candidate& candidate : candidates_) {
-            candidate.fanOut = fanOut(candidate.table);
-        }
-        for (std::size_t limit = kFirstLimit;; limit *= kLimitGrowth) {
-            const auto few = std::find_if(
-                candidates_.begin(), candidates_.end(), [&](const Candidate& candidate) {
-                    return !selectsMore(candidate, limit / candidate.fanOut);
-                });
-            if (few != candidates_.end()) {
-                return few->operand;
-            }
-        }
-    }
-
-private:
-    static constexpr std::size_t kMostCandidates = 8;
-    static constexpr std::size_t kFirstLimit = 1000;
-    static constexpr std::size_t kLimitGrowth = 4;
-
-    void add(std::size_t operand, const ColumnComparison& comparison)
-    {
-        Candidate candidate{operand, comparison.table, {}};
-        if (comparison.isKey) {
-            candidate.select = records_with_key("1", comparison, connection_);
-        } else {
-            candidate.select << "SELECT 1 FROM " << SqlName(facts(comparison.table).name)
-                             << " WHERE "
-                             << criteria(ConditionTree::comparison(comparison), connection_);
-        }
-        candidates_.push_back(std::move(candidate));
-    }
-
-    /// How many records of the base stand below one of the table, on average.
-    std::size_t fanOut(RecordTable table)
-    {
-        if (table == base_ || !with_ancestors(base_).has(table)) {
-            return 1;
-        }
-        const std::size_t above = std::max<std::size_t>(1, highest_id(connection_, table));
-        return std::max<std::size_t>(1, highest_id(connection_, base_) / above);
-    }
-
-    bool selectsMore(const Candidate& candidate, std::size_t limit)
-    {
-        SqlText sql = candidate.select;
-        sql << " LIMIT 1 OFFSET " << static_cast<long long>(limit);
-        return BulkCursor(connection_, sql).next();
-    }
-
-    RecordTable base_;
-    DBIF_Connection& connection_;
-    std::vector<Candidate> candidates_;
-};
-} // namespace
-
-ConditionTree
-with_driving_term(const ConditionTree& condition, RecordTable base, DBIF_Connection& connection)
+/// The places of the operands that may drive.
+std::vector<std::size_t> find_candidates(
+    const std::vector<ConditionTree>& operands,
+    RecordTable base,
+    bool isWeighed,
+    Selectivity* selectivity)
 {
-    if (condition.kind() != ConditionTree::Kind::And || connection.dialect().weighsSubSelects()) {
-        return condition;
+    std::vector<std::size_t> candidates;
+    for (std::size_t i = 0; i < operands.size() && candidates.size() < kMostComparisons; ++i) {
+        if (operands[i].kind() == Kind::Comparison && may_drive(operands[i].comparison())) {
+            candidates.push_back(i);
+        }
     }
-    const TraceStep step(connection.trace(), "find the most selective term");
-    std::vector<ConditionTree> operands = condition.operands();
-    const std::optional<std::size_t> driver = Choice(operands, base, connection).operand();
-    if (!driver.has_value()) {
-        return condition;
+    if (isWeighed && !candidates.empty()) {
+        return {};
     }
-    const auto lookUp = [](const ConditionTree& comparison) {
+    // What AND joins has to hold for the same records below the base.
+    const TableSet above = with_ancestors(base);
+    const auto canStandAlone = [&](const ConditionTree& operand) {
+        return operands.size() == 1 || !operand.any([&above](const ColumnComparison& comparison) {
+            return !above.has(comparison.table);
+        });
+    };
+    for (std::size_t i = 0; i < operands.size(); ++i) {
+        if (may_drive_united(operands[i]) && canStandAlone(operands[i]) &&
+            selectivity->selectsFew(operands[i])) {
+            candidates.push_back(i);
+        }
+    }
+    return candidates;
+}
+
+ConditionTree looked_up(const ConditionTree& tree)
+{
+    return tree.mapped([](const ConditionTree& comparison) {
         ColumnComparison lookedUp = comparison.comparison();
         lookedUp.isLookedUp = true;
         return ConditionTree::comparison(std::move(lookedUp));
-    };
-    for (std::size_t i = 0; i < operands.size(); ++i) {
-        operands[i] = i == *driver ? operands[i] : operands[i].mapped(lookUp);
+    });
+}
+} // namespace
+
+ConditionTree with_driving_term(
+    const ConditionTree& condition,
+    RecordTable base,
+    DBIF_Connection& connection,
+    const Unite& unite)
+{
+    if (condition.kind() != Kind::And && condition.kind() != Kind::Or) {
+        return condition;
     }
-    return ConditionTree::joined(ConditionTree::Kind::And, operands);
+    const TraceStep step(connection.trace(), "find the most selective term");
+    const bool isWeighed = connection.dialect().weighsSubSelects();
+    std::vector<ConditionTree> operands{condition};
+    if (condition.kind() == Kind::And) {
+        operands = condition.operands();
+    }
+    Selectivity selectivity(base, connection);
+    const std::vector<std::size_t> candidates =
+        find_candidates(operands, base, isWeighed, &selectivity);
+    if (candidates.empty()) {
+        return condition;
+    }
+    const std::size_t driver = selectivity.fewest(operands, candidates);
+    for (std::size_t i = 0; i < operands.size(); ++i) {
+        if (i == driver) {
+            operands[i] =
+                operands[i].kind() == Kind::Or ? unite(operands[i].operands()) : operands[i];
+        } else if (!isWeighed) {
+            operands[i] = looked_up(operands[i]);
+        }
+    }
+    return ConditionTree::joined(Kind::And, operands);
 }
 } // namespace dbif

@@ -72,8 +72,12 @@ RecordQuery::RecordQuery(
       results_(results),
       latestOnly_(latestOnly),
       base_(meeting_table(results)),
-      condition_(with_driving_term(simplified(condition, base_), base_, connection_)),
-      aboveBase_(with_ancestors(base_))
+      aboveBase_(with_ancestors(base_)),
+      condition_(with_driving_term(
+          simplified(condition, base_),
+          base_,
+          connection_,
+          [this](const std::vector<ConditionTree>& alternatives) { return united(alternatives); }))
 {}
 
 namespace {
@@ -111,6 +115,24 @@ bool picks_by_key(const ColumnComparison& comparison, RecordTable table)
            !comparison.isLookedUp && comparison.comparator != IS_NULL;
 }
 } // namespace
+
+/// The alternatives as one set of ids of the base.
+ConditionTree RecordQuery::united(const std::vector<ConditionTree>& alternatives) const
+{
+    SqlText parts;
+    for (const ConditionTree& alternative : alternatives) {
+        // That the record itself is the latest is decided outside.
+        const bool looksBelow = !tables_of(alternative).isWithin(aboveBase_);
+        const RecordQuery records(connection_, {base_}, alternative, latestOnly_ && looksBelow);
+        parts << (parts.isEmpty() ? SqlText() : SqlText("\nUNION\n")) << records.selectIds();
+    }
+    ColumnComparison comparison;
+    comparison.table = base_;
+    comparison.column = "id";
+    SqlText select;
+    comparison.idSelect = select << "SELECT id FROM (" << parts << ") AS united";
+    return ConditionTree::comparison(std::move(comparison));
+}
 
 RecordQuery::Split RecordQuery::split(const ConditionTree& condition) const
 {

@@ -42,6 +42,7 @@ private:
         ConditionTree below;
     };
 
+    [[nodiscard]] ConditionTree united(const std::vector<ConditionTree>& alternatives) const;
     [[nodiscard]] Split split(const ConditionTree& condition) const;
     [[nodiscard]] SqlText where(const Split& parts) const;
     [[nodiscard]] SqlText belowCriteria(const ConditionTree& below) const;
@@ -54,7 +55,7 @@ private:
     TableSet results_;
     bool latestOnly_;
     RecordTable base_;
-    ConditionTree condition_;
     TableSet aboveBase_;
+    ConditionTree condition_;
 };
 } // namespace dbif

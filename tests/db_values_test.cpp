@@ -63,6 +63,9 @@ TEST_P(DbValues, AnswerEveryKindOfQuery)
         {{"$DEVNAME"}, "NOT KEY(W)=5u", "lonely;n2;"},
         {{"$DEVNAME"}, "{$DEVNAME=lonely} OR {$TEMP=25}", "lonely;n1;n2;"},
         {{"$DEVNAME"}, "{$LOT=A} AND {$TEMP=125} OR {$DEVNAME=n2}", "n1;n2;"},
+        // Of one measurement, not of two of the same device.
+        {{"$DEVNAME"}, "{KEY(vth,measurement)=0.4} OR {$SETNAME=x}", "n1;"},
+        {{"$DEVNAME"}, "{{KEY(vth,measurement)=0.4} OR {$SETNAME=x}} AND $TEMP!=25", ""},
         {{"$DEVNAME"}, "process='it's; \"x\"'", "failed: "},
         {{"$DEVNAME"}, "process=back\\slash", "d3;"},
         {{"$DEVNAME"}, "$DEVNAME>n", "n1;n2;"},
