@@ -140,7 +140,11 @@ public:
     /// `level`: how many of the keys have been sorted by.
     void sort(std::span<Row> rows, std::size_t level) const
     {
-        if (level == keys_.size() || rows.size() < 2) {
+        if (level == keys_.size()) {
+            // The radix sort mixes equal rows.
+            if (!std::is_sorted(rows.begin(), rows.end())) {
+                std::sort(rows.begin(), rows.end());
+            }
             return;
         }
         std::vector<RankedRow> ranked = ranks(rows, level);
