@@ -152,12 +152,15 @@ ResultColumn read_key_values(
     const SqlText value = value_column(definition);
     SqlText sql;
     sql << "SELECT " << value << " FROM " << SqlName(f.dataTable()) << " WHERE "
-        << SqlName(f.columnLink()) << " = " << definition.id << " AND " << value << " IS NOT NULL";
+        << SqlName(f.columnLink()) << " = " << definition.id;
     if (!idSelect.isEmpty()) {
-        sql << " AND " << SqlName(f.linkColumn()) << " IN (" << idSelect << ")";
+        // The sign keeps the planner on the records: without statistics SQLite would rather pass
+        // over all that have a value of the key.
+        sql << " AND +" << value << " IS NOT NULL AND " << SqlName(f.linkColumn()) << " IN ("
+            << idSelect << ")";
     } else {
         // An index has them in this order.
-        sql << " ORDER BY " << value;
+        sql << " AND " << value << " IS NOT NULL ORDER BY " << value;
     }
     ResultColumn column = empty_column(key_column_kind(definition), 0);
     BulkCursor cursor(connection, sql);
