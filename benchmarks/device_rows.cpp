@@ -145,7 +145,7 @@ std::vector<Comparison> device_rows(const DataStore& store, std::size_t devices,
     return {
         timed<Values>(
             row("device_key", "one device key of all devices, sorted, as text", {1.1, 1.2}), 1,
-            [=](Values* values) { *values = {database->values("VTH")}; },
+            [=](Values* values) { values->push_back(database->values("VTH")); },
             [=](Values* values) { *values = database->peer().texts(kKeyOfAll); }),
         timed<Values>(
             row("four_device_keys", "four device keys side by side, sorted", {0.6, 1.2}), 1,
@@ -158,8 +158,8 @@ std::vector<Comparison> device_rows(const DataStore& store, std::size_t devices,
             DevicePopulation(devices).batches()),
         timed<Ids>(
             row("ids_by_three_terms", "ids by three terms on two tables, about 1 %", {1.2, 1.2}), 1,
-            [=](Ids* ids) { *ids = {database->deviceIds("W=5u;L=[0.08u,0.5u];$TEMP=25")}; },
-            [=](Ids* ids) { *ids = {database->peer().ids(kIdsByThreeTerms)}; }),
+            [=](Ids* ids) { ids->push_back(database->deviceIds("W=5u;L=[0.08u,0.5u];$TEMP=25")); },
+            [=](Ids* ids) { ids->push_back(database->peer().ids(kIdsByThreeTerms)); }),
         cached_value(
             row("cached_value", "the same call again (cached), one value", {2, 2}), database,
             devices),

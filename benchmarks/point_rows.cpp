@@ -18,7 +18,7 @@ Comparison read_row(
         std::move(row), 1,
         [=](Values* values) {
             if (keywords.size() == 1) {
-                *values = {database->values(keywords.front(), query)};
+                values->push_back(database->values(keywords.front(), query));
             } else {
                 *values = database->values(keywords, query);
             }
