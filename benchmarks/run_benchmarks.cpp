@@ -24,7 +24,7 @@ the environment variable DBAPI_BENCHMARK_DATA names, else in the build tree) and
   --engine=sqlite  on SQLite files
   --engine=mysql   on a MariaDB server, which is started for the run
   --size=small     1e4 and 1e5 devices, 1e6 points
-  --size=full      1e4, 1e5 and 1e6 devices, 1e7 points (5 GB of files, 10 GB on a server)
+  --size=full      1e4, 1e5 and 1e6 devices, 1e7 points (5 GB of files, 7 GB on a server)
   --time=cpu       count processor time, on a machine that has other work; not that of a server
 )";
 
