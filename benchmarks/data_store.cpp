@@ -18,7 +18,7 @@ template <typename Population>
 DatabasePair
 made_pair(DatabaseEngine& engine, const std::string& stem, const Population& population)
 {
-    const DatabasePair pair{stem + ".library", stem + ".peer"};
+    DatabasePair pair{stem + ".library", stem + ".peer"};
     engine.makeIfMissing(pair.library, [&](const DBIF_Connection& connection) {
         fill_library_database(connection, population);
     });
@@ -53,7 +53,7 @@ DatabasePair DataStore::sweeps(std::size_t points) const
 
 std::string DataStore::sweepFiles(std::size_t points) const
 {
-    const std::string path = file("points" + std::to_string(points) + ".csv");
+    std::string path = file("points" + std::to_string(points) + ".csv");
     if (!fs::exists(path)) {
         // What bears the right name is complete.
         const std::string unfinished = path + ".unfinished";

@@ -13,11 +13,11 @@ namespace bench {
 /// like "points1000000.peer", and how they are opened.
 class DatabaseEngine
 {
+    Q_DISABLE_COPY_MOVE(DatabaseEngine)
+
 public:
     DatabaseEngine() = default;
     virtual ~DatabaseEngine() = default;
-    DatabaseEngine(const DatabaseEngine&) = delete;
-    DatabaseEngine& operator=(const DatabaseEngine&) = delete;
 
     /// With the version, for people.
     [[nodiscard]] virtual std::string description() = 0;

@@ -2,6 +2,8 @@
 
 #include "benchmarks/comparison.h"
 
+#include <QtGlobal>
+
 #include <array>
 #include <charconv>
 #include <set>
@@ -17,11 +19,11 @@ using PeerValue = std::variant<std::monostate, long long, std::string>;
 /// database error.
 class PeerDatabase
 {
+    Q_DISABLE_COPY_MOVE(PeerDatabase)
+
 public:
     PeerDatabase() = default;
     virtual ~PeerDatabase() = default;
-    PeerDatabase(const PeerDatabase&) = delete;
-    PeerDatabase& operator=(const PeerDatabase&) = delete;
 
     /// All rows, column by column, as text: a number as `std::to_chars` writes the double, nothing
     /// for NULL.

@@ -3,6 +3,8 @@
 #include "benchmarks/point_rows.h"
 #include "benchmarks/resource_rows.h"
 
+#include <QtGlobal>
+
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -39,6 +41,28 @@ struct Options
     bool isWrong = false;
 };
 
+/// Takes one "--name=value"; false when there is no such flag.
+bool take_flag(const std::string& flag, Options* options)
+{
+    const std::size_t equals = std::min(flag.find('='), flag.size() - 1);
+    const std::string name = flag.substr(0, equals + 1);
+    const std::string value = flag.substr(equals + 1);
+    if (flag == "--engine=sqlite" || flag == "--engine=mysql") {
+        options->engine = value == "mysql" ? bench::EngineKind::MySql : bench::EngineKind::Sqlite;
+    } else if (flag == "--size=small" || flag == "--size=full") {
+        options->isFull = value == "full";
+    } else if (flag == "--time=wall" || flag == "--time=cpu") {
+        options->isProcessorTime = value == "cpu";
+    } else if (name == "--data=" && !value.empty()) {
+        options->data = value;
+    } else if (name == "--peak-memory=") {
+        options->peakMemory = value;
+    } else {
+        return false;
+    }
+    return true;
+}
+
 Options options_of(int argc, char** argv)
 {
     Options options;
@@ -46,28 +70,11 @@ Options options_of(int argc, char** argv)
         options.data = folder;
     }
     for (int i = 1; i < argc; ++i) {
-        const std::string argument = argv[i];
-        const std::size_t equals = std::min(argument.find('='), argument.size() - 1);
-        const std::string name = argument.substr(0, equals + 1);
-        const std::string value = argument.substr(equals + 1);
-        if (argument == "--engine=sqlite" || argument == "--engine=mysql") {
-            options.engine =
-                value == "mysql" ? bench::EngineKind::MySql : bench::EngineKind::Sqlite;
-        } else if (argument == "--size=small" || argument == "--size=full") {
-            options.isFull = value == "full";
-        } else if (argument == "--time=wall" || argument == "--time=cpu") {
-            options.isProcessorTime = value == "cpu";
-        } else if (name == "--data=" && !value.empty()) {
-            options.data = value;
-        } else if (name == "--peak-memory=") {
-            options.peakMemory = value;
-        } else {
-            options.isWrong = true;
-        }
+        options.isWrong = !take_flag(argv[i], &options) || options.isWrong;
     }
     // The processor time of a server is not that of this process.
-    options.isWrong =
-        options.isWrong || (options.isProcessorTime && options.engine == bench::EngineKind::MySql);
+    const bool isServer = options.engine == bench::EngineKind::MySql;
+    options.isWrong = options.isWrong || (options.isProcessorTime && isServer);
     return options;
 }
 
@@ -97,6 +104,8 @@ void print_machine(const std::string& engine, bool isProcessorTime)
 /// A folder of our own for the stored connections, so that nobody's are touched.
 class ConnectionsFolder
 {
+    Q_DISABLE_COPY_MOVE(ConnectionsFolder)
+
 public:
     ConnectionsFolder()
     {
@@ -112,9 +121,6 @@ public:
         std::error_code ignored;
         std::filesystem::remove_all(path_, ignored);
     }
-
-    ConnectionsFolder(const ConnectionsFolder&) = delete;
-    ConnectionsFolder& operator=(const ConnectionsFolder&) = delete;
 
 private:
     std::string path_;

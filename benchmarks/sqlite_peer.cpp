@@ -1,5 +1,7 @@
 #include "benchmarks/sqlite_peer.h"
 
+#include <QtGlobal>
+
 #include <sqlite3.h>
 #include <stdexcept>
 
@@ -13,6 +15,8 @@ namespace {
 /// Columns count from 0.
 class Statement
 {
+    Q_DISABLE_COPY_MOVE(Statement)
+
 public:
     Statement(sqlite3* handle, const std::string& sql, const PeerValue& value) : handle_(handle)
     {
@@ -30,9 +34,6 @@ public:
     }
 
     ~Statement() { sqlite3_finalize(statement_); }
-
-    Statement(const Statement&) = delete;
-    Statement& operator=(const Statement&) = delete;
 
     bool step()
     {
@@ -69,6 +70,8 @@ private:
 
 class SqlitePeer final : public PeerDatabase
 {
+    Q_DISABLE_COPY_MOVE(SqlitePeer)
+
 public:
     explicit SqlitePeer(const std::string& path)
     {
@@ -78,9 +81,6 @@ public:
     }
 
     ~SqlitePeer() override { sqlite3_close(handle_); }
-
-    SqlitePeer(const SqlitePeer&) = delete;
-    SqlitePeer& operator=(const SqlitePeer&) = delete;
 
     Values texts(const std::string& sql, const PeerValue& value) override
     {
