@@ -14,34 +14,18 @@ namespace fs = std::filesystem;
 /// Counts up when the populations or the peer's schema change, so that no old data is used.
 constexpr const char* kDataVersion = "1";
 
-/// Lets `make` write a file (or folder) of another name, which then takes the right one: so what
-/// bears the right name is complete.
-template <typename Make>
-std::string made(const std::string& path, const Make& make)
-{
-    if (fs::exists(path)) {
-        return path;
-    }
-    std::cerr << "making " << path << '\n';
-    const std::string unfinished = path + ".unfinished";
-    for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
-        fs::remove_all(unfinished + suffix);
-    }
-    make(unfinished);
-    fs::rename(unfinished, path);
-    return path;
-}
-
 template <typename Population>
-DatabasePair made_pair(const std::string& stem, const Population& population)
+DatabasePair
+made_pair(DatabaseEngine& engine, const std::string& stem, const Population& population)
 {
-    return {
-        made(
-            stem + ".library.db",
-            [&](const std::string& path) { fill_library_database(path, population); }),
-        made(stem + ".peer.db", [&](const std::string& path) {
-            fill_peer_database(path, population);
-        })};
+    DatabasePair pair{stem + ".library", stem + ".peer"};
+    engine.makeIfMissing(pair.library, [&](const DBIF_Connection& connection) {
+        fill_library_database(connection, population);
+    });
+    engine.makeIfMissing(pair.peer, [&](const DBIF_Connection& connection) {
+        fill_peer_database(connection, population);
+    });
+    return pair;
 }
 
 SweepPopulation sweep_population(std::size_t points)
@@ -50,26 +34,34 @@ SweepPopulation sweep_population(std::size_t points)
 }
 } // namespace
 
-DataStore::DataStore(std::string folder) : folder_(std::move(folder))
+DataStore::DataStore(const std::string& folder, EngineKind kind)
+    : folder_(folder + "/version" + kDataVersion)
 {
-    folder_ += std::string("/version") + kDataVersion;
     fs::create_directories(folder_);
+    engine_ = kind == EngineKind::Sqlite ? sqlite_engine(folder_) : mariadb_engine(file("mariadb"));
 }
 
 DatabasePair DataStore::devices(std::size_t count) const
 {
-    return made_pair(file("devices" + std::to_string(count)), DevicePopulation(count));
+    return made_pair(*engine_, "devices" + std::to_string(count), DevicePopulation(count));
 }
 
 DatabasePair DataStore::sweeps(std::size_t points) const
 {
-    return made_pair(file("points" + std::to_string(points)), sweep_population(points));
+    return made_pair(*engine_, "points" + std::to_string(points), sweep_population(points));
 }
 
 std::string DataStore::sweepFiles(std::size_t points) const
 {
-    return made(file("points" + std::to_string(points) + ".csv"), [&](const std::string& path) {
-        write_sweep_files(path, sweep_population(points));
-    });
+    std::string path = file("points" + std::to_string(points) + ".csv");
+    if (!fs::exists(path)) {
+        // What bears the right name is complete.
+        const std::string unfinished = path + ".unfinished";
+        std::cerr << "making " << path << '\n';
+        fs::remove_all(unfinished);
+        write_sweep_files(unfinished, sweep_population(points));
+        fs::rename(unfinished, path);
+    }
+    return path;
 }
 } // namespace bench

@@ -4,13 +4,6 @@
 
 namespace bench {
 namespace {
-DBIF_Connection create(const std::string& path)
-{
-    DBIF_Connection connection("QSQLITE", "", path.c_str(), "", "", 0);
-    connection.initializeSchemaIfMissing();
-    return connection;
-}
-
 dbif::FixedTexts columns_of(const DieData& die)
 {
     return {{"lot", die.lot}, {"wafer", die.wafer}, {"die", die.die}};
@@ -54,9 +47,10 @@ std::vector<dbif::SetupColumn> columns_of(SweepData& sweep)
 }
 } // namespace
 
-void fill_library_database(const std::string& path, const DevicePopulation& population)
+void fill_library_database(DBIF_Connection connection, const DevicePopulation& population)
 {
-    dbif::RecordWriter writer(create(path));
+    connection.initializeSchemaIfMissing();
+    dbif::RecordWriter writer(connection);
     dbif::MeasurementRecord measurement;
     measurement.catalogEntry = writer.addCatalogEntry({{"application", "benchmarks"}});
     measurement.routine = writer.findOrAddRoutine({{"name", "dc"}});
@@ -74,9 +68,10 @@ void fill_library_database(const std::string& path, const DevicePopulation& popu
     writer.commit();
 }
 
-void fill_library_database(const std::string& path, const SweepPopulation& population)
+void fill_library_database(DBIF_Connection connection, const SweepPopulation& population)
 {
-    dbif::RecordWriter writer(create(path));
+    connection.initializeSchemaIfMissing();
+    dbif::RecordWriter writer(connection);
     dbif::MeasurementRecord measurement;
     measurement.catalogEntry = writer.addCatalogEntry({{"application", "benchmarks"}});
     std::vector<int> devices;

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "dbif/connection.h"
+
 #include "benchmarks/device_population.h"
 #include "benchmarks/sweep_population.h"
 
-#include <string>
-
 namespace bench {
-/// Creates the SQLite file `path` through the library's writer, in one transaction.
-void fill_library_database(const std::string& path, const DevicePopulation& population);
-void fill_library_database(const std::string& path, const SweepPopulation& population);
+/// Fills an empty database through the library's writer, in one transaction.
+void fill_library_database(DBIF_Connection connection, const DevicePopulation& population);
+void fill_library_database(DBIF_Connection connection, const SweepPopulation& population);
 } // namespace bench

@@ -1,62 +1,68 @@
 #pragma once
 
-#include <string>
-#include <string_view>
+#include "benchmarks/comparison.h"
 
-struct sqlite3;
-struct sqlite3_stmt;
+#include <QtGlobal>
+
+#include <array>
+#include <charconv>
+#include <set>
+#include <string>
+#include <variant>
 
 namespace bench {
-class PeerDatabase;
+/// The value of a statement's only parameter, if it has one.
+using PeerValue = std::variant<std::monostate, long long, std::string>;
 
-/// A statement of the database's C client. Parameters count from 1, columns from 0. Members throw
-/// `std::runtime_error` on a database error.
-class PeerStatement
-{
-public:
-    PeerStatement(PeerDatabase& database, std::string_view sql);
-    ~PeerStatement();
-    PeerStatement(const PeerStatement&) = delete;
-    PeerStatement& operator=(const PeerStatement&) = delete;
-
-    PeerStatement& bind(int parameter, long long value);
-    PeerStatement& bind(int parameter, double value);
-    /// The text has to live until the statement has run.
-    PeerStatement& bind(int parameter, std::string_view value);
-    PeerStatement& bindNull(int parameter);
-
-    bool step();
-    /// Runs the statement to its end and makes it ready for other values.
-    void run();
-
-    [[nodiscard]] int columns() const;
-    [[nodiscard]] int integer(int column) const;
-    /// The cell as text: a number as `std::to_chars` writes the double, nothing for NULL.
-    [[nodiscard]] std::string text(int column) const;
-
-private:
-    PeerDatabase& database_;
-    sqlite3_stmt* statement_ = nullptr;
-};
-
-/// An SQLite file read and written without the library, as a program of its own would do it. The
-/// settings of the connection are SQLite's own, as they are for the library's connections.
+/// A database read without the library, as a program of its own would do it: through the database's
+/// C client. Each call prepares its statement anew. Members throw `std::runtime_error` on a
+/// database error.
 class PeerDatabase
 {
+    Q_DISABLE_COPY_MOVE(PeerDatabase)
+
 public:
-    /// Creates the file when it is missing.
-    explicit PeerDatabase(const std::string& path);
-    ~PeerDatabase();
-    PeerDatabase(const PeerDatabase&) = delete;
-    PeerDatabase& operator=(const PeerDatabase&) = delete;
+    PeerDatabase() = default;
+    virtual ~PeerDatabase() = default;
 
-    void execute(const std::string& sql);
+    /// All rows, column by column, as text: a number as `std::to_chars` writes the double, nothing
+    /// for NULL.
+    virtual Values texts(const std::string& sql, const PeerValue& value = {}) = 0;
+    /// All rows of a statement that yields ids.
+    virtual std::set<int> ids(const std::string& sql, const PeerValue& value = {}) = 0;
 
-    [[noreturn]] void fail(const std::string& sql) const;
-
-    [[nodiscard]] sqlite3* handle() const { return handle_; }
-
-private:
-    sqlite3* handle_ = nullptr;
+    /// Asks for the newest modification time.
+    void readNewestTime();
 };
+
+inline std::string number_text(double number)
+{
+    std::array<char, 32> digits{};
+    const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), number);
+    return {digits.data(), end};
+}
+
+/// What the databases share, for a statement of either client.
+template <typename Statement>
+Values texts_of(Statement& statement)
+{
+    const int columns = statement.columns();
+    Values values(static_cast<std::size_t>(columns));
+    while (statement.step()) {
+        for (int column = 0; column < columns; ++column) {
+            values[static_cast<std::size_t>(column)].push_back(statement.text(column));
+        }
+    }
+    return values;
+}
+
+template <typename Statement>
+std::set<int> ids_of(Statement& statement)
+{
+    std::set<int> ids;
+    while (statement.step()) {
+        ids.insert(ids.end(), statement.integer(0));
+    }
+    return ids;
+}
 } // namespace bench

@@ -1,113 +1,150 @@
 #include "benchmarks/peer_filling.h"
 
-#include "benchmarks/peer_database.h"
-
 #include <map>
 
 namespace bench {
 namespace {
 constexpr std::string_view kTime = "2026-01-31T12:34:56.789";
 
-constexpr const char* kTables = R"(
-CREATE TABLE catalog_entry (id INTEGER PRIMARY KEY, application TEXT, modified_time TEXT);
-CREATE TABLE routine (id INTEGER PRIMARY KEY, name TEXT, modified_time TEXT);
-CREATE TABLE die (id INTEGER PRIMARY KEY, lot TEXT, wafer TEXT, die TEXT, modified_time TEXT);
-CREATE TABLE device (id INTEGER PRIMARY KEY, die_id INTEGER REFERENCES die, name TEXT,
-    device_type TEXT, parent_subsite_name TEXT, position_within_subsite TEXT, modified_time TEXT);
-CREATE TABLE device_key (id INTEGER PRIMARY KEY, name TEXT UNIQUE, category TEXT);
-CREATE TABLE device_value (device_id INTEGER REFERENCES device, key_id INTEGER REFERENCES device_key,
-    number REAL, text TEXT, PRIMARY KEY (device_id, key_id)) WITHOUT ROWID;
-CREATE TABLE measurement (id INTEGER PRIMARY KEY, device_id INTEGER REFERENCES device,
-    routine_id INTEGER REFERENCES routine, catalog_entry_id INTEGER REFERENCES catalog_entry,
-    temperature REAL, modified_time TEXT);
-CREATE TABLE measurement_condition (id INTEGER PRIMARY KEY,
-    measurement_id INTEGER REFERENCES measurement, name TEXT, modified_time TEXT);
-CREATE TABLE setup (id INTEGER PRIMARY KEY,
-    measurement_condition_id INTEGER REFERENCES measurement_condition, name TEXT, modified_time TEXT);
-CREATE TABLE point (id INTEGER PRIMARY KEY, setup_id INTEGER REFERENCES setup,
-    vg REAL, vd REAL, vb REAL, i_d REAL, i_g REAL, i_b REAL);
-)";
-
-constexpr const char* kIndexes = R"(
-CREATE INDEX catalog_entry_by_time ON catalog_entry (modified_time);
-CREATE INDEX routine_by_time ON routine (modified_time);
-CREATE INDEX die_by_time ON die (modified_time);
-CREATE INDEX die_by_lot ON die (lot);
-CREATE INDEX device_by_time ON device (modified_time);
-CREATE INDEX device_by_die ON device (die_id);
-CREATE INDEX device_by_name ON device (name);
-CREATE INDEX device_value_by_number ON device_value (key_id, number);
-CREATE INDEX device_value_by_text ON device_value (key_id, text);
-CREATE INDEX measurement_by_time ON measurement (modified_time);
-CREATE INDEX measurement_by_device ON measurement (device_id);
-CREATE INDEX measurement_by_temperature ON measurement (temperature);
-CREATE INDEX measurement_condition_by_time ON measurement_condition (modified_time);
-CREATE INDEX measurement_condition_by_measurement ON measurement_condition (measurement_id);
-CREATE INDEX setup_by_time ON setup (modified_time);
-CREATE INDEX setup_by_condition ON setup (measurement_condition_id);
-CREATE INDEX setup_by_name ON setup (name);
-CREATE INDEX point_by_setup ON point (setup_id);
-ANALYZE;
-)";
-
-void begin(PeerDatabase& database)
+struct PeerTable
 {
-    // Speed of filling is not measured, and a file that was not completed is thrown away.
-    database.execute("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; BEGIN");
-    database.execute(kTables);
-    PeerStatement(database, "INSERT INTO catalog_entry VALUES (1, 'benchmarks', ?)")
-        .bind(1, kTime)
-        .run();
+    const char* name;
+    std::vector<const char*> columns;
+    const char* definition;
+    /// Whether its rows stand in the order of its primary key of several columns.
+    bool isClustered = false;
+};
+
+enum TablePlace : std::size_t {
+    Catalog,
+    Routine,
+    Die,
+    Device,
+    Key,
+    Value,
+    Measurement,
+    Condition,
+    Setup,
+    Point
+};
+
+/// Those that others refer to first; by `TablePlace`.
+const std::vector<PeerTable>& tables()
+{
+    static const std::vector<PeerTable> all{
+        {"catalog_entry",
+         {"id", "application", "modified_time"},
+         "id INTEGER PRIMARY KEY, application VARCHAR(64), modified_time CHAR(23)"},
+        {"routine",
+         {"id", "name", "modified_time"},
+         "id INTEGER PRIMARY KEY, name VARCHAR(64), modified_time CHAR(23)"},
+        {"die",
+         {"id", "lot", "wafer", "die", "modified_time"},
+         "id INTEGER PRIMARY KEY, lot VARCHAR(64), wafer VARCHAR(64), die VARCHAR(64), "
+         "modified_time CHAR(23)"},
+        {"device",
+         {"id", "die_id", "name", "device_type", "parent_subsite_name", "position_within_subsite",
+          "modified_time"},
+         "id INTEGER PRIMARY KEY, die_id INTEGER REFERENCES die (id), name VARCHAR(64), "
+         "device_type VARCHAR(64), parent_subsite_name VARCHAR(64), "
+         "position_within_subsite VARCHAR(64), modified_time CHAR(23)"},
+        {"device_key",
+         {"id", "name", "category"},
+         "id INTEGER PRIMARY KEY, name VARCHAR(64) UNIQUE, category VARCHAR(64)"},
+        {"device_value",
+         {"device_id", "key_id", "number", "text"},
+         "device_id INTEGER REFERENCES device (id), key_id INTEGER REFERENCES device_key (id), "
+         "number REAL, text VARCHAR(64), PRIMARY KEY (device_id, key_id)",
+         true},
+        {"measurement",
+         {"id", "device_id", "routine_id", "catalog_entry_id", "temperature", "modified_time"},
+         "id INTEGER PRIMARY KEY, device_id INTEGER REFERENCES device (id), "
+         "routine_id INTEGER REFERENCES routine (id), "
+         "catalog_entry_id INTEGER REFERENCES catalog_entry (id), temperature REAL, "
+         "modified_time CHAR(23)"},
+        {"measurement_condition",
+         {"id", "measurement_id", "name", "modified_time"},
+         "id INTEGER PRIMARY KEY, measurement_id INTEGER REFERENCES measurement (id), "
+         "name VARCHAR(64), modified_time CHAR(23)"},
+        {"setup",
+         {"id", "measurement_condition_id", "name", "modified_time"},
+         "id INTEGER PRIMARY KEY, "
+         "measurement_condition_id INTEGER REFERENCES measurement_condition (id), "
+         "name VARCHAR(64), modified_time CHAR(23)"},
+        {"point",
+         {"id", "setup_id", "vg", "vd", "vb", "i_d", "i_g", "i_b"},
+         "id INTEGER PRIMARY KEY, setup_id INTEGER REFERENCES setup (id), "
+         "vg REAL, vd REAL, vb REAL, i_d REAL, i_g REAL, i_b REAL"}};
+    return all;
 }
 
-void finish(PeerDatabase& database)
+constexpr std::array kIndexes{
+    "catalog_entry_by_time ON catalog_entry (modified_time)",
+    "routine_by_time ON routine (modified_time)",
+    "die_by_time ON die (modified_time)",
+    "die_by_lot ON die (lot)",
+    "device_by_time ON device (modified_time)",
+    "device_by_die ON device (die_id)",
+    "device_by_name ON device (name)",
+    "device_value_by_number ON device_value (key_id, number)",
+    "device_value_by_text ON device_value (key_id, text)",
+    "measurement_by_time ON measurement (modified_time)",
+    "measurement_by_device ON measurement (device_id)",
+    "measurement_by_temperature ON measurement (temperature)",
+    "measurement_condition_by_time ON measurement_condition (modified_time)",
+    "measurement_condition_by_measurement ON measurement_condition (measurement_id)",
+    "setup_by_time ON setup (modified_time)",
+    "setup_by_condition ON setup (measurement_condition_id)",
+    "setup_by_name ON setup (name)",
+    "point_by_setup ON point (setup_id)"};
+
+void run(DBIF_Connection& connection, const std::string& sql)
 {
-    database.execute(kIndexes);
-    database.execute("COMMIT; PRAGMA journal_mode = DELETE");
+    connection.query(QString::fromStdString(sql), 0, __FILE__, __LINE__);
 }
 
-/// Inserts records, numbered from 1, with the statements prepared once. The tables have to be
-/// there.
+/// Fills the tables, which are empty. Records are numbered from 1.
 class PeerFiller
 {
 public:
-    explicit PeerFiller(PeerDatabase& database) : database_(database) {}
+    /// Rows are handed on as the library writes its own: how fast is not measured.
+    explicit PeerFiller(DBIF_Connection& connection)
+    {
+        for (const PeerTable& table : tables()) {
+            const std::vector<dbif::SqlName> columns(table.columns.begin(), table.columns.end());
+            tables_.push_back(
+                {connection.session().inserter(dbif::SqlName(table.name), columns), 0});
+        }
+        row(Catalog).text("benchmarks").text(kTime).endRow();
+    }
 
     int routine(const std::string& name)
     {
         const auto [found, isNew] =
             routines_.try_emplace(name, static_cast<int>(routines_.size()) + 1);
         if (isNew) {
-            PeerStatement(database_, "INSERT INTO routine VALUES (?, ?, ?)")
-                .bind(1, static_cast<long long>(found->second))
-                .bind(2, name)
-                .bind(3, kTime)
-                .run();
+            row(Routine).text(name).text(kTime).endRow();
         }
         return found->second;
     }
 
     void die(const DieData& die)
     {
-        PeerStatement(database_, "INSERT INTO die VALUES (NULL, ?, ?, ?, ?)")
-            .bind(1, die.lot)
-            .bind(2, die.wafer)
-            .bind(3, die.die)
-            .bind(4, kTime)
-            .run();
+        row(Die).text(die.lot).text(die.wafer).text(die.die).text(kTime).endRow();
     }
 
     template <typename Population>
     void device(const Population& population, std::size_t place)
     {
         const DeviceData data = population.device(place);
-        device_.bind(1, static_cast<long long>(data.die) + 1)
-            .bind(2, data.name)
-            .bind(3, data.type)
-            .bind(4, data.subsite)
-            .bind(5, data.position)
-            .bind(6, kTime)
-            .run();
+        row(Device)
+            .integer(static_cast<long long>(data.die) + 1)
+            .text(data.name)
+            .text(data.type)
+            .text(data.subsite)
+            .text(data.position)
+            .text(kTime)
+            .endRow();
         if constexpr (std::is_same_v<Population, DevicePopulation>) {
             keys(static_cast<long long>(place) + 1, data);
             measurement(place, data.temperature, routine("dc"));
@@ -119,61 +156,71 @@ public:
         const SweepData data = population.setup(place);
         const auto id = static_cast<long long>(place) + 1;
         measurement(data.device, data.temperature, routine(data.routine));
-        condition_.bind(1, id).bind(2, data.condition).bind(3, kTime).run();
-        setup_.bind(1, id).bind(2, data.setup).bind(3, kTime).run();
-        point_.bind(1, id);
+        row(Condition).integer(id).text(data.condition).text(kTime).endRow();
+        row(Setup).integer(id).text(data.setup).text(kTime).endRow();
         for (std::size_t i = 0; i < data.points; ++i) {
-            for (int key = 0; key < static_cast<int>(kSweepKeys.size()); ++key) {
-                const std::vector<double>& column = data.columns[static_cast<std::size_t>(key)];
-                column.empty() ? point_.bindNull(key + 2) : point_.bind(key + 2, column[i]);
+            dbif::RowInserter& point = row(Point).integer(id);
+            for (const std::vector<double>& column : data.columns) {
+                column.empty() ? point.null() : point.number(column[i]);
             }
-            point_.run();
+            point.endRow();
         }
     }
 
     void defineKeys()
     {
-        PeerStatement key(database_, "INSERT INTO device_key VALUES (NULL, ?, ?)");
-        for (const DeviceKey& definition : kNumberKeys) {
-            key.bind(1, std::string_view(definition.name))
-                .bind(2, std::string_view(definition.category))
-                .run();
+        for (const DeviceKey& key : kNumberKeys) {
+            row(Key).text(key.name).text(key.category).endRow();
         }
-        for (const DeviceKey& definition : kTextKeys) {
-            key.bind(1, std::string_view(definition.name))
-                .bind(2, std::string_view(definition.category))
-                .run();
+        for (const DeviceKey& key : kTextKeys) {
+            row(Key).text(key.name).text(key.category).endRow();
+        }
+    }
+
+    void finish()
+    {
+        for (Table& table : tables_) {
+            table.inserter->flush();
         }
     }
 
 private:
+    struct Table
+    {
+        std::unique_ptr<dbif::RowInserter> inserter;
+        long long rows;
+    };
+
+    /// Begins a row of a table that has an id of its own.
+    dbif::RowInserter& row(TablePlace place)
+    {
+        return tables_[place].inserter->integer(++tables_[place].rows);
+    }
+
     void keys(long long device, const DeviceData& data)
     {
+        dbif::RowInserter& value = *tables_[Value].inserter;
         long long key = 1;
         for (const double number : data.numbers) {
-            value_.bind(1, device).bind(2, key++).bind(3, number).bindNull(4).run();
+            value.integer(device).integer(key++).number(number).null().endRow();
         }
         for (const std::string& text : data.texts) {
-            value_.bind(1, device).bind(2, key++).bindNull(3).bind(4, text).run();
+            value.integer(device).integer(key++).null().text(text).endRow();
         }
     }
 
     void measurement(std::size_t device, std::optional<double> temperature, int routine)
     {
-        measurement_.bind(1, static_cast<long long>(device) + 1)
-            .bind(2, static_cast<long long>(routine));
-        temperature ? measurement_.bind(3, *temperature) : measurement_.bindNull(3);
-        measurement_.bind(4, kTime).run();
+        dbif::RowInserter& measurement = row(Measurement)
+                                             .integer(static_cast<long long>(device) + 1)
+                                             .integer(routine)
+                                             .integer(1);
+        temperature ? measurement.number(*temperature) : measurement.null();
+        measurement.text(kTime).endRow();
     }
 
-    PeerDatabase& database_;
     std::map<std::string, int> routines_;
-    PeerStatement device_{database_, "INSERT INTO device VALUES (NULL, ?, ?, ?, ?, ?, ?)"};
-    PeerStatement value_{database_, "INSERT INTO device_value VALUES (?, ?, ?, ?)"};
-    PeerStatement measurement_{database_, "INSERT INTO measurement VALUES (NULL, ?, ?, 1, ?, ?)"};
-    PeerStatement condition_{database_, "INSERT INTO measurement_condition VALUES (NULL, ?, ?, ?)"};
-    PeerStatement setup_{database_, "INSERT INTO setup VALUES (NULL, ?, ?, ?)"};
-    PeerStatement point_{database_, "INSERT INTO point VALUES (NULL, ?, ?, ?, ?, ?, ?, ?)"};
+    std::vector<Table> tables_;
 };
 
 template <typename Population>
@@ -186,31 +233,52 @@ void add_devices(const Population& population, PeerFiller* filler)
         filler->device(population, i);
     }
 }
+
+/// The schema and what `add` adds, then the indexes and the statistics.
+template <typename Add>
+void fill(DBIF_Connection& connection, const Add& add)
+{
+    if (connection.dialect().isServer()) {
+        // As on SQLite: rows of different tables are sent in batches, not always parents first.
+        run(connection, "SET SESSION foreign_key_checks = 0");
+    }
+    std::vector<dbif::SqlName> names;
+    for (const PeerTable& table : tables()) {
+        const dbif::SqlText options =
+            connection.dialect().tableOptions(connection.database(), table.isClustered);
+        run(connection, std::string("CREATE TABLE ") + table.name + " (" + table.definition + ")" +
+                            options.utf8());
+        names.emplace_back(table.name);
+    }
+    connection.beginWriteTransaction();
+    PeerFiller filler(connection);
+    add(&filler);
+    filler.finish();
+    connection.commitTransaction();
+    for (const char* index : kIndexes) {
+        run(connection, std::string("CREATE INDEX ") + index);
+    }
+    for (const dbif::SqlText& statement : connection.dialect().analyze(names)) {
+        connection.execute(statement, __FILE__, __LINE__);
+    }
+}
 } // namespace
 
-void fill_peer_database(const std::string& path, const DevicePopulation& population)
+void fill_peer_database(DBIF_Connection connection, const DevicePopulation& population)
 {
-    PeerDatabase database(path);
-    begin(database);
-    {
-        PeerFiller filler(database);
-        filler.defineKeys();
-        add_devices(population, &filler);
-    }
-    finish(database);
+    fill(connection, [&](PeerFiller* filler) {
+        filler->defineKeys();
+        add_devices(population, filler);
+    });
 }
 
-void fill_peer_database(const std::string& path, const SweepPopulation& population)
+void fill_peer_database(DBIF_Connection connection, const SweepPopulation& population)
 {
-    PeerDatabase database(path);
-    begin(database);
-    {
-        PeerFiller filler(database);
-        add_devices(population, &filler);
+    fill(connection, [&](PeerFiller* filler) {
+        add_devices(population, filler);
         for (std::size_t i = 0; i < population.setups(); ++i) {
-            filler.sweep(population, i);
+            filler->sweep(population, i);
         }
-    }
-    finish(database);
+    });
 }
 } // namespace bench

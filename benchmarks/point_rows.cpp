@@ -23,10 +23,7 @@ Comparison read_row(
                 *values = database->values(keywords, query);
             }
         },
-        [=](Values* values) {
-            PeerStatement statement(database->peer(), sql);
-            *values = read_texts(statement);
-        });
+        [=](Values* values) { *values = database->peer().texts(sql); });
 }
 } // namespace
 
@@ -34,13 +31,13 @@ std::vector<Comparison> point_rows(const DataStore& store, std::size_t points)
 {
     const std::string size = std::to_string(points);
     const auto database = std::make_shared<StoredDatabase>(
-        "points" + size, [store, points] { return store.sweeps(points); });
-    const auto row = [&](const char* id, const char* title, double target) {
+        store, "points" + size, [points](const DataStore& made) { return made.sweeps(points); });
+    const auto row = [&](const char* id, const char* title, const Targets& targets) {
         Comparison comparison;
         comparison.id = std::string(id) + "/" + size;
         comparison.title = title;
         comparison.size = size + " points";
-        comparison.target = target;
+        comparison.target = targets.of(store.engine());
         comparison.prepare = [database] {
             database->open();
         };
@@ -50,16 +47,16 @@ std::vector<Comparison> point_rows(const DataStore& store, std::size_t points)
     return {
         read_row(
             row("setup_key", "one setup key, all values (49 % of the points), sorted, as text",
-                0.3),
+                {0.3, 1.2}),
             database, {"IB"}, "", "SELECT i_b FROM point WHERE i_b IS NOT NULL ORDER BY i_b"),
         read_row(
-            row("three_setup_keys", "three setup keys side by side, sorted, as text", 0.35),
+            row("three_setup_keys", "three setup keys side by side, sorted, as text", {0.35, 1.2}),
             database, {"VG", "VD", "ID"}, "", "SELECT vg, vd, i_d FROM point ORDER BY vg, vd, i_d"),
         read_row(
-            row("setup_key_where", "one setup key where another key = v, all setups", 0.2),
+            row("setup_key_where", "one setup key where another key = v, all setups", {0.2, 1.2}),
             database, {"ID"}, "VG=0.6", "SELECT i_d FROM point WHERE vg = 0.6 ORDER BY i_d"),
         read_row(
-            row("keys_of_lot", "three keys of the setups of one lot", 1.0), database,
+            row("keys_of_lot", "three keys of the setups of one lot", {1.0, 1.2}), database,
             {"VG", "VD", "ID"}, "$LOT=L107", R"(
 SELECT vg, vd, i_d
 FROM die JOIN device ON die_id = die.id

@@ -71,6 +71,11 @@ Memory memory_of_read(const std::string& path)
     return memory;
 }
 
+std::string path_of(const DataStore& store, const std::string& database)
+{
+    return store.engine().place(database).database;
+}
+
 Comparison memory_row(const DataStore& store, std::size_t points)
 {
     Comparison row;
@@ -81,7 +86,7 @@ Comparison memory_row(const DataStore& store, std::size_t points)
     row.turns = 1;
     const auto memory = std::make_shared<Memory>();
     row.ours = [=] {
-        *memory = memory_of_read(store.sweeps(points).library);
+        *memory = memory_of_read(path_of(store, store.sweeps(points).library));
         return memory->peak;
     };
     row.peer = [=] {
@@ -135,10 +140,10 @@ Comparison size_row(const DataStore& store, std::size_t points)
     row.target = 0.5;
     row.turns = 1;
     row.ours = [=] {
-        return static_cast<double>(fs::file_size(store.sweeps(points).library));
+        return static_cast<double>(fs::file_size(path_of(store, store.sweeps(points).library)));
     };
     row.peer = [=] {
-        return static_cast<double>(fs::file_size(store.sweeps(points).peer));
+        return static_cast<double>(fs::file_size(path_of(store, store.sweeps(points).peer)));
     };
     return row;
 }

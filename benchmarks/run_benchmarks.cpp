@@ -3,32 +3,36 @@
 #include "benchmarks/point_rows.h"
 #include "benchmarks/resource_rows.h"
 
+#include <QtGlobal>
+
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <sqlite3.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 
 namespace {
 constexpr const char* kUsage =
-    R"(usage: dbapi_benchmarks [--size=small|full] [--data=FOLDER] [--time=wall|cpu]
-                        [flags of Google Benchmark]
+    R"(usage: dbapi_benchmarks [--engine=sqlite|mysql] [--size=small|full] [--data=FOLDER]
+                        [--time=wall|cpu] [flags of Google Benchmark]
 
 Measures the library beside the same reads in SQL of one's own and prints a table. Ends with 1 when
 a target is missed or two results differ. The databases are made in FOLDER (else in the folder that
 the environment variable DBAPI_BENCHMARK_DATA names, else in the build tree) and kept for later runs.
 
-  --size=small    1e4 and 1e5 devices, 1e6 points
-  --size=full     1e4, 1e5 and 1e6 devices, 1e7 points (5 GB of databases)
-  --time=cpu      count processor time, on a machine that has other work
+  --engine=sqlite  on SQLite files
+  --engine=mysql   on a MariaDB server, which is started for the run
+  --size=small     1e4 and 1e5 devices, 1e6 points
+  --size=full      1e4, 1e5 and 1e6 devices, 1e7 points (5 GB of files, 7 GB on a server)
+  --time=cpu       count processor time, on a machine that has other work; not that of a server
 )";
 
 struct Options
 {
+    bench::EngineKind engine = bench::EngineKind::Sqlite;
     bool isFull = false;
     bool isProcessorTime = false;
     std::string data = DATA_DIRECTORY;
@@ -37,6 +41,28 @@ struct Options
     bool isWrong = false;
 };
 
+/// Takes one "--name=value"; false when there is no such flag.
+bool take_flag(const std::string& flag, Options* options)
+{
+    const std::size_t equals = std::min(flag.find('='), flag.size() - 1);
+    const std::string name = flag.substr(0, equals + 1);
+    const std::string value = flag.substr(equals + 1);
+    if (flag == "--engine=sqlite" || flag == "--engine=mysql") {
+        options->engine = value == "mysql" ? bench::EngineKind::MySql : bench::EngineKind::Sqlite;
+    } else if (flag == "--size=small" || flag == "--size=full") {
+        options->isFull = value == "full";
+    } else if (flag == "--time=wall" || flag == "--time=cpu") {
+        options->isProcessorTime = value == "cpu";
+    } else if (name == "--data=" && !value.empty()) {
+        options->data = value;
+    } else if (name == "--peak-memory=") {
+        options->peakMemory = value;
+    } else {
+        return false;
+    }
+    return true;
+}
+
 Options options_of(int argc, char** argv)
 {
     Options options;
@@ -44,22 +70,11 @@ Options options_of(int argc, char** argv)
         options.data = folder;
     }
     for (int i = 1; i < argc; ++i) {
-        const std::string argument = argv[i];
-        const std::size_t equals = std::min(argument.find('='), argument.size() - 1);
-        const std::string name = argument.substr(0, equals + 1);
-        const std::string value = argument.substr(equals + 1);
-        if (argument == "--size=small" || argument == "--size=full") {
-            options.isFull = value == "full";
-        } else if (argument == "--time=wall" || argument == "--time=cpu") {
-            options.isProcessorTime = value == "cpu";
-        } else if (name == "--data=" && !value.empty()) {
-            options.data = value;
-        } else if (name == "--peak-memory=") {
-            options.peakMemory = value;
-        } else {
-            options.isWrong = true;
-        }
+        options.isWrong = !take_flag(argv[i], &options) || options.isWrong;
     }
+    // The processor time of a server is not that of this process.
+    const bool isServer = options.engine == bench::EngineKind::MySql;
+    options.isWrong = options.isWrong || (options.isProcessorTime && isServer);
     return options;
 }
 
@@ -76,20 +91,21 @@ std::string system_line(const char* path, const std::string& key)
     return "unknown";
 }
 
-void print_machine(bool isProcessorTime)
+void print_machine(const std::string& engine, bool isProcessorTime)
 {
     utsname system{};
     uname(&system);
     std::cout << system_line("/proc/cpuinfo", "model name") << ", " << sysconf(_SC_NPROCESSORS_ONLN)
               << " cores, memory " << system_line("/proc/meminfo", "MemTotal") << ", "
-              << system.sysname << ' ' << system.release << ", SQLite " << sqlite3_libversion()
-              << ", " << BUILD_TYPE << "; " << (isProcessorTime ? "processor" : "wall")
-              << " time\n\n";
+              << system.sysname << ' ' << system.release << ", " << engine << ", " << BUILD_TYPE
+              << "; " << (isProcessorTime ? "processor" : "wall") << " time\n\n";
 }
 
 /// A folder of our own for the stored connections, so that nobody's are touched.
 class ConnectionsFolder
 {
+    Q_DISABLE_COPY_MOVE(ConnectionsFolder)
+
 public:
     ConnectionsFolder()
     {
@@ -106,9 +122,6 @@ public:
         std::filesystem::remove_all(path_, ignored);
     }
 
-    ConnectionsFolder(const ConnectionsFolder&) = delete;
-    ConnectionsFolder& operator=(const ConnectionsFolder&) = delete;
-
 private:
     std::string path_;
 };
@@ -116,7 +129,7 @@ private:
 bool run(const Options& options)
 {
     using bench::Comparison;
-    const bench::DataStore store(options.data);
+    const bench::DataStore store(options.data, options.engine);
     const std::size_t points = options.isFull ? 10'000'000 : 1'000'000;
     const std::size_t largest = options.isFull ? 1'000'000 : 100'000;
     std::vector<Comparison> rows = bench::point_rows(store, points);
@@ -128,14 +141,16 @@ bool run(const Options& options)
         }
     }
     rows.insert(rows.end(), smaller.begin(), smaller.end());
-    for (Comparison& row : bench::resource_rows(store, points)) {
-        rows.push_back(std::move(row));
+    if (options.engine == bench::EngineKind::Sqlite) {
+        for (Comparison& row : bench::resource_rows(store, points)) {
+            rows.push_back(std::move(row));
+        }
     }
     std::vector<bench::Growth> growths;
     for (const char* name : {"cached_value/", "value_by_id/"}) {
         growths.push_back({name + std::to_string(10'000), name + std::to_string(largest)});
     }
-    print_machine(options.isProcessorTime);
+    print_machine(store.engine().description(), options.isProcessorTime);
     return bench::run_comparisons(rows, growths);
 }
 } // namespace

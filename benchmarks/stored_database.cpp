@@ -14,18 +14,28 @@ void require(bool isDone, const std::string& errors)
 }
 } // namespace
 
-StoredDatabase::StoredDatabase(std::string name, std::function<DatabasePair()> paths)
-    : name_(std::move(name)), paths_(std::move(paths))
+StoredDatabase::StoredDatabase(
+    DataStore store,
+    std::string name,
+    std::function<DatabasePair(const DataStore& store)> make)
+    : store_(std::move(store)), name_(std::move(name)), make_(std::move(make))
 {}
 
 void StoredDatabase::open()
 {
-    if (peer_ == nullptr) {
-        const DatabasePair pair = paths_();
-        std::string errors;
-        require(dbapi::db_create_sqlite_connection(name_, pair.library, &errors), errors);
-        peer_ = std::make_unique<PeerDatabase>(pair.peer);
+    if (peer_ != nullptr) {
+        return;
     }
+    const DatabasePair pair = make_(store_);
+    const dbif::ConnectionParameters place = store_.engine().place(pair.library);
+    std::string errors;
+    require(
+        dbapi::db_create_connection(
+            // The stored record names the engine, not Qt's driver of it.
+            place.driver.substr(1), name_, place.database, place.host, place.user, place.password,
+            place.port == 0 ? "" : std::to_string(place.port), &errors),
+        errors);
+    peer_ = store_.engine().openPeer(pair.peer);
 }
 
 std::vector<std::string>
@@ -63,39 +73,5 @@ std::vector<std::string> StoredDatabase::deviceValues(int id, const std::string&
         dbapi::db_get_key_values_for_device_id_as_text(name(), id, keyword, &values, "", &errors),
         errors);
     return values;
-}
-
-Values read_texts(PeerStatement& statement)
-{
-    const int columns = statement.columns();
-    Values values(static_cast<std::size_t>(columns));
-    while (statement.step()) {
-        for (int column = 0; column < columns; ++column) {
-            values[static_cast<std::size_t>(column)].push_back(statement.text(column));
-        }
-    }
-    return values;
-}
-
-std::set<int> read_ids(PeerStatement& statement)
-{
-    std::set<int> ids;
-    while (statement.step()) {
-        ids.insert(ids.end(), statement.integer(0));
-    }
-    return ids;
-}
-
-void read_newest_time(PeerDatabase& database)
-{
-    PeerStatement(database, R"(
-SELECT max(latest) FROM (SELECT max(modified_time) AS latest FROM catalog_entry
-    UNION ALL SELECT max(modified_time) FROM routine
-    UNION ALL SELECT max(modified_time) FROM die
-    UNION ALL SELECT max(modified_time) FROM device
-    UNION ALL SELECT max(modified_time) FROM measurement
-    UNION ALL SELECT max(modified_time) FROM measurement_condition
-    UNION ALL SELECT max(modified_time) FROM setup))")
-        .run();
 }
 } // namespace bench

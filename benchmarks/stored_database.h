@@ -13,8 +13,11 @@ namespace bench {
 class StoredDatabase
 {
 public:
-    /// `name`: of the stored connection.
-    StoredDatabase(std::string name, std::function<DatabasePair()> paths);
+    /// `name`: of the stored connection. `make` makes the databases.
+    StoredDatabase(
+        DataStore store,
+        std::string name,
+        std::function<DatabasePair(const DataStore& store)> make);
 
     /// Makes and opens the databases, unless that is done. Comes before all else.
     void open();
@@ -32,15 +35,9 @@ public:
     [[nodiscard]] std::vector<std::string> deviceValues(int id, const std::string& keyword) const;
 
 private:
+    DataStore store_;
     std::string name_;
-    std::function<DatabasePair()> paths_;
+    std::function<DatabasePair(const DataStore& store)> make_;
     std::unique_ptr<PeerDatabase> peer_;
 };
-
-/// All rows of a statement, column by column, as text.
-Values read_texts(PeerStatement& statement);
-/// All rows of a statement that yields ids.
-std::set<int> read_ids(PeerStatement& statement);
-/// Asks for the newest modification time, prepared anew.
-void read_newest_time(PeerDatabase& database);
 } // namespace bench

@@ -10,19 +10,35 @@
 #include <unistd.h>
 
 namespace {
-int run_fixture(const std::string& command, const std::string& folder)
+std::string quoted(const std::string& text)
 {
-    const std::string line = std::string("'") + MARIADB_FIXTURE + "' " + command + " '" + folder +
-                             "' " + std::to_string(getpid());
+    return " '" + text + "'";
+}
+
+int run_fixture(
+    const std::string& command,
+    const std::string& folder,
+    const std::vector<std::string>& further = {})
+{
+    std::string line =
+        quoted(MARIADB_FIXTURE) + " " + command + quoted(folder) + " " + std::to_string(getpid());
+    for (const std::string& argument : further) {
+        line += quoted(argument);
+    }
     return std::system(line.c_str());
 }
 
-std::string start_private_server()
+std::string start_private_server(const std::vector<std::string>& further = {})
 {
     std::string folder = (std::filesystem::temp_directory_path() / "dbapi_mariadb_XXXXXX").string();
-    if (mkdtemp(folder.data()) == nullptr || run_fixture("start", folder) != 0)
+    if (mkdtemp(folder.data()) == nullptr || run_fixture("start", folder, further) != 0)
         throw std::runtime_error("could not start a private MariaDB server in " + folder);
     return folder;
+}
+
+std::filesystem::path state_file(const std::string& folder, int owner)
+{
+    return std::filesystem::path(folder) / std::to_string(owner) / "server";
 }
 } // namespace
 
@@ -35,16 +51,29 @@ MariaDbServer& MariaDbServer::instance()
 MariaDbServer::MariaDbServer()
 {
     // ctest is the parent of a test that it runs, and the server's owner.
-    std::filesystem::path state =
-        std::filesystem::path(MARIADB_FOLDER) / std::to_string(getppid()) / "server";
-    if (!std::filesystem::exists(state)) {
+    if (std::filesystem::exists(state_file(MARIADB_FOLDER, getppid()))) {
+        readState(MARIADB_FOLDER, getppid());
+    } else {
         privateFolder_ = start_private_server();
-        state = std::filesystem::path(privateFolder_) / std::to_string(getpid()) / "server";
+        readState(privateFolder_, getpid());
     }
-    std::ifstream file(state);
+}
+
+MariaDbServer::MariaDbServer(const std::string& data, const std::vector<std::string>& options)
+{
+    std::vector<std::string> further{data};
+    further.insert(further.end(), options.begin(), options.end());
+    privateFolder_ = start_private_server(further);
+    readState(privateFolder_, getpid());
+}
+
+void MariaDbServer::readState(const std::string& folder, int owner)
+{
+    const std::filesystem::path path = state_file(folder, owner);
+    std::ifstream file(path);
     std::string port;
     if (!std::getline(file, port) || !std::getline(file, user_) || !std::getline(file, password_))
-        throw std::runtime_error("cannot read " + state.string());
+        throw std::runtime_error("cannot read " + path.string());
     port_ = std::stoi(port);
 }
 
