@@ -54,7 +54,8 @@ double seconds_now();
 /// disturbs less, in the place of the time that passes.
 void count_processor_time();
 
-/// Both read the same into an empty `Result`. `calls` calls make one measurement; the figure is for one.
+/// Both read the same into an empty `Result`. `calls` calls make one measurement; the figure is for
+/// one.
 template <typename Result, typename Ours, typename Peer>
 Comparison timed(Comparison row, int calls, const Ours& ours, const Peer& peer)
 {

@@ -98,7 +98,10 @@ public:
     /// The column of a source, a value per setup.
     [[nodiscard]] ResultColumn& column(std::size_t source) { return cells_.columns[source]; }
 
-    [[nodiscard]] bool hasRecordValue(std::size_t place) const { return hasRecordValue_[place] != 0; }
+    [[nodiscard]] bool hasRecordValue(std::size_t place) const
+    {
+        return hasRecordValue_[place] != 0;
+    }
 
     [[nodiscard]] bool isDecidedOnPoints() const
     {
