@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 namespace dbif {
 namespace {
@@ -87,20 +88,32 @@ void keep_first_rows(std::size_t count, QueryResult* result)
 }
 
 namespace {
-/// Formats the values of a column; sorted columns repeat values, and those are formatted once.
+/// Formats the values from place `first` on; sorted columns repeat values, and those are formatted
+/// once.
+template <typename T, typename Format>
+void format_part(
+    const std::vector<T>& values,
+    const Format& format,
+    std::size_t first,
+    std::span<std::string> texts)
+{
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        const T& value = values[first + i];
+        if (i > 0 && value == values[first + i - 1]) {
+            texts[i] = texts[i - 1];
+        } else {
+            texts[i] = format(value);
+        }
+    }
+}
+
 template <typename T, typename Format>
 std::vector<std::string> formatted(const std::vector<T>& values, const Format& format)
 {
     constexpr std::size_t kWorthAThread = 20'000;
     std::vector<std::string> texts(values.size());
     for_parts(values.size(), kWorthAThread, [&](std::size_t first, std::size_t last) {
-        for (std::size_t i = first; i < last; ++i) {
-            if (i > first && values[i] == values[i - 1]) {
-                texts[i] = texts[i - 1];
-            } else {
-                texts[i] = format(values[i]);
-            }
-        }
+        format_part(values, format, first, std::span(texts).subspan(first, last - first));
     });
     return texts;
 }

@@ -98,13 +98,18 @@ private:
             if (place == kAbsent) {
                 continue;
             }
+            noteKey(place, cursor.integer(1));
             const auto points = static_cast<std::size_t>(cursor.integer(2));
             points_[place] = std::max(points_[place], points);
-            const int id = cursor.integer(1);
-            for (std::size_t column = 0; column < columns_.size(); ++column) {
-                if (columns_[column].id == id) {
-                    slice(place, column) = {&arrays_[column], 0, 0};
-                }
+        }
+    }
+
+    /// The setup has the key of that id.
+    void noteKey(std::size_t place, int id)
+    {
+        for (std::size_t column = 0; column < columns_.size(); ++column) {
+            if (columns_[column].id == id) {
+                slice(place, column).array = &arrays_[column];
             }
         }
     }

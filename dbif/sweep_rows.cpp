@@ -40,6 +40,23 @@ std::size_t place_of_key(const std::vector<KeyDefinition>& columns, const std::s
     return static_cast<std::size_t>(found - columns.begin());
 }
 
+/// Adds a key to those that are read, unless it is among them; false when it is not defined.
+bool add_key(
+    DBIF_Connection& connection,
+    const std::string& key,
+    std::vector<KeyDefinition>* columns)
+{
+    if (place_of_key(*columns, key) < columns->size()) {
+        return true;
+    }
+    const KeyDefinition* definition =
+        ColumnStore::of(connection).find(connection, RecordTable::Setup, key);
+    if (definition != nullptr) {
+        columns->push_back(*definition);
+    }
+    return definition != nullptr;
+}
+
 /// The selected setups, in the order of their ids, with what is known of each before its points are
 /// read.
 class SelectedSetups
@@ -112,20 +129,9 @@ public:
     void addConditionKeys(DBIF_Connection& connection, std::vector<KeyDefinition>* columns)
     {
         pointPart_.forEachComparison([&](const ColumnComparison& comparison) {
-            if (!comparison.isOnPoints()) {
-                return;
+            if (comparison.isOnPoints() && add_key(connection, comparison.column, columns)) {
+                columns_.emplace(&comparison, place_of_key(*columns, comparison.column));
             }
-            std::size_t column = place_of_key(*columns, comparison.column);
-            if (column == columns->size()) {
-                const KeyDefinition* definition =
-                    ColumnStore::of(connection)
-                        .find(connection, RecordTable::Setup, comparison.column);
-                if (definition == nullptr) {
-                    return;
-                }
-                columns->push_back(*definition);
-            }
-            columns_.emplace(&comparison, column);
         });
     }
 

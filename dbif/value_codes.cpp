@@ -21,21 +21,13 @@ public:
     /// `kMostCodes` for one number too many.
     std::size_t code(std::uint64_t rank)
     {
-        constexpr std::uint64_t kOddFactor = 0x9E3779B97F4A7C15;
-        for (std::size_t at = rank * kOddFactor >> kUnusedBits;; at = (at + 1) % kPlaces) {
-            if (codes_[at] == kMostCodes) {
-                if (ranks_.size() < kMostCodes) {
-                    codes_[at] = static_cast<Code>(ranks_.size());
-                    keys_[at] = rank;
-                    ranks_.push_back(rank);
-                    return ranks_.size() - 1;
-                }
-                return kMostCodes;
-            }
-            if (keys_[at] == rank) {
-                return codes_[at];
-            }
+        const std::size_t place = placeOf(rank);
+        if (codes_[place] == kMostCodes && ranks_.size() < kMostCodes) {
+            codes_[place] = static_cast<Code>(ranks_.size());
+            keys_[place] = rank;
+            ranks_.push_back(rank);
         }
+        return codes_[place];
     }
 
     /// By code.
@@ -45,6 +37,17 @@ private:
     static constexpr std::size_t kPlaces = 4 * kMostCodes;
     static constexpr unsigned kUnusedBits = 64 - 14;
     static_assert(kPlaces == 1U << 14U);
+
+    /// Where the number stands, or would stand.
+    [[nodiscard]] std::size_t placeOf(std::uint64_t rank) const
+    {
+        constexpr std::uint64_t kOddFactor = 0x9E3779B97F4A7C15;
+        std::size_t place = rank * kOddFactor >> kUnusedBits;
+        while (codes_[place] != kMostCodes && keys_[place] != rank) {
+            place = (place + 1) % kPlaces;
+        }
+        return place;
+    }
 
     std::vector<Code> codes_ = std::vector<Code>(kPlaces, kMostCodes);
     std::vector<std::uint64_t> keys_ = std::vector<std::uint64_t>(kPlaces);
