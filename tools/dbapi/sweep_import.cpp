@@ -17,9 +17,8 @@ namespace {
 using dbif::RecordTable;
 
 /// What the files of an import must agree in: keyword to value.
-std::map<std::string, std::string> catalogue_texts(const Annotations& annotations)
+std::map<std::string, std::string> catalogue_texts(const RecordParts& entry)
 {
-    const RecordParts& entry = annotations.of(RecordTable::CatalogEntry);
     std::map<std::string, std::string> texts;
     for (const auto& [column, text] : entry.columns) {
         std::string keyword;
@@ -56,7 +55,7 @@ private:
     std::optional<dbif::RecordWriter> writer_;
     int catalogEntry_ = 0;
     /// What the catalogue entry is, and the file that said so.
-    std::optional<std::map<std::string, std::string>> catalogue_;
+    std::optional<RecordParts> catalogue_;
     std::string catalogueFile_;
     std::set<int> devices_;
     ImportResult result_;
@@ -95,21 +94,27 @@ void Import::storeUnlessRefused(const std::string& file, const AnnotatedCsv& csv
 
 bool Import::isOneEntry(const std::string& file, const Annotations& annotations)
 {
-    const std::map<std::string, std::string> texts = catalogue_texts(annotations);
+    const RecordParts& entry = annotations.of(RecordTable::CatalogEntry);
     if (!catalogue_.has_value()) {
-        catalogue_ = texts;
+        catalogue_ = entry;
         catalogueFile_ = file;
         return true;
     }
+    if (entry == *catalogue_) {
+        return true;
+    }
+    // They may still say the same in another order.
+    const std::map<std::string, std::string> texts = catalogue_texts(entry);
+    const std::map<std::string, std::string> first = catalogue_texts(*catalogue_);
     std::map<std::string, std::string> either = texts;
-    either.insert(catalogue_->begin(), catalogue_->end());
+    either.insert(first.begin(), first.end());
     const auto said = [](const auto& side, const std::string& keyword) {
         const auto found = side.find(keyword);
         return found == side.end() ? "no " + keyword : keyword + " = " + found->second;
     };
     for (const auto& [keyword, text] : either) {
         const std::string here = said(texts, keyword);
-        const std::string there = said(*catalogue_, keyword);
+        const std::string there = said(first, keyword);
         if (here != there) {
             std::string fault = "It has " + here + ", but ";
             fault += dbapi::quoted(catalogueFile_) + " has " + there;
