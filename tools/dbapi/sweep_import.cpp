@@ -7,6 +7,8 @@
 #include "dbif/host_string.h"
 #include "dbif/write_retry.h"
 
+#include "tools/dbapi/sweep_read_ahead.h"
+
 #include <map>
 #include <optional>
 #include <set>
@@ -189,8 +191,9 @@ ImportResult import_sweeps(
     // Repeated from the first file on: a transaction that fails takes all of them with it.
     dbif::write_with_retries(connection, [&] {
         Import import(connection);
+        SweepReadAhead sweeps(files, progress);
         for (const std::string& file : files) {
-            import.add(file, read_annotated_csv(file, progress));
+            import.add(file, sweeps.next());
         }
         result = import.finish();
     });
