@@ -41,12 +41,12 @@ class Import
 public:
     explicit Import(DBIF_Connection connection) : connection_(std::move(connection)) {}
 
-    void add(const std::string& file, const AnnotatedCsv& csv);
+    void add(const std::string& file, const ReadSweep& sweep);
     ImportResult finish();
 
 private:
-    void storeUnlessRefused(const std::string& file, const AnnotatedCsv& csv);
-    void store(const std::string& file, const AnnotatedCsv& csv);
+    void storeUnlessRefused(const std::string& file, const ReadSweep& sweep);
+    void store(const std::string& file, const ReadSweep& sweep);
     int deviceOf(const Annotations& annotations);
     /// Whether the file says the same of the catalogue entry as the files before it.
     bool isOneEntry(const std::string& file, const Annotations& annotations);
@@ -63,8 +63,9 @@ private:
     ImportResult result_;
 };
 
-void Import::add(const std::string& file, const AnnotatedCsv& csv)
+void Import::add(const std::string& file, const ReadSweep& sweep)
 {
+    const AnnotatedCsv& csv = sweep.csv;
     ++result_.files;
     result_.hasUnreadableFile = result_.hasUnreadableFile || csv.isUnreadable;
     const std::size_t before = result_.faultCount;
@@ -73,18 +74,18 @@ void Import::add(const std::string& file, const AnnotatedCsv& csv)
     }
     result_.faultCount = before + csv.faults.count();
     if (csv.faults.isEmpty() && isOneEntry(file, csv.annotations)) {
-        storeUnlessRefused(file, csv);
+        storeUnlessRefused(file, sweep);
     }
     result_.faultyFiles += result_.faultCount > before ? 1 : 0;
 }
 
-void Import::storeUnlessRefused(const std::string& file, const AnnotatedCsv& csv)
+void Import::storeUnlessRefused(const std::string& file, const ReadSweep& sweep)
 {
     if (!writer_.has_value()) {
         writer_.emplace(connection_);
     }
     try {
-        store(file, csv);
+        store(file, sweep);
     } catch (const DBIF_Exception& exception) {
         // What the writer refuses is a fault of the file, and the next files may have more.
         if (!exception.sql().isEmpty() || exception.error().type() == QSqlError::TransactionError) {
@@ -150,9 +151,9 @@ int Import::deviceOf(const Annotations& annotations)
     return id;
 }
 
-void Import::store(const std::string& file, const AnnotatedCsv& csv)
+void Import::store(const std::string& file, const ReadSweep& sweep)
 {
-    const Annotations& annotations = csv.annotations;
+    const Annotations& annotations = sweep.csv.annotations;
     if (catalogEntry_ == 0) {
         const RecordParts& entry = annotations.of(RecordTable::CatalogEntry);
         catalogEntry_ = writer_->addCatalogEntry(entry.columns, entry.keys);
@@ -167,9 +168,10 @@ void Import::store(const std::string& file, const AnnotatedCsv& csv)
     const RecordParts& condition = annotations.of(RecordTable::MeasurementCondition);
     const int conditionId = writer_->addCondition(
         writer_->addMeasurement(measurement), condition.columns, condition.keys);
-    writer_->addSetup(conditionId, annotations.of(RecordTable::Setup).columns, csv.columns, file);
+    writer_->addPackedSetup(
+        conditionId, annotations.of(RecordTable::Setup).columns, sweep.columns, file);
     ++result_.setups;
-    result_.points += csv.points;
+    result_.points += sweep.csv.points;
 }
 
 ImportResult Import::finish()

@@ -1,5 +1,8 @@
 #include "tools/dbapi/sweep_read_ahead.h"
 
+#include "dbif/error_text.h"
+#include "dbif/host_string.h"
+
 #include <algorithm>
 #include <system_error>
 #include <utility>
@@ -16,6 +19,17 @@ constexpr std::size_t kBytesWorthTelling = 1U << 18U;
 /// Ends the reading of a file that nobody waits for any more.
 struct Abandoned
 {};
+
+ReadSweep read_sweep(const std::string& file, const ReadProgress& progress)
+{
+    ReadSweep read{read_annotated_csv(file, progress), {}};
+    try {
+        read.columns = dbif::pack_sweep(std::exchange(read.csv.columns, {}));
+    } catch (const DBIF_Exception& exception) {
+        read.csv.faults.add(0, dbif::trimmed(convert_sql_error_to_string(exception.error()).str()));
+    }
+    return read;
+}
 
 std::size_t thread_count(std::size_t files)
 {
@@ -53,7 +67,7 @@ SweepReadAhead::~SweepReadAhead()
     }
 }
 
-AnnotatedCsv SweepReadAhead::next()
+ReadSweep SweepReadAhead::next()
 {
     std::unique_lock lock(mutex_);
     bytesAhead_ -= std::exchange(bytesTaken_, 0);
@@ -82,7 +96,7 @@ AnnotatedCsv SweepReadAhead::next()
     if (taken.failure) {
         std::rethrow_exception(taken.failure);
     }
-    return std::move(taken.csv);
+    return std::move(taken.sweep);
 }
 
 bool SweepReadAhead::hasRoomFor(std::size_t file) const
@@ -125,8 +139,8 @@ void SweepReadAhead::readFiles()
     for (std::size_t file = 0; claim(&file);) {
         Ahead read;
         try {
-            read.csv = read_annotated_csv(
-                files_[file], [this, file](std::size_t bytes) { count(file, bytes); });
+            read.sweep =
+                read_sweep(files_[file], [this, file](std::size_t bytes) { count(file, bytes); });
         } catch (const Abandoned&) {
             return;
         } catch (...) {
@@ -134,7 +148,7 @@ void SweepReadAhead::readFiles()
         }
         const std::lock_guard lock(mutex_);
         Ahead& ahead = ahead_.at(file);
-        ahead.csv = std::move(read.csv);
+        ahead.sweep = std::move(read.sweep);
         ahead.failure = read.failure;
         ahead.isRead = true;
         if (isAwaited_ && file == toTake_) {

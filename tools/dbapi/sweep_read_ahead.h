@@ -1,5 +1,7 @@
 #pragma once
 
+#include "dbif/packed_sweep.h"
+
 #include "tools/dbapi/annotated_csv.h"
 
 #include <QtGlobal>
@@ -14,6 +16,14 @@
 #include <vector>
 
 namespace dbapi::tool {
+/// A file that was read, with its columns as they are stored.
+struct ReadSweep
+{
+    /// Without its columns.
+    AnnotatedCsv csv;
+    std::vector<dbif::PackedColumn> columns;
+};
+
 /// Reads files of annotated CSV in threads of its own, ahead of the thread that stores them, which
 /// takes them in their order. What was read and not taken yet is limited in number and bytes; only
 /// a file that is waited for is read whole whatever its size.
@@ -29,13 +39,13 @@ public:
 
     /// The next file; there must be one. The one before is over by then. Throws what reading it
     /// threw.
-    AnnotatedCsv next();
+    ReadSweep next();
 
 private:
     /// What was read of one file, or is being read.
     struct Ahead
     {
-        AnnotatedCsv csv;
+        ReadSweep sweep;
         std::exception_ptr failure;
         std::size_t bytes = 0;
         bool isRead = false;
