@@ -36,6 +36,18 @@ std::map<std::string, std::string> catalogue_texts(const RecordParts& entry)
     return texts;
 }
 
+/// A record that the last file named; the next one often names it again.
+struct SharedRecord
+{
+    RecordParts parts;
+    std::optional<int> id;
+
+    [[nodiscard]] bool is(const RecordParts& named) const
+    {
+        return id.has_value() && parts == named;
+    }
+};
+
 class Import
 {
 public:
@@ -48,6 +60,7 @@ private:
     void storeUnlessRefused(const std::string& file, const ReadSweep& sweep);
     void store(const std::string& file, const ReadSweep& sweep);
     int deviceOf(const Annotations& annotations);
+    int routineOf(const Annotations& annotations);
     /// Whether the file says the same of the catalogue entry as the files before it.
     bool isOneEntry(const std::string& file, const Annotations& annotations);
     void addFault(const std::string& file, std::size_t line, const std::string& text);
@@ -59,6 +72,9 @@ private:
     /// What the catalogue entry is, and the file that said so.
     std::optional<RecordParts> catalogue_;
     std::string catalogueFile_;
+    SharedRecord lastDie_;
+    SharedRecord lastDevice_;
+    SharedRecord lastRoutine_;
     std::set<int> devices_;
     ImportResult result_;
 };
@@ -142,13 +158,30 @@ int Import::deviceOf(const Annotations& annotations)
 {
     const RecordParts& die = annotations.of(RecordTable::Die);
     const RecordParts& device = annotations.of(RecordTable::Device);
-    const int dieId = die.isEmpty() ? 0 : writer_->findOrAddDie(die.columns);
-    if (dieId == 0 && device.isEmpty()) {
+    if (!lastDie_.is(die)) {
+        lastDevice_.id.reset();
+        lastDie_.id = die.isEmpty() ? 0 : writer_->findOrAddDie(die.columns);
+        lastDie_.parts = die;
+    }
+    if (*lastDie_.id == 0 && device.isEmpty()) {
         return 0;
     }
-    const int id = writer_->findOrAddDevice(dieId, device.columns, device.keys);
-    devices_.insert(id);
-    return id;
+    if (!lastDevice_.is(device)) {
+        lastDevice_.id = writer_->findOrAddDevice(*lastDie_.id, device.columns, device.keys);
+        lastDevice_.parts = device;
+        devices_.insert(*lastDevice_.id);
+    }
+    return *lastDevice_.id;
+}
+
+int Import::routineOf(const Annotations& annotations)
+{
+    const RecordParts& routine = annotations.of(RecordTable::Routine);
+    if (!lastRoutine_.is(routine)) {
+        lastRoutine_.id = routine.isEmpty() ? 0 : writer_->findOrAddRoutine(routine.columns);
+        lastRoutine_.parts = routine;
+    }
+    return *lastRoutine_.id;
 }
 
 void Import::store(const std::string& file, const ReadSweep& sweep)
@@ -161,8 +194,7 @@ void Import::store(const std::string& file, const ReadSweep& sweep)
     dbif::MeasurementRecord measurement;
     measurement.catalogEntry = catalogEntry_;
     measurement.device = deviceOf(annotations);
-    const RecordParts& routine = annotations.of(RecordTable::Routine);
-    measurement.routine = routine.isEmpty() ? 0 : writer_->findOrAddRoutine(routine.columns);
+    measurement.routine = routineOf(annotations);
     measurement.temperature = annotations.temperature;
     measurement.keys = annotations.of(RecordTable::Measurement).keys;
     const RecordParts& condition = annotations.of(RecordTable::MeasurementCondition);
