@@ -4,6 +4,7 @@
 #include "dbif/host_string.h"
 
 #include <algorithm>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -43,15 +44,15 @@ SweepReadAhead::SweepReadAhead(const std::vector<std::string>& files, ReadProgre
 {
     const std::size_t count = thread_count(files.size());
     threads_.reserve(count);
-    while (threads_.size() < count) {
-        try {
-            threads_.emplace_back([this] { readFiles(); });
-        } catch (const std::system_error&) {
-            if (threads_.empty()) {
-                throw;
-            }
-            break; // Fewer do as well.
+    try {
+        std::generate_n(std::back_inserter(threads_), count, [this] {
+            return std::thread(&SweepReadAhead::readFiles, this);
+        });
+    } catch (const std::system_error&) {
+        if (threads_.empty()) {
+            throw;
         }
+        // Fewer do as well.
     }
 }
 
@@ -136,24 +137,33 @@ void SweepReadAhead::count(std::size_t file, std::size_t bytes)
 
 void SweepReadAhead::readFiles()
 {
-    for (std::size_t file = 0; claim(&file);) {
-        Ahead read;
-        try {
-            read.sweep =
-                read_sweep(files_[file], [this, file](std::size_t bytes) { count(file, bytes); });
-        } catch (const Abandoned&) {
-            return;
-        } catch (...) {
-            read.failure = std::current_exception();
+    try {
+        for (std::size_t file = 0; claim(&file);) {
+            read(file);
         }
-        const std::lock_guard lock(mutex_);
-        Ahead& ahead = ahead_.at(file);
-        ahead.sweep = std::move(read.sweep);
-        ahead.failure = read.failure;
-        ahead.isRead = true;
-        if (isAwaited_ && file == toTake_) {
-            readChanged_.notify_one();
-        }
+    } catch (const Abandoned&) {
+        return;
+    }
+}
+
+void SweepReadAhead::read(std::size_t file)
+{
+    ReadSweep sweep;
+    std::exception_ptr failure;
+    try {
+        sweep = read_sweep(files_[file], [=, this](std::size_t bytes) { count(file, bytes); });
+    } catch (const Abandoned&) {
+        throw;
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    const std::lock_guard lock(mutex_);
+    Ahead& ahead = ahead_.at(file);
+    ahead.sweep = std::move(sweep);
+    ahead.failure = failure;
+    ahead.isRead = true;
+    if (isAwaited_ && file == toTake_) {
+        readChanged_.notify_one();
     }
 }
 } // namespace dbapi::tool

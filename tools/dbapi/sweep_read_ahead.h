@@ -52,6 +52,8 @@ private:
     };
 
     void readFiles();
+    /// Throws `Abandoned`.
+    void read(std::size_t file);
     /// Whether there is a file to read; waits until there is room for one.
     bool claim(std::size_t* file);
     /// Counts what was read of a file, and waits while there is too much. Throws `Abandoned`.
