@@ -57,6 +57,27 @@ const std::map<std::string, std::string>& builtins()
     return table;
 }
 
+/// What a builtin keyname stands for.
+struct Builtin
+{
+    std::string column;
+    std::string table;
+};
+
+/// By normalised spelling.
+const std::map<std::string, Builtin>& places()
+{
+    static const std::map<std::string, Builtin> table = [] {
+        std::map<std::string, Builtin> made;
+        for (const auto& [builtin, column] : builtins()) {
+            Builtin& place = made[builtin];
+            dbapi_is_keyword_in_map(builtins(), builtin, &place.column, &place.table, nullptr);
+        }
+        return made;
+    }();
+    return table;
+}
+
 [[maybe_unused]] const bool builtAtLoad = !builtins().empty();
 } // namespace
 
@@ -65,13 +86,21 @@ bool dbapi_is_vanto_builtin_keyname(
     std::string* keyname,
     std::string* tablename)
 {
-    return dbapi_is_keyword_in_map(builtins(), keyword, keyname, tablename, nullptr);
+    const auto place = places().find(dbapi::normalised(keyword));
+    const bool isBuiltin = place != places().end();
+    if (keyname != nullptr) {
+        *keyname = isBuiltin ? place->second.column : std::string();
+    }
+    if (tablename != nullptr) {
+        *tablename = isBuiltin ? place->second.table : std::string();
+    }
+    return isBuiltin;
 }
 
 bool dbapi_is_builtin_keyword_dynamic(const std::string& keyword)
 {
-    return dbapi::db_is_vanto_builtin_keyname(keyword) &&
-           dbapi::dynamic_builtin_keywords().count(keyword) != 0;
+    static const std::set<std::string> dynamic = dbapi::dynamic_builtin_keywords();
+    return dynamic.contains(keyword) && dbapi::db_is_vanto_builtin_keyname(keyword);
 }
 
 bool dbapi_convert_keyword_to_builtin_keyname(const std::string& text, std::string* builtin)

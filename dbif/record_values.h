@@ -22,6 +22,8 @@ struct KeyValue
     std::string category;
     double number = 0;
     std::string text;
+
+    bool operator==(const KeyValue& other) const = default;
 };
 
 /// One column of a setup.

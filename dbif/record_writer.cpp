@@ -8,7 +8,6 @@
 #include "dbif/schema_names.h"
 #include "dbif/shared_records.h"
 #include "dbif/superseding.h"
-#include "dbif/sweep_packing.h"
 #include "dbif/write_transaction.h"
 
 #include <QtGlobal>
@@ -92,31 +91,6 @@ void add_keys(const std::vector<KeyValue>& keys, RecordIdentity* identity)
     }
     for (const std::string& part : parts) {
         identity->text(part);
-    }
-}
-
-/// Refuses what a setup cannot hold, before anything of it is written.
-void check_sweep(const std::vector<SetupColumn>& sweep)
-{
-    std::set<std::string> keys;
-    for (const SetupColumn& column : sweep) {
-        const std::string what = "The key \"" + column.name + "\"";
-        if (column.values.size() != sweep.front().values.size()) {
-            throw_error("The columns of a setup have different lengths.", __FILE__, __LINE__);
-        }
-        if (!keys.insert(column_key(column.isInput ? "IN" : "", column.values.kind, column.name))
-                 .second) {
-            throw_error(what + " is given twice. Give it once.", __FILE__, __LINE__);
-        }
-        if (!is_finite(column.values)) {
-            throw_error(
-                what + " has an infinite value. Only finite numbers can be stored.", __FILE__,
-                __LINE__);
-        }
-        check_text(column.header, "The header of the key \"" + column.name + "\"");
-        for (const std::optional<std::string>& text : column.values.texts) {
-            check_text(text.value_or(std::string()), "A value of the key \"" + column.name + "\"");
-        }
     }
 }
 
@@ -215,22 +189,43 @@ public:
         return found.id;
     }
 
-    void insertSweep(int setup, const std::vector<SetupColumn>& sweep)
+    /// A setup without its columns.
+    int addSetup(int condition, const FixedTexts& columns, const std::string& label)
     {
-        for (const SetupColumn& column : sweep) {
-            const int id = keys_.define(
-                RecordTable::Setup, column.name, column.values.kind, column.isInput ? "IN" : "OUT");
-            const std::optional<SweepBounds> limits = bounds(column.values);
-            insert_association(
-                rows_, setup, id,
-                column.header.empty() ? std::nullopt : std::optional(column.header),
-                static_cast<long long>(column.values.size()),
-                limits.has_value() ? std::optional(limits->minimum) : std::nullopt,
-                limits.has_value() ? std::optional(limits->maximum) : std::nullopt);
-            int number = 0;
-            for (const std::string& chunk : pack(column.values)) {
-                insert_chunk(rows_, setup, id, number++, chunk);
-            }
+        const ConditionContext& context = this->condition(condition);
+        RecordIdentity identity;
+        identity.text(context.digest)
+            .textOrMissing(column_of(columns, "name"))
+            .textOrMissing(column_of(columns, "path"));
+        const std::string digest = identity.digest();
+        const auto [first, isNew] = setups_.emplace(digest, label);
+        if (!isNew) {
+            throw_error(
+                "\"" + first->second + "\" and \"" + label +
+                    "\" hold the same sweep: device, routine, temperature, condition, name and path are equal. Leave "
+                    "one out, or give their $SETNAME or $SETPATH different values.",
+                __FILE__, __LINE__);
+        }
+        const int id =
+            insert(facts(RecordTable::Setup), {condition}, columns, std::nullopt, digest);
+        firstSetup_ = firstSetup_ == 0 ? id : firstSetup_;
+        ++measurement(context.measurement).setups;
+        return id;
+    }
+
+    void insertColumn(int setup, const PackedColumn& column)
+    {
+        const int id = keys_.define(
+            RecordTable::Setup, column.name, column.kind, column.isInput ? "IN" : "OUT");
+        const std::optional<SweepBounds>& limits = column.bounds;
+        insert_association(
+            rows_, setup, id, column.header.empty() ? std::nullopt : std::optional(column.header),
+            static_cast<long long>(column.points),
+            limits.has_value() ? std::optional(limits->minimum) : std::nullopt,
+            limits.has_value() ? std::optional(limits->maximum) : std::nullopt);
+        int number = 0;
+        for (const std::string& chunk : column.chunks) {
+            insert_chunk(rows_, setup, id, number++, chunk);
         }
     }
 
@@ -278,7 +273,7 @@ private:
         const std::optional<double>& number,
         const std::string& identity) const
     {
-        return {links, columns, number, transaction_.stamp(), user_name(), identity};
+        return {links, columns, number, transaction_.stamp(), user_, identity};
     }
 
     void touch(const TableFacts& f, int id)
@@ -305,6 +300,7 @@ private:
         }
     }
 
+    std::string user_ = user_name();
     /// A record that bears the stamp.
     std::optional<std::pair<RecordTable, int>> stamped_;
 };
@@ -385,25 +381,23 @@ int RecordWriter::addSetup(
     const std::string& label)
 {
     check_sweep(sweep);
-    const ConditionContext& context = work_->condition(condition);
-    RecordIdentity identity;
-    identity.text(context.digest)
-        .textOrMissing(column_of(columns, "name"))
-        .textOrMissing(column_of(columns, "path"));
-    const std::string digest = identity.digest();
-    const auto [first, isNew] = work_->setups_.emplace(digest, label);
-    if (!isNew) {
-        throw_error(
-            "\"" + first->second + "\" and \"" + label +
-                "\" hold the same sweep: device, routine, temperature, condition, name and path are equal. Leave one "
-                "out, or give their $SETNAME or $SETPATH different values.",
-            __FILE__, __LINE__);
+    const int id = work_->addSetup(condition, columns, label);
+    for (const SetupColumn& column : sweep) {
+        work_->insertColumn(id, pack_column(column));
     }
-    const int id =
-        work_->insert(facts(RecordTable::Setup), {condition}, columns, std::nullopt, digest);
-    work_->firstSetup_ = work_->firstSetup_ == 0 ? id : work_->firstSetup_;
-    work_->insertSweep(id, sweep);
-    ++work_->measurement(context.measurement).setups;
+    return id;
+}
+
+int RecordWriter::addPackedSetup(
+    int condition,
+    const FixedTexts& columns,
+    const std::vector<PackedColumn>& sweep,
+    const std::string& label)
+{
+    const int id = work_->addSetup(condition, columns, label);
+    for (const PackedColumn& column : sweep) {
+        work_->insertColumn(id, column);
+    }
     return id;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dbif/connection.h"
+#include "dbif/packed_sweep.h"
 #include "dbif/record_values.h"
 
 #include <QtGlobal>
@@ -45,6 +46,12 @@ public:
         int condition,
         const FixedTexts& columns,
         const std::vector<SetupColumn>& sweep,
+        const std::string& label);
+    /// The same of columns that `pack_sweep` packed.
+    int addPackedSetup(
+        int condition,
+        const FixedTexts& columns,
+        const std::vector<PackedColumn>& sweep,
         const std::string& label);
 
     /// Makes everything durable; collects statistics for the planner after many records. The writer

@@ -68,28 +68,31 @@ RowStore::RowStore(DBIF_Connection connection)
     : connection_(std::move(connection)), limit_(connection_.session().transactionLimit())
 {}
 
-int RowStore::nextId(const std::string& table)
+int RowStore::nextId(std::string_view table)
 {
     auto last = lastId_.find(table);
     if (last == lastId_.end()) {
         SqlText sql;
         sql << "SELECT max(id) FROM " << SqlName(table);
         BulkCursor cursor(connection_, sql);
-        last = lastId_.emplace(table, cursor.next() ? cursor.integer(0) : 0).first;
+        last = lastId_.emplace(std::string(table), cursor.next() ? cursor.integer(0) : 0).first;
     }
     return ++last->second;
 }
 
-RowInserter& RowStore::into(const std::string& table, const std::vector<std::string>& columns)
+RowInserter& RowStore::into(std::string_view table, std::initializer_list<std::string_view> columns)
+{
+    return into(table, [&] { return std::vector<SqlName>(columns.begin(), columns.end()); });
+}
+
+RowInserter&
+RowStore::into(std::string_view table, const std::function<std::vector<SqlName>()>& columns)
 {
     auto found = inserters_.find(table);
     if (found == inserters_.end()) {
-        const std::vector<SqlName> names(columns.begin(), columns.end());
-        found = inserters_
-                    .emplace(
-                        table, std::make_unique<Counted>(
-                                   *this, connection_.session().inserter(SqlName(table), names)))
-                    .first;
+        auto inserter = std::make_unique<Counted>(
+            *this, connection_.session().inserter(SqlName(table), columns()));
+        found = inserters_.emplace(std::string(table), std::move(inserter)).first;
     }
     return *found->second;
 }
@@ -136,11 +139,10 @@ void insert_fixed_column(const FixedColumnFacts& column, const RecordRow& record
     const auto text = record.columns.find(std::string(column.name));
     text == record.columns.end() ? row.null() : row.text(text->second);
 }
-} // namespace
 
-int insert_record(RowStore& rows, const TableFacts& f, const RecordRow& record)
+std::vector<SqlName> columns_of(const TableFacts& f)
 {
-    std::vector<std::string> names{"id"};
+    std::vector<SqlName> names{SqlName("id")};
     for (const ParentLink& link : f.parents) {
         names.emplace_back(link.column);
     }
@@ -148,9 +150,14 @@ int insert_record(RowStore& rows, const TableFacts& f, const RecordRow& record)
         names.emplace_back(column.name);
     }
     names.emplace_back("identity");
+    return names;
+}
+} // namespace
 
-    const int id = rows.nextId(std::string(f.name));
-    RowInserter& row = rows.into(std::string(f.name), names);
+int insert_record(RowStore& rows, const TableFacts& f, const RecordRow& record)
+{
+    const int id = rows.nextId(f.name);
+    RowInserter& row = rows.into(f.name, [&f] { return columns_of(f); });
     row.integer(id);
     for (const int link : record.links) {
         link == 0 ? row.null() : row.integer(link);

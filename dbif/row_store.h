@@ -4,10 +4,13 @@
 #include "dbif/record_values.h"
 #include "dbif/schema_names.h"
 
+#include <functional>
+#include <initializer_list>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace dbif {
@@ -25,9 +28,11 @@ public:
 
     [[nodiscard]] DBIF_Connection& connection() { return connection_; }
 
-    int nextId(const std::string& table);
+    int nextId(std::string_view table);
     /// The inserter of a table with those columns, made at the first call.
-    RowInserter& into(const std::string& table, const std::vector<std::string>& columns);
+    RowInserter& into(std::string_view table, std::initializer_list<std::string_view> columns);
+    /// The same, with columns that are asked for at the first call.
+    RowInserter& into(std::string_view table, const std::function<std::vector<SqlName>()>& columns);
     /// Sends the rows that wait.
     void flush();
 
@@ -40,8 +45,8 @@ private:
 
     DBIF_Connection connection_;
     TransactionLimit limit_;
-    std::map<std::string, int> lastId_;
-    std::map<std::string, std::unique_ptr<RowInserter>> inserters_;
+    std::map<std::string, int, std::less<>> lastId_;
+    std::map<std::string, std::unique_ptr<RowInserter>, std::less<>> inserters_;
     std::size_t rows_ = 0;
     std::size_t bytes_ = 0;
 };

@@ -129,6 +129,8 @@ public:
 
     [[nodiscard]] virtual SqlText beginRead() const = 0;
     [[nodiscard]] virtual SqlText beginWrite() const = 0;
+    /// How a connection is set while it writes many records, and how it is set otherwise.
+    [[nodiscard]] virtual std::vector<SqlText> writeSettings(bool isWriting) const = 0;
 
     [[nodiscard]] virtual SqlTypes types() const = 0;
     /// What follows the closing parenthesis of CREATE TABLE; `clustered`: rows stand in the order

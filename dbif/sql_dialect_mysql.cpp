@@ -78,6 +78,11 @@ public:
 
     [[nodiscard]] SqlText beginWrite() const override { return "START TRANSACTION"; }
 
+    [[nodiscard]] std::vector<SqlText> writeSettings(bool /*isWriting*/) const override
+    {
+        return {};
+    }
+
     [[nodiscard]] SqlTypes types() const override
     {
         return {"INT", "INT", "DOUBLE", "LONGTEXT", "CHAR(23)", "BINARY(16)", "LONGBLOB"};

@@ -20,6 +20,9 @@ WriteTransaction::WriteTransaction(DBIF_Connection connection) : connection_(std
             now = newest.addMSecs(1);
         }
         stamp_ = stored_time(now);
+        for (const SqlText& setting : connection_.dialect().writeSettings(true)) {
+            connection_.execute(setting, __FILE__, __LINE__);
+        }
     } catch (const DBIF_Exception&) {
         connection_.rollbackTransaction();
         throw;
@@ -33,6 +36,18 @@ WriteTransaction::~WriteTransaction()
         connection_.rollbackTransaction();
         // It may know definitions of keys that there are not any more.
         ColumnStore::of(connection_).refresh();
+    }
+    for (const SqlText& setting : connection_.dialect().writeSettings(false)) {
+        setAsBefore(setting);
+    }
+}
+
+void WriteTransaction::setAsBefore(const SqlText& setting)
+{
+    try {
+        connection_.execute(setting, __FILE__, __LINE__);
+    } catch (const DBIF_Exception&) {
+        // It would only stay as it is.
     }
 }
 

@@ -26,6 +26,7 @@ public:
     void commit(const std::string& stampedTable, int stampedId);
 
 private:
+    void setAsBefore(const SqlText& setting);
     bool isStoredAfter(const DBIF_Exception& failure, const std::string& table, int id);
 
     DBIF_Connection connection_;

@@ -71,6 +71,7 @@ TEST(AnnotatedCsv, ReadsWhatItIsAskedToAccept)
         std::string points;
     };
 
+    const std::string longText(3'000'000, 'a');
     const std::vector<GoodFile> files{
         {"IND.VG,OUTD.ID\n0,1e-9\n0.15u,-2\n", "'0' '1e-09';'1.5e-07' '-2'"},
         {"\xEF\xBB\xBF# $LOT = a\r\n\r\nIND.VG,OUTD.ID\r\n1,2\r\n\r\n3,4", "'1' '2';'3' '4'"},
@@ -80,6 +81,8 @@ TEST(AnnotatedCsv, ReadsWhatItIsAskedToAccept)
         {"INS.a,OUTS.b\n\"x, \"\"y\"\"\",\"two\nlines\"\n,\"\"\n", "'x, \"y\"' 'two\nlines';- ''"},
         {"INX.s,OUTM.y\n1.5-2j,\"[[1+0j, 0.5j]]\"\n,\n", "'1.5-2j' '[[1+0j, 0+0.5j]]';- -"},
         {"\"Key(VG,setup,DOUBLE,INPUT)\",OUTD.VG,OUTS.VG\n1,2,x\n", "'1' '2' 'x'"},
+        {"INS.a,OUTD.b\r\n\"" + longText + "\",1\r\n" + longText + ",2\r\n",
+         "'" + longText + "' '1';'" + longText + "' '2'"},
         {"IND.VG\n", ""}};
     for (const GoodFile& file : files) {
         const AnnotatedCsv csv = read(file.text);

@@ -6,17 +6,22 @@
 
 #include <QtGlobal>
 
+#include <bit>
 #include <cerrno>
-#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <csv.h>
+#include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 
 namespace dbapi::tool {
 namespace {
-constexpr std::size_t kBlockBytes = 1U << 18U;
+constexpr std::size_t kLargestBlock = 1U << 18U;
+/// By so much the parser's room for one cell grows.
+constexpr std::size_t kCellBytes = 1U << 12U;
 /// A row that is longer is no part of a sweep; most likely a quote is open.
 constexpr std::size_t kLongestRow = 1U << 26U;
 constexpr std::size_t kLongestAnnotation = 1U << 20U;
@@ -37,9 +42,40 @@ std::size_t line_length(std::string_view text, bool isLast)
     return end + (text.substr(end, 2) == "\r\n" ? 2 : 1);
 }
 
-struct CloseFile
+/// An open file, which is read without a buffer in between.
+class InputFile
 {
-    void operator()(std::FILE* file) const { std::fclose(file); }
+    Q_DISABLE_COPY_MOVE(InputFile)
+
+public:
+    explicit InputFile(const std::string& path)
+        : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) // NOLINT(*-vararg)
+    {}
+
+    ~InputFile()
+    {
+        if (descriptor_ >= 0) {
+            close(descriptor_);
+        }
+    }
+
+    [[nodiscard]] bool status(struct stat* status) const
+    {
+        return descriptor_ >= 0 && fstat(descriptor_, status) == 0;
+    }
+
+    /// The number of bytes that were read: 0 at the end of the file, less after an error.
+    [[nodiscard]] ssize_t read(char* bytes, std::size_t size) const
+    {
+        ssize_t count = 0;
+        do {
+            count = ::read(descriptor_, bytes, size);
+        } while (count < 0 && errno == EINTR);
+        return count;
+    }
+
+private:
+    int descriptor_;
 };
 
 /// Reads one file from its first block to its last.
@@ -66,6 +102,7 @@ public:
 private:
     static void onCell(void* cell, std::size_t length, void* rows);
     static void onRow(int end, void* rows);
+    static void* grow(void* room, std::size_t size);
 
     /// Takes complete lines from the head of `pending_`, as long as they are annotations or blank.
     void readAnnotations(bool isLast);
@@ -95,6 +132,12 @@ void FileReader::onCell(void* cell, std::size_t length, void* rows)
 void FileReader::onRow(int end, void* rows)
 {
     static_cast<SweepRows*>(rows)->endRow(end);
+}
+
+void* FileReader::grow(void* room, std::size_t size)
+{
+    // Twofold, because a long cell would be moved every few bytes otherwise.
+    return std::realloc(room, std::bit_ceil(size)); // NOLINT(*-no-malloc): as the parser frees it
 }
 
 void FileReader::add(std::string_view block)
@@ -163,7 +206,8 @@ void FileReader::startRows()
 {
     rows_ = std::make_unique<SweepRows>(&csv_->faults, line_);
     csv_init(&parser_, CSV_STRICT | CSV_STRICT_FINI | CSV_REPALL_NL | CSV_EMPTY_IS_NULL);
-    csv_set_blk_size(&parser_, kBlockBytes);
+    csv_set_blk_size(&parser_, kCellBytes);
+    csv_set_realloc_func(&parser_, grow);
 }
 
 void FileReader::addRows(std::string_view block)
@@ -198,6 +242,13 @@ std::string reason_of(int error)
 {
     return std::string("The file cannot be read: ") + std::strerror(error) + ".";
 }
+
+/// A small file is read in one go, and needs no more room than that.
+std::size_t block_bytes(off_t fileBytes)
+{
+    const bool isSmall = fileBytes > 0 && fileBytes < static_cast<off_t>(kLargestBlock);
+    return isSmall ? static_cast<std::size_t>(fileBytes) : kLargestBlock;
+}
 } // namespace
 
 AnnotatedCsv read_annotated_csv(const std::string& path, const ReadProgress& progress)
@@ -208,31 +259,34 @@ AnnotatedCsv read_annotated_csv(const std::string& path, const ReadProgress& pro
         csv.faults.add(0, reason_of(error));
         return std::move(csv);
     };
-    const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rbe"));
+    const InputFile file(path);
 
     struct stat status
     {};
 
-    if (file == nullptr || fstat(fileno(file.get()), &status) != 0) {
+    if (!file.status(&status)) {
         return giveUp(errno);
     }
     if (S_ISDIR(status.st_mode)) {
         return giveUp(EISDIR);
     }
-    const auto block = std::make_unique<char[]>(kBlockBytes); // NOLINT(modernize-avoid-c-arrays)
+    const std::size_t blockBytes = block_bytes(status.st_size);
+    // NOLINTNEXTLINE(modernize-avoid-c-arrays)
+    const auto block = std::make_unique_for_overwrite<char[]>(blockBytes);
     FileReader reader(&csv);
     while (!reader.isStopped()) {
-        const std::size_t size = std::fread(block.get(), 1, kBlockBytes, file.get());
+        const ssize_t size = file.read(block.get(), blockBytes);
+        if (size < 0) {
+            return giveUp(errno);
+        }
         if (size == 0) {
             break;
         }
-        reader.add({block.get(), size});
+        const auto bytes = static_cast<std::size_t>(size);
+        reader.add({block.get(), bytes});
         if (progress) {
-            progress(size);
+            progress(bytes);
         }
-    }
-    if (std::ferror(file.get()) != 0) {
-        return giveUp(errno);
     }
     reader.finish();
     return csv;

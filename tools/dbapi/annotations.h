@@ -20,6 +20,8 @@ struct RecordParts
     std::vector<dbif::KeyValue> keys;
 
     [[nodiscard]] bool isEmpty() const { return columns.empty() && keys.empty(); }
+
+    bool operator==(const RecordParts& other) const = default;
 };
 
 /// The records that a sweep belongs to, as the lines "# KEYWORD = VALUE" of its file tell them.

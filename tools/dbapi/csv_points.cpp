@@ -10,6 +10,9 @@
 
 namespace dbapi::tool {
 namespace {
+/// Room for so many is made at once; most sweeps have some hundred points at most.
+constexpr std::size_t kUsualPoints = 128;
+
 std::size_t count_line_ends(std::string_view text)
 {
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
@@ -133,6 +136,9 @@ void SweepRows::makeColumn(const std::string& keyword)
     if (!reason.empty()) {
         faults_->add(rowLine_, place + reason);
         column.values.kind = dbif::ValueKind::Text; // takes whatever the rows hold
+    }
+    if (column.values.kind == dbif::ValueKind::Double) {
+        column.values.numbers.reserve(kUsualPoints);
     }
     columns_.push_back(std::move(column));
 }

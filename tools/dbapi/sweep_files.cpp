@@ -5,8 +5,8 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <set>
 #include <system_error>
+#include <unordered_set>
 
 namespace dbapi::tool {
 namespace {
@@ -20,15 +20,36 @@ bool is_csv_file(const fs::directory_entry& entry)
            !entry.is_directory(ignored);
 }
 
-/// The CSV files of a folder; empty, with the reason in `fault`, when there are none.
-std::vector<std::string> csv_files_of(const std::string& folder, std::string* fault)
+/// A file, and the one place where it stands under whatever names.
+struct PlacedFile
 {
-    std::vector<std::string> files;
+    std::string path;
+    std::string place;
+
+    bool operator<(const PlacedFile& other) const { return path < other.path; }
+};
+
+std::string place_of(const fs::path& path)
+{
     std::error_code error;
+    const fs::path place = fs::canonical(path, error);
+    return error ? path.string() : place.string();
+}
+
+/// The CSV files of a folder; empty, with the reason in `fault`, when there are none.
+std::vector<PlacedFile> csv_files_of(const std::string& folder, std::string* fault)
+{
+    std::vector<PlacedFile> files;
+    std::error_code error;
+    const fs::path place = place_of(folder);
     fs::directory_iterator entry(folder, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
         if (is_csv_file(*entry)) {
-            files.push_back(entry->path().string());
+            const fs::path& path = entry->path();
+            std::error_code ignored;
+            const bool isElsewhere = entry->is_symlink(ignored);
+            files.push_back(
+                {path.string(), isElsewhere ? place_of(path) : (place / path.filename()).string()});
         }
     }
     if (error) {
@@ -44,7 +65,7 @@ std::vector<std::string> csv_files_of(const std::string& folder, std::string* fa
     return files;
 }
 
-std::vector<std::string> files_of(const std::string& path, std::string* fault)
+std::vector<PlacedFile> files_of(const std::string& path, std::string* fault)
 {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
@@ -54,23 +75,9 @@ std::vector<std::string> files_of(const std::string& path, std::string* fault)
                      : "There is no file or folder " + dbapi::quoted(path) + ".";
         return {};
     }
-    return fs::is_directory(status) ? csv_files_of(path, fault) : std::vector<std::string>{path};
+    return fs::is_directory(status) ? csv_files_of(path, fault)
+                                    : std::vector<PlacedFile>{{path, place_of(path)}};
 }
-
-/// The files that were not found before.
-class NewFiles
-{
-public:
-    bool add(const std::string& file)
-    {
-        std::error_code error;
-        const fs::path place = fs::canonical(file, error);
-        return known_.insert(error ? file : place.string()).second;
-    }
-
-private:
-    std::set<std::string> known_;
-};
 
 std::uintmax_t size_of(const std::string& file)
 {
@@ -79,12 +86,16 @@ std::uintmax_t size_of(const std::string& file)
     return error ? 0 : size;
 }
 
-void add_new_files(const std::vector<std::string>& files, NewFiles* newFiles, SweepFiles* found)
+/// `places`: those of the files that were found before.
+void add_new_files(
+    const std::vector<PlacedFile>& files,
+    std::unordered_set<std::string>* places,
+    SweepFiles* found)
 {
-    for (const std::string& file : files) {
-        if (newFiles->add(file)) {
-            found->files.push_back(file);
-            found->bytes += size_of(file);
+    for (const PlacedFile& file : files) {
+        if (places->insert(file.place).second) {
+            found->files.push_back(file.path);
+            found->bytes += size_of(file.path);
         }
     }
 }
@@ -93,10 +104,10 @@ void add_new_files(const std::vector<std::string>& files, NewFiles* newFiles, Sw
 SweepFiles find_sweep_files(const std::vector<std::string>& paths)
 {
     SweepFiles found;
-    NewFiles newFiles;
+    std::unordered_set<std::string> places;
     for (const std::string& path : paths) {
         std::string fault;
-        add_new_files(files_of(path, &fault), &newFiles, &found);
+        add_new_files(files_of(path, &fault), &places, &found);
         if (!fault.empty()) {
             found.faults.push_back(fault);
         }

@@ -7,6 +7,8 @@
 #include "dbif/host_string.h"
 #include "dbif/write_retry.h"
 
+#include "tools/dbapi/sweep_read_ahead.h"
+
 #include <map>
 #include <optional>
 #include <set>
@@ -17,9 +19,8 @@ namespace {
 using dbif::RecordTable;
 
 /// What the files of an import must agree in: keyword to value.
-std::map<std::string, std::string> catalogue_texts(const Annotations& annotations)
+std::map<std::string, std::string> catalogue_texts(const RecordParts& entry)
 {
-    const RecordParts& entry = annotations.of(RecordTable::CatalogEntry);
     std::map<std::string, std::string> texts;
     for (const auto& [column, text] : entry.columns) {
         std::string keyword;
@@ -35,18 +36,31 @@ std::map<std::string, std::string> catalogue_texts(const Annotations& annotation
     return texts;
 }
 
+/// A record that the last file named; the next one often names it again.
+struct SharedRecord
+{
+    RecordParts parts;
+    std::optional<int> id;
+
+    [[nodiscard]] bool is(const RecordParts& named) const
+    {
+        return id.has_value() && parts == named;
+    }
+};
+
 class Import
 {
 public:
     explicit Import(DBIF_Connection connection) : connection_(std::move(connection)) {}
 
-    void add(const std::string& file, const AnnotatedCsv& csv);
+    void add(const std::string& file, const ReadSweep& sweep);
     ImportResult finish();
 
 private:
-    void storeUnlessRefused(const std::string& file, const AnnotatedCsv& csv);
-    void store(const std::string& file, const AnnotatedCsv& csv);
+    void storeUnlessRefused(const std::string& file, const ReadSweep& sweep);
+    void store(const std::string& file, const ReadSweep& sweep);
     int deviceOf(const Annotations& annotations);
+    int routineOf(const Annotations& annotations);
     /// Whether the file says the same of the catalogue entry as the files before it.
     bool isOneEntry(const std::string& file, const Annotations& annotations);
     void addFault(const std::string& file, std::size_t line, const std::string& text);
@@ -56,14 +70,18 @@ private:
     std::optional<dbif::RecordWriter> writer_;
     int catalogEntry_ = 0;
     /// What the catalogue entry is, and the file that said so.
-    std::optional<std::map<std::string, std::string>> catalogue_;
+    std::optional<RecordParts> catalogue_;
     std::string catalogueFile_;
+    SharedRecord lastDie_;
+    SharedRecord lastDevice_;
+    SharedRecord lastRoutine_;
     std::set<int> devices_;
     ImportResult result_;
 };
 
-void Import::add(const std::string& file, const AnnotatedCsv& csv)
+void Import::add(const std::string& file, const ReadSweep& sweep)
 {
+    const AnnotatedCsv& csv = sweep.csv;
     ++result_.files;
     result_.hasUnreadableFile = result_.hasUnreadableFile || csv.isUnreadable;
     const std::size_t before = result_.faultCount;
@@ -72,18 +90,18 @@ void Import::add(const std::string& file, const AnnotatedCsv& csv)
     }
     result_.faultCount = before + csv.faults.count();
     if (csv.faults.isEmpty() && isOneEntry(file, csv.annotations)) {
-        storeUnlessRefused(file, csv);
+        storeUnlessRefused(file, sweep);
     }
     result_.faultyFiles += result_.faultCount > before ? 1 : 0;
 }
 
-void Import::storeUnlessRefused(const std::string& file, const AnnotatedCsv& csv)
+void Import::storeUnlessRefused(const std::string& file, const ReadSweep& sweep)
 {
     if (!writer_.has_value()) {
         writer_.emplace(connection_);
     }
     try {
-        store(file, csv);
+        store(file, sweep);
     } catch (const DBIF_Exception& exception) {
         // What the writer refuses is a fault of the file, and the next files may have more.
         if (!exception.sql().isEmpty() || exception.error().type() == QSqlError::TransactionError) {
@@ -95,21 +113,27 @@ void Import::storeUnlessRefused(const std::string& file, const AnnotatedCsv& csv
 
 bool Import::isOneEntry(const std::string& file, const Annotations& annotations)
 {
-    const std::map<std::string, std::string> texts = catalogue_texts(annotations);
+    const RecordParts& entry = annotations.of(RecordTable::CatalogEntry);
     if (!catalogue_.has_value()) {
-        catalogue_ = texts;
+        catalogue_ = entry;
         catalogueFile_ = file;
         return true;
     }
+    if (entry == *catalogue_) {
+        return true;
+    }
+    // They may still say the same in another order.
+    const std::map<std::string, std::string> texts = catalogue_texts(entry);
+    const std::map<std::string, std::string> first = catalogue_texts(*catalogue_);
     std::map<std::string, std::string> either = texts;
-    either.insert(catalogue_->begin(), catalogue_->end());
+    either.insert(first.begin(), first.end());
     const auto said = [](const auto& side, const std::string& keyword) {
         const auto found = side.find(keyword);
         return found == side.end() ? "no " + keyword : keyword + " = " + found->second;
     };
     for (const auto& [keyword, text] : either) {
         const std::string here = said(texts, keyword);
-        const std::string there = said(*catalogue_, keyword);
+        const std::string there = said(first, keyword);
         if (here != there) {
             std::string fault = "It has " + here + ", but ";
             fault += dbapi::quoted(catalogueFile_) + " has " + there;
@@ -134,18 +158,35 @@ int Import::deviceOf(const Annotations& annotations)
 {
     const RecordParts& die = annotations.of(RecordTable::Die);
     const RecordParts& device = annotations.of(RecordTable::Device);
-    const int dieId = die.isEmpty() ? 0 : writer_->findOrAddDie(die.columns);
-    if (dieId == 0 && device.isEmpty()) {
+    if (!lastDie_.is(die)) {
+        lastDevice_.id.reset();
+        lastDie_.id = die.isEmpty() ? 0 : writer_->findOrAddDie(die.columns);
+        lastDie_.parts = die;
+    }
+    if (*lastDie_.id == 0 && device.isEmpty()) {
         return 0;
     }
-    const int id = writer_->findOrAddDevice(dieId, device.columns, device.keys);
-    devices_.insert(id);
-    return id;
+    if (!lastDevice_.is(device)) {
+        lastDevice_.id = writer_->findOrAddDevice(*lastDie_.id, device.columns, device.keys);
+        lastDevice_.parts = device;
+        devices_.insert(*lastDevice_.id);
+    }
+    return *lastDevice_.id;
 }
 
-void Import::store(const std::string& file, const AnnotatedCsv& csv)
+int Import::routineOf(const Annotations& annotations)
 {
-    const Annotations& annotations = csv.annotations;
+    const RecordParts& routine = annotations.of(RecordTable::Routine);
+    if (!lastRoutine_.is(routine)) {
+        lastRoutine_.id = routine.isEmpty() ? 0 : writer_->findOrAddRoutine(routine.columns);
+        lastRoutine_.parts = routine;
+    }
+    return *lastRoutine_.id;
+}
+
+void Import::store(const std::string& file, const ReadSweep& sweep)
+{
+    const Annotations& annotations = sweep.csv.annotations;
     if (catalogEntry_ == 0) {
         const RecordParts& entry = annotations.of(RecordTable::CatalogEntry);
         catalogEntry_ = writer_->addCatalogEntry(entry.columns, entry.keys);
@@ -153,16 +194,16 @@ void Import::store(const std::string& file, const AnnotatedCsv& csv)
     dbif::MeasurementRecord measurement;
     measurement.catalogEntry = catalogEntry_;
     measurement.device = deviceOf(annotations);
-    const RecordParts& routine = annotations.of(RecordTable::Routine);
-    measurement.routine = routine.isEmpty() ? 0 : writer_->findOrAddRoutine(routine.columns);
+    measurement.routine = routineOf(annotations);
     measurement.temperature = annotations.temperature;
     measurement.keys = annotations.of(RecordTable::Measurement).keys;
     const RecordParts& condition = annotations.of(RecordTable::MeasurementCondition);
     const int conditionId = writer_->addCondition(
         writer_->addMeasurement(measurement), condition.columns, condition.keys);
-    writer_->addSetup(conditionId, annotations.of(RecordTable::Setup).columns, csv.columns, file);
+    writer_->addPackedSetup(
+        conditionId, annotations.of(RecordTable::Setup).columns, sweep.columns, file);
     ++result_.setups;
-    result_.points += csv.points;
+    result_.points += sweep.csv.points;
 }
 
 ImportResult Import::finish()
@@ -184,8 +225,9 @@ ImportResult import_sweeps(
     // Repeated from the first file on: a transaction that fails takes all of them with it.
     dbif::write_with_retries(connection, [&] {
         Import import(connection);
+        SweepReadAhead sweeps(files, progress);
         for (const std::string& file : files) {
-            import.add(file, read_annotated_csv(file, progress));
+            import.add(file, sweeps.next());
         }
         result = import.finish();
     });
