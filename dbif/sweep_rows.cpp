@@ -1,172 +1,15 @@
 #include "dbif/sweep_rows.h"
 
-#include "dbif/condition_sql.h"
-#include "dbif/point_filter.h"
-#include "dbif/read_trace.h"
-#include "dbif/record_query.h"
-#include "dbif/record_reader.h"
+#include "dbif/selected_setups.h"
 #include "dbif/sweep_reader.h"
 
 #include <algorithm>
 #include <cmath>
-#include <unordered_map>
+#include <limits>
 
 namespace dbif {
 namespace {
 using Kind = ResultColumn::Kind;
-
-/// The part of a condition that has to be decided on points; the rest is decided by SQL.
-ConditionTree point_part(const ConditionTree& condition)
-{
-    const std::vector<ConditionTree> parts = condition.kind() == ConditionTree::Kind::And
-                                                 ? condition.operands()
-                                                 : std::vector<ConditionTree>{condition};
-    std::vector<ConditionTree> onPoints;
-    for (const ConditionTree& part : parts) {
-        if (part.any([](const ColumnComparison& comparison) { return comparison.isOnPoints(); })) {
-            onPoints.push_back(part);
-        }
-    }
-    return ConditionTree::joined(ConditionTree::Kind::And, onPoints);
-}
-
-/// Each column is read once, however often it is asked for. The end when it is not among them.
-std::size_t place_of_key(const std::vector<KeyDefinition>& columns, const std::string& key)
-{
-    const auto found =
-        std::find_if(columns.begin(), columns.end(), [&key](const KeyDefinition& column) {
-            return column.key == key;
-        });
-    return static_cast<std::size_t>(found - columns.begin());
-}
-
-/// Adds a key to those that are read, unless it is among them; false when it is not defined.
-bool add_key(
-    DBIF_Connection& connection,
-    const std::string& key,
-    std::vector<KeyDefinition>* columns)
-{
-    if (place_of_key(*columns, key) < columns->size()) {
-        return true;
-    }
-    const KeyDefinition* definition =
-        ColumnStore::of(connection).find(connection, RecordTable::Setup, key);
-    if (definition != nullptr) {
-        columns->push_back(*definition);
-    }
-    return definition != nullptr;
-}
-
-/// The selected setups, in the order of their ids, with what is known of each before its points are
-/// read.
-class SelectedSetups
-{
-    Q_DISABLE_COPY_MOVE(SelectedSetups)
-
-public:
-    /// `sources` are record columns to read beside each setup.
-    SelectedSetups(
-        DBIF_Connection& connection,
-        const std::vector<ResultSource>& sources,
-        const ConditionTree& condition,
-        bool latestOnly)
-        : pointPart_(point_part(condition)), trace_(connection.trace())
-    {
-        const TraceStep step(trace_, "select the setups");
-        TableSet tables = tables_of(sources);
-        tables.add(RecordTable::Setup);
-        const RecordCells cells(sources);
-        std::vector<SqlText> expressions = cells.expressions();
-        expressions.emplace_back("setup.id");
-        // Comparisons on records that stand beside ones on points are decided by SQL, setup by
-        // setup.
-        pointPart_.forEachComparison([&](const ColumnComparison& comparison) {
-            if (!comparison.isOnPoints() && flags_.emplace(&comparison, flags_.size()).second) {
-                tables.add(comparison.table);
-                SqlText flag;
-                expressions.push_back(
-                    flag << "CASE WHEN "
-                         << criteria(ConditionTree::comparison(comparison), connection)
-                         << " THEN 1 ELSE 0 END");
-            }
-        });
-        const RecordQuery query(connection, tables, condition, latestOnly);
-        SqlText sql = query.select(expressions, false);
-        sql << "\nORDER BY setup.id";
-        cells_ = cells.read(connection, sql, &hasRecordValue_, 1 + flags_.size());
-        firstFlag_ = sources.size() + 1;
-        const std::vector<double>& ids = cells_.columns[sources.size()].numbers;
-        setups_.reserve(ids.size());
-        for (const double id : ids) {
-            setups_.push_back(static_cast<int>(id));
-        }
-    }
-
-    ~SelectedSetups()
-    {
-        if (trace_ != nullptr && isDecidedOnPoints()) {
-            decided_.setups = setups_.size();
-            trace_->decided(decided_);
-        }
-    }
-
-    [[nodiscard]] const std::vector<int>& ids() const { return setups_; }
-
-    /// The column of a source, a value per setup.
-    [[nodiscard]] ResultColumn& column(std::size_t source) { return cells_.columns[source]; }
-
-    [[nodiscard]] bool hasRecordValue(std::size_t place) const
-    {
-        return hasRecordValue_[place] != 0;
-    }
-
-    [[nodiscard]] bool isDecidedOnPoints() const
-    {
-        return pointPart_.kind() != ConditionTree::Kind::True;
-    }
-
-    /// The definitions of the keys that the condition looks at, added to `columns`.
-    void addConditionKeys(DBIF_Connection& connection, std::vector<KeyDefinition>* columns)
-    {
-        pointPart_.forEachComparison([&](const ColumnComparison& comparison) {
-            if (comparison.isOnPoints() && add_key(connection, comparison.column, columns)) {
-                columns_.emplace(&comparison, place_of_key(*columns, comparison.column));
-            }
-        });
-    }
-
-    [[nodiscard]] PointMask satisfying(const SweepPoints& points)
-    {
-        const TraceStep step(trace_, "decide the points in memory");
-        const auto valuesOf = [&](const ColumnComparison& comparison) {
-            const auto column = columns_.find(&comparison);
-            return column == columns_.end() ? SweepSlice() : points.columns[column->second];
-        };
-        const auto holdsForRecord = [&](const ColumnComparison& comparison) {
-            return cells_.columns[firstFlag_ + flags_.at(&comparison)].numbers[points.place] != 0;
-        };
-        PointMask mask = satisfying_points(pointPart_, points.count, valuesOf, holdsForRecord);
-        if (trace_ != nullptr) {
-            const auto kept = static_cast<std::size_t>(std::count(mask.begin(), mask.end(), 1));
-            decided_.points += mask.size();
-            decided_.keptPoints += kept;
-            decided_.keptSetups += kept > 0 ? 1 : 0;
-        }
-        return mask;
-    }
-
-private:
-    ConditionTree pointPart_;
-    /// Of a comparison on records, its place among the flags; of one on points, among the columns.
-    std::unordered_map<const ColumnComparison*, std::size_t> flags_;
-    std::unordered_map<const ColumnComparison*, std::size_t> columns_;
-    std::size_t firstFlag_ = 0;
-    QueryResult cells_;
-    RowMask hasRecordValue_;
-    std::vector<int> setups_;
-    ReadTrace* trace_;
-    TracedPoints decided_;
-};
 
 /// Collects the rows of points.
 class RowCollector
@@ -350,20 +193,6 @@ private:
     PointMask isKept_;
     std::vector<std::size_t> kept_;
 };
-
-/// The condition that a setup has one of the keys.
-ConditionTree has_one_of(const std::vector<KeyDefinition>& keys)
-{
-    SqlText sql = "SELECT setup_id AS id FROM setup_association WHERE setup_column_id IN (";
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        sql << (i == 0 ? SqlText() : SqlText(", ")) << keys[i].id;
-    }
-    ColumnComparison comparison;
-    comparison.table = RecordTable::Setup;
-    comparison.column = "id";
-    comparison.idSelect = sql << ")";
-    return ConditionTree::comparison(std::move(comparison));
-}
 } // namespace
 
 QueryResult read_sweep_rows(
@@ -381,10 +210,7 @@ QueryResult read_sweep_rows(
             columns.push_back(source.key);
         }
     }
-    SelectedSetups setups(
-        connection, recordSources,
-        ConditionTree::joined(ConditionTree::Kind::And, {has_one_of(columns), condition}),
-        latestOnly);
+    SelectedSetups setups(connection, recordSources, columns, condition, latestOnly);
     setups.addConditionKeys(connection, &columns);
     RowCollector collector(sources, columns, setups);
     read_sweeps(connection, setups.ids(), columns, [&collector](const SweepPoints& points) {
@@ -402,7 +228,7 @@ std::vector<int> ids_with_points(
     ResultSource id;
     id.table = table;
     id.fixed = facts(table).fixedColumns.front();
-    SelectedSetups setups(connection, {id}, condition, latestOnly);
+    SelectedSetups setups(connection, {id}, {}, condition, latestOnly);
     std::vector<KeyDefinition> columns;
     setups.addConditionKeys(connection, &columns);
     std::vector<int> ids;
