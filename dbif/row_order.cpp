@@ -140,6 +140,9 @@ public:
     /// `level`: how many of the keys have been sorted by.
     void sort(std::span<Row> rows, std::size_t level) const
     {
+        if (rows.size() < 2) {
+            return;
+        }
         if (level == keys_.size()) {
             // The radix sort mixes equal rows.
             if (!std::is_sorted(rows.begin(), rows.end())) {
