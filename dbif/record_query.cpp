@@ -114,6 +114,43 @@ bool picks_by_key(const ColumnComparison& comparison, RecordTable table)
     return comparison.isKey && comparison.table == table && !comparison.isOnPoints() &&
            !comparison.isLookedUp && comparison.comparator != IS_NULL;
 }
+
+/// Whether the companion table alone says so for a record that another comparison picks.
+bool looks_up_key(const ConditionTree& part, RecordTable table)
+{
+    if (part.kind() != Kind::Comparison) {
+        return false;
+    }
+    const ColumnComparison& comparison = part.comparison();
+    return comparison.isKey && comparison.table == table && !comparison.isOnPoints() &&
+           comparison.isLookedUp && comparison.comparator != IS_NULL;
+}
+
+/// Joins, to records that are picked already, the rows of keys that `rest` looks up, and takes
+/// those out of it. A record has one row of a key, so that this selects the same as EXISTS, which
+/// costs a quarter more.
+SqlText join_keys(RecordTable base, DBIF_Connection& connection, std::vector<ConditionTree>* rest)
+{
+    constexpr std::size_t kMostJoins = 16;
+    const TableFacts& f = facts(base);
+    const SqlText link = SqlText() << SqlName(f.linkColumn());
+    SqlText joins;
+    std::vector<ConditionTree> kept;
+    std::size_t count = 0;
+    for (const ConditionTree& part : *rest) {
+        if (count == kMostJoins || !looks_up_key(part, base)) {
+            kept.push_back(part);
+            continue;
+        }
+        const std::string name = "key" + std::to_string(++count);
+        joins << "\n"
+              << connection.dialect().orderedJoin() << "("
+              << records_with_key(link, part.comparison(), connection) << ") AS " << SqlName(name)
+              << " ON " << qualified(name, f.linkColumn()) << " = " << qualified(f.name, "id");
+    }
+    *rest = std::move(kept);
+    return joins;
+}
 } // namespace
 
 /// The alternatives as one set of ids of the base.
@@ -321,10 +358,12 @@ SqlText RecordQuery::selectIds() const
         return select({id}, false);
     }
     DBIF_Connection connection = connection_;
+    const SqlText joins = join_keys(base_, connection, &rest);
     SqlText link;
     link << SqlName(facts(base_).linkColumn()) << " AS id";
     SqlText sql = "SELECT ";
     return sql << id << "\nFROM (" << records_with_key(link, picking, connection) << ") AS "
-               << SqlName(facts(base_).name) << where(split(others));
+               << SqlName(facts(base_).name) << joins
+               << where(split(ConditionTree::joined(Kind::And, rest)));
 }
 } // namespace dbif
