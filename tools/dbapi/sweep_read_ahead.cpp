@@ -34,8 +34,9 @@ ReadSweep read_sweep(const std::string& file, const ReadProgress& progress)
 
 std::size_t thread_count(std::size_t files)
 {
-    const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
-    return std::min({cores, kMostThreads, files});
+    // The thread that stores has most to do, and a core of its own.
+    const std::size_t cores = std::max(2U, std::thread::hardware_concurrency());
+    return std::min({cores - 1, kMostThreads, files});
 }
 } // namespace
 
