@@ -11,8 +11,9 @@ namespace bench {
 namespace {
 namespace fs = std::filesystem;
 
-/// Counts up when the populations or the peer's schema change, so that no old data is used.
-constexpr const char* kDataVersion = "1";
+/// Counts up when the populations, the peer's schema or what the library stores change, so that no
+/// old data is used.
+constexpr const char* kDataVersion = "2";
 
 template <typename Population>
 DatabasePair
