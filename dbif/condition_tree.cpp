@@ -181,6 +181,16 @@ std::vector<ConditionTree> ConditionTree::operands() const
     return flat;
 }
 
+std::vector<ConditionTree> ConditionTree::conjuncts() const
+{
+    return kind() == Kind::And ? operands() : std::vector<ConditionTree>{*this};
+}
+
+bool ConditionTree::hasPoints() const
+{
+    return any([](const ColumnComparison& comparison) { return comparison.isOnPoints(); });
+}
+
 ConditionTree ConditionTree::negated() const
 {
     switch (kind()) {

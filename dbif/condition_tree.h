@@ -68,12 +68,17 @@ public:
     /// tree itself.
     [[nodiscard]] std::vector<ConditionTree> operands() const;
 
+    /// The terms that all have to be true: the operands of an `And`; any other tree itself.
+    [[nodiscard]] std::vector<ConditionTree> conjuncts() const;
+
     [[nodiscard]] ConditionTree negated() const;
     /// The tree with every comparison replaced by what `replace` gives for it.
     [[nodiscard]] ConditionTree
     mapped(const std::function<ConditionTree(const ConditionTree& comparison)>& replace) const;
     void forEachComparison(const std::function<void(const ColumnComparison&)>& visit) const;
     [[nodiscard]] bool any(const std::function<bool(const ColumnComparison&)>& test) const;
+    /// Whether it compares points of setups.
+    [[nodiscard]] bool hasPoints() const;
 
 private:
     struct Node;

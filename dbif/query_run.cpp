@@ -22,11 +22,6 @@ ConditionTree tree_of(const DBIF_QueryCondition* condition)
     return condition == nullptr ? ConditionTree::constant(true) : condition->tree(false);
 }
 
-bool has_points(const ConditionTree& tree)
-{
-    return tree.any([](const ColumnComparison& comparison) { return comparison.isOnPoints(); });
-}
-
 /// The result columns of a query; columns that only give the order come behind them.
 struct Plan
 {
@@ -165,7 +160,7 @@ std::vector<int> exact_ids(
         ids = read_ids(
             connection, RecordQuery(connection, {table}, withoutPoints, latestOnly).selectIds());
     }
-    if (has_points(tree)) {
+    if (tree.hasPoints()) {
         const std::vector<int> more = ids_with_points(connection, table, tree, latestOnly);
         ids.insert(ids.end(), more.begin(), more.end());
     }
@@ -177,7 +172,7 @@ std::vector<int> exact_ids(
 
 bool is_decided_on_points(const DBIF_QueryCondition* condition)
 {
-    return has_points(tree_of(condition));
+    return tree_of(condition).hasPoints();
 }
 
 std::vector<int> matching_ids(
@@ -207,7 +202,7 @@ QueryResult run_query(const DBIF_Query& query)
             return source.isOnPoints();
         });
     std::unique_ptr<IdList> picked;
-    if (has_points(condition) && !hasPointColumns) {
+    if (condition.hasPoints() && !hasPointColumns) {
         const TraceStep picking(connection.trace(), "pick the records by their points");
         const RecordTable base = meeting_table(tables_of(plan.sources));
         picked = std::make_unique<IdList>(

@@ -102,12 +102,6 @@ bool RecordQuery::selectsAll() const
 }
 
 namespace {
-std::vector<ConditionTree> conjunction(const ConditionTree& condition)
-{
-    return condition.kind() == Kind::And ? condition.operands()
-                                         : std::vector<ConditionTree>{condition};
-}
-
 /// Whether the companion table alone says which records of `table` satisfy the comparison.
 bool picks_by_key(const ColumnComparison& comparison, RecordTable table)
 {
@@ -175,7 +169,7 @@ RecordQuery::Split RecordQuery::split(const ConditionTree& condition) const
 {
     std::vector<ConditionTree> above;
     std::vector<ConditionTree> below;
-    for (const ConditionTree& part : conjunction(condition)) {
+    for (const ConditionTree& part : condition.conjuncts()) {
         (tables_of(part).isWithin(aboveBase_) ? above : below).push_back(part);
     }
     return {ConditionTree::joined(Kind::And, above), ConditionTree::joined(Kind::And, below)};
@@ -341,7 +335,7 @@ SqlText RecordQuery::select(const std::vector<SqlText>& expressions, bool isDist
 SqlText RecordQuery::selectIds() const
 {
     const SqlText id = qualified(facts(base_).name, "id");
-    std::vector<ConditionTree> rest = conjunction(condition_);
+    std::vector<ConditionTree> rest = condition_.conjuncts();
     const auto driver = std::find_if(rest.begin(), rest.end(), [this](const ConditionTree& part) {
         return part.kind() == Kind::Comparison && picks_by_key(part.comparison(), base_);
     });

@@ -11,23 +11,12 @@ namespace dbif {
 namespace {
 using Kind = ConditionTree::Kind;
 
-std::vector<ConditionTree> conjunction(const ConditionTree& condition)
-{
-    return condition.kind() == Kind::And ? condition.operands()
-                                         : std::vector<ConditionTree>{condition};
-}
-
-bool has_points(const ConditionTree& tree)
-{
-    return tree.any([](const ColumnComparison& comparison) { return comparison.isOnPoints(); });
-}
-
 /// The part of a condition that has to be decided on points; the rest is decided by SQL.
 ConditionTree point_part(const ConditionTree& condition)
 {
     std::vector<ConditionTree> onPoints;
-    for (const ConditionTree& part : conjunction(condition)) {
-        if (has_points(part)) {
+    for (const ConditionTree& part : condition.conjuncts()) {
+        if (part.hasPoints()) {
             onPoints.push_back(part);
         }
     }
@@ -110,7 +99,7 @@ ConditionTree selecting_condition(
     const std::vector<KeyDefinition>& keys,
     const ConditionTree& condition)
 {
-    std::vector<ConditionTree> terms = conjunction(condition);
+    std::vector<ConditionTree> terms = condition.conjuncts();
     const bool isAllOnPoints =
         !condition.any([](const ColumnComparison& comparison) { return !comparison.isOnPoints(); });
     bool isKeyWeak = false;
