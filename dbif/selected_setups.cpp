@@ -41,7 +41,7 @@ bool add_key(
 }
 
 /// The condition that a setup has one of the keys.
-ConditionTree has_one_of(const std::vector<KeyDefinition>& keys)
+ConditionTree has_one_of(const std::vector<KeyDefinition>& keys, bool isLookedUp)
 {
     SqlText sql = "SELECT setup_id AS id FROM setup_association WHERE setup_column_id IN (";
     for (std::size_t i = 0; i < keys.size(); ++i) {
@@ -51,6 +51,7 @@ ConditionTree has_one_of(const std::vector<KeyDefinition>& keys)
     comparison.table = RecordTable::Setup;
     comparison.column = "id";
     comparison.idSelect = sql << ")";
+    comparison.isLookedUp = isLookedUp;
     return ConditionTree::comparison(std::move(comparison));
 }
 
@@ -106,11 +107,17 @@ ConditionTree selecting_condition(
     if (isAllOnPoints) {
         WeakTerms weak(connection);
         std::erase_if(terms, [&weak](const ConditionTree& term) { return weak.has(term); });
-        isKeyWeak = std::any_of(
-            keys.begin(), keys.end(), [&weak](const KeyDefinition& key) { return weak.has(key); });
+        // A term that is left selects some setups, and makes a count of all of them pointless.
+        isKeyWeak = ConditionTree::joined(Kind::And, terms).kind() == Kind::True &&
+                    std::any_of(keys.begin(), keys.end(), [&weak](const KeyDefinition& key) {
+                        return weak.has(key);
+                    });
     }
     if (!keys.empty() && !isKeyWeak) {
-        terms.insert(terms.begin(), has_one_of(keys));
+        // Beside a term that selects some setups it is looked up for those.
+        const bool isLookedUp = isAllOnPoints && condition.kind() != Kind::True &&
+                                !connection.dialect().weighsSubSelects();
+        terms.insert(terms.begin(), has_one_of(keys, isLookedUp));
     }
     return ConditionTree::joined(Kind::And, terms);
 }

@@ -223,4 +223,7 @@ TEST(SweepPacking, BelievesNoSizeThatTheBytesDoNotHave)
         EXPECT_THAT(error_of(chunk, kind), HasSubstr("The key \"id\" of setup 7 is damaged ("))
             << &chunk - &chunks[0].second;
     }
+    // Refused before so much memory is asked for.
+    EXPECT_THAT(
+        error_of(chunks[std::size(chunks) - 1].second, ValueKind::Text), HasSubstr("too short"));
 }
