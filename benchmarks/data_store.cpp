@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 /// Counts up when the populations, the peer's schema or what the library stores change, so that no
 /// old data is used.
-constexpr const char* kDataVersion = "2";
+constexpr const char* kDataVersion = "3";
 
 template <typename Population>
 DatabasePair

@@ -41,7 +41,6 @@ std::vector<Comparison> point_rows(const DataStore& store, std::size_t points)
         comparison.prepare = [database] {
             database->open();
         };
-        comparison.turns = 3;
         return comparison;
     };
     return {

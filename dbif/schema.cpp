@@ -203,11 +203,12 @@ private:
         index(
             f.associationTable(), "bounds", SqlText("setup_column_id, minimum, maximum, setup_id"));
         SqlText data;
-        run(database_,
-            data << "CREATE TABLE " << SqlName(f.dataTable()) << " (setup_column_id " << types_.id
-                 << " NOT NULL, setup_id " << types_.id << " NOT NULL, chunk " << types_.integer
-                 << " NOT NULL, payload " << types_.blob
-                 << " NOT NULL, PRIMARY KEY (setup_column_id, setup_id, chunk))" << options_);
+        run(database_, data << "CREATE TABLE " << SqlName(f.dataTable()) << " (setup_column_id "
+                            << types_.id << " NOT NULL, setup_id " << types_.id
+                            << " NOT NULL, chunk " << types_.integer << " NOT NULL, payload "
+                            << types_.blob
+                            << " NOT NULL, PRIMARY KEY (setup_column_id, setup_id, chunk))"
+                            << clusteredOptions_);
     }
 
     void index(

@@ -51,12 +51,13 @@ QSharedPointer<DBIF_Setup> DBIF_Setup::get(DBIF_Connection& connection, int id)
     }
     std::size_t points = 0;
     dbif::SweepArrays arrays;
-    dbif::read_sweeps(connection, {id}, keys, [&](const dbif::SweepPoints& read) {
+    const auto copy = [&](const dbif::SweepPoints& read) {
         points = read.count;
         for (std::size_t column = 0; column < keys.size(); ++column) {
             arrays[keys[column].key] = dbif::copy_of(read.columns[column]);
         }
-    });
+    };
+    dbif::read_sweeps(connection, {id}, keys, dbif::SetupsWithoutColumns::Counted, copy);
     return QSharedPointer<DBIF_Setup>(
         new DBIF_Setup(connection, columns, points, std::move(arrays)));
 }

@@ -17,6 +17,10 @@ static_assert(sizeof(std::complex<double>) == 2 * sizeof(double));
 
 namespace {
 constexpr std::size_t kChunkBytes = 1U << 20U;
+/// What a page of SQLite's (8 KiB) holds four times. The rest of a longer row goes to pages of its
+/// own, which it fills badly: columns of up to `kFewValuesBytes` are rather split.
+constexpr std::size_t kRowBytes = 2000;
+constexpr std::size_t kFewValuesBytes = 8 * kRowBytes;
 constexpr std::uint8_t kPlain = 1;
 constexpr std::uint8_t kCompressed = 2;
 constexpr std::uint32_t kMissingText = 0xFFFFFFFF;
@@ -94,13 +98,16 @@ public:
     /// A run of values of equal size.
     void addRun(const void* values, std::size_t count, std::size_t valueBytes)
     {
-        const char* bytes = static_cast<const char*>(values);
-        const std::size_t most = (kChunkBytes - kChunkHeadBytes) / valueBytes;
-        for (std::size_t done = 0; done < count;) {
-            const std::size_t now = std::min(most, count - done);
-            finishChunk({bytes + done * valueBytes, now * valueBytes}, now);
-            done += now;
-        }
+        const std::string_view run(static_cast<const char*>(values), count * valueBytes);
+        forEachPart(run, valueBytes, kChunkBytes, [&](std::string_view part) {
+            chunks_.push_back(chunkOf(part, part.size() / valueBytes));
+            if (chunks_.back().size() > kRowBytes && part.size() <= kFewValuesBytes) {
+                chunks_.pop_back();
+                forEachPart(part, valueBytes, kRowBytes, [&](std::string_view piece) {
+                    chunks_.push_back(chunkOf(piece, piece.size() / valueBytes));
+                });
+            }
+        });
     }
 
     void add(const std::string& value)
@@ -121,24 +128,39 @@ public:
     }
 
 private:
+    /// Parts of as many values as a chunk of so many bytes takes.
+    template <typename Use>
+    static void forEachPart(
+        std::string_view values,
+        std::size_t valueBytes,
+        std::size_t chunkBytes,
+        const Use& use)
+    {
+        const std::size_t most = (chunkBytes - kChunkHeadBytes) / valueBytes * valueBytes;
+        for (; !values.empty(); values.remove_prefix(std::min(most, values.size()))) {
+            use(values.substr(0, most));
+        }
+    }
+
     void finishValues()
     {
-        finishChunk(values_, count_);
+        chunks_.push_back(chunkOf(values_, count_));
         values_.clear();
         count_ = 0;
     }
 
-    void finishChunk(std::string_view values, std::size_t count)
+    [[nodiscard]] std::string chunkOf(std::string_view values, std::size_t count) const
     {
         Header header{kPlain, kind_code(kind_), 0, static_cast<std::uint32_t>(count), 0};
         header.checksum = checksum_of(header, values);
-        std::string& chunk = chunks_.emplace_back(kChunkHeadBytes, '\0');
+        std::string chunk(kChunkHeadBytes, '\0');
         if (append_compressed(values, &chunk)) {
             header.format = kCompressed;
         } else {
             chunk += values;
         }
         std::memcpy(chunk.data(), &header, kChunkHeadBytes);
+        return chunk;
     }
 
     ValueKind kind_;

@@ -8,8 +8,9 @@
 #include <vector>
 
 namespace dbif {
-/// Packs an array into chunks of at most 1 MiB (one value that is longer has a chunk of its own). A
-/// chunk is a header of 16 bytes, then the values.
+/// Packs an array into chunks of at most 1 MiB (one value that is longer has a chunk of its own);
+/// numbers that take between 2 and 16 kB, into chunks of at most 2 kB. A chunk is a header of 16
+/// bytes, then the values.
 ///
 ///     byte 0      format: 1 values as they are, 2 values compressed
 ///     byte 1      kind: 1 double, 2 complex, 3 matrix, 4 text

@@ -2,13 +2,16 @@
 
 #include "dbif/bulk_cursor.h"
 #include "dbif/read_trace.h"
-#include "dbif/sweep_packing.h"
+#include "dbif/work_beside.h"
 
 #include <algorithm>
+#include <array>
+#include <span>
+#include <utility>
 
 namespace dbif {
 namespace {
-constexpr std::size_t kMostSetupsPerBlock = 256;
+constexpr std::size_t kMostSetupsPerBlock = 512;
 constexpr std::size_t kMostPointsPerBlock = 1U << 18U;
 
 constexpr std::size_t kAbsent = static_cast<std::size_t>(-1);
@@ -51,111 +54,73 @@ private:
     std::size_t place_ = 0;
 };
 
-/// Reads a block of setups.
+/// Reads blocks of setups.
 class BlockReader
 {
 public:
-    BlockReader(DBIF_Connection& connection, const std::vector<KeyDefinition>& columns)
-        : connection_(connection), columns_(columns), arrays_(columns.size())
-    {
-        for (std::size_t column = 0; column < columns.size(); ++column) {
-            arrays_[column].kind = columns[column].kind;
-        }
-    }
+    BlockReader(
+        DBIF_Connection& connection,
+        const std::vector<KeyDefinition>& columns,
+        SetupsWithoutColumns others)
+        : connection_(connection), columns_(columns), others_(others)
+    {}
 
-    /// Reads as many of the setups as fit, and returns their number.
-    std::size_t read(std::span<const int> setups)
+    /// Reads as many of the setups, from place `first` on, as fit.
+    void read(std::span<const int> setups, std::size_t first, SweepBlock* block) const
     {
-        const std::size_t most = std::min(setups.size(), kMostSetupsPerBlock);
-        readAssociations(setups.first(most));
-        std::size_t points = 0;
-        std::size_t count = 0;
-        while (count < most && points < kMostPointsPerBlock) {
-            points += points_[count++];
-        }
+        const TraceStep step(connection_.trace(), "read the points");
+        setups = setups.subspan(first);
+        setups = setups.first(std::min(setups.size(), kMostSetupsPerBlock));
+        block->begin(setups, first);
+        readAssociations(setups, block);
+        setups = block->limitPoints(kMostPointsPerBlock);
         for (std::size_t column = 0; column < columns_.size(); ++column) {
-            readColumn(column, setups.first(count));
+            readColumn(column, setups, block);
         }
-        return count;
-    }
-
-    [[nodiscard]] SweepPoints points(std::size_t place) const
-    {
-        return {place, points_[place], {slices_.data() + place * columns_.size(), columns_.size()}};
     }
 
 private:
     /// What each setup has, and how many points.
-    void readAssociations(std::span<const int> setups)
+    void readAssociations(std::span<const int> setups, SweepBlock* block) const
     {
-        points_.assign(setups.size(), 0);
-        slices_.assign(setups.size() * columns_.size(), {});
         SqlText sql = "SELECT setup_id, setup_column_id, points FROM setup_association WHERE ";
-        BulkCursor cursor(connection_, sql << is_one_of(setups) << " ORDER BY setup_id");
+        sql << is_one_of(setups);
+        if (others_ == SetupsWithoutColumns::Empty) {
+            // The sign keeps the databases from a detour by the index of the columns.
+            sql << " AND +setup_column_id IN (";
+            for (std::size_t i = 0; i < columns_.size(); ++i) {
+                sql << (i == 0 ? SqlText() : SqlText(", ")) << columns_[i].id;
+            }
+            sql << ")";
+        }
+        BulkCursor cursor(connection_, sql << " ORDER BY setup_id");
         SetupFinder finder(setups);
         while (cursor.next()) {
             const std::size_t place = finder.find(cursor.integer(0));
-            if (place == kAbsent) {
-                continue;
-            }
-            noteKey(place, cursor.integer(1));
-            const auto points = static_cast<std::size_t>(cursor.integer(2));
-            points_[place] = std::max(points_[place], points);
-        }
-    }
-
-    /// The setup has the key of that id.
-    void noteKey(std::size_t place, int id)
-    {
-        for (std::size_t column = 0; column < columns_.size(); ++column) {
-            if (columns_[column].id == id) {
-                slice(place, column).array = &arrays_[column];
+            if (place != kAbsent) {
+                block->note(place, cursor.integer(1), static_cast<std::size_t>(cursor.integer(2)));
             }
         }
     }
 
-    void readColumn(std::size_t column, std::span<const int> setups)
+    void readColumn(std::size_t column, std::span<const int> setups, SweepBlock* block) const
     {
-        const KeyDefinition& definition = columns_[column];
-        SweepArray& array = arrays_[column];
-        array.clear();
         SqlText sql = "SELECT setup_id, payload FROM setup_data WHERE setup_column_id = ";
         BulkCursor cursor(
-            connection_,
-            sql << definition.id << " AND " << is_one_of(setups) << " ORDER BY setup_id, chunk");
+            connection_, sql << columns_[column].id << " AND " << is_one_of(setups)
+                             << " ORDER BY setup_id, chunk");
         SetupFinder finder(setups);
         while (cursor.next()) {
-            const int setup = cursor.integer(0);
-            const std::size_t place = finder.find(setup);
-            if (place == kAbsent || !slice(place, column).isPresent()) {
-                continue;
-            }
-            const std::size_t before = array.size();
-            unpack(cursor.text(1), {definition.name, setup}, &array);
-            SweepSlice& read = slice(place, column);
-            read.first = read.size == 0 ? before : read.first;
-            read.size += array.size() - before;
-        }
-        for (std::size_t place = 0; place < setups.size(); ++place) {
-            if (slice(place, column).isPresent()) {
-                check_length(
-                    {definition.name, setups[place]}, slice(place, column).size, points_[place]);
+            const std::size_t place = finder.find(cursor.integer(0));
+            if (place != kAbsent && block->has(place, column)) {
+                block->store(place, column, cursor.text(1));
             }
         }
-    }
-
-    SweepSlice& slice(std::size_t place, std::size_t column)
-    {
-        return slices_[place * columns_.size() + column];
     }
 
     DBIF_Connection& connection_;
     const std::vector<KeyDefinition>& columns_;
-    /// Of each column, the values of all setups of the block.
-    std::vector<SweepArray> arrays_;
-    std::vector<std::size_t> points_;
-    /// By place and column.
-    std::vector<SweepSlice> slices_;
+    SetupsWithoutColumns others_;
 };
 } // namespace
 
@@ -163,20 +128,35 @@ void read_sweeps(
     DBIF_Connection& connection,
     const std::vector<int>& setups,
     const std::vector<KeyDefinition>& columns,
+    SetupsWithoutColumns others,
     const std::function<void(const SweepPoints& points)>& use)
 {
-    BlockReader reader(connection, columns);
-    for (std::size_t first = 0; first < setups.size();) {
-        const std::size_t count = [&] {
-            const TraceStep step(connection.trace(), "read the points");
-            return reader.read({setups.data() + first, setups.size() - first});
-        }();
-        for (std::size_t place = 0; place < count; ++place) {
-            SweepPoints points = reader.points(place);
-            points.place = first + place;
-            use(points);
+    ReadTrace* const trace = connection.trace();
+    const auto use_block = [trace, &use](SweepBlock* block) {
+        {
+            const TraceStep step(trace, "unpack the points");
+            block->unpack();
         }
-        first += count;
+        for (std::size_t place = 0; place < block->size(); ++place) {
+            use(block->points(place));
+        }
+    };
+    const BlockReader reader(connection, columns, others);
+    std::array<SweepBlock, 2> blocks{SweepBlock(columns), SweepBlock(columns)};
+    WorkBeside beside;
+    SweepBlock* block = &blocks[0];
+    SweepBlock* used = &blocks[1];
+    for (std::size_t first = 0; first < setups.size();) {
+        reader.read(setups, first, block);
+        first += block->size();
+        if (trace == nullptr && first < setups.size()) {
+            beside.begin([&use_block, block] { use_block(block); });
+        } else {
+            // Nothing is left to read meanwhile. A trace notes one step at a time.
+            beside.finish();
+            use_block(block);
+        }
+        std::swap(block, used);
     }
 }
 } // namespace dbif

@@ -1,30 +1,24 @@
 #pragma once
 
-#include "dbif/column_store.h"
 #include "dbif/connection.h"
-#include "dbif/sweep_slice.h"
+#include "dbif/sweep_block.h"
 
 #include <functional>
-#include <span>
 #include <vector>
 
 namespace dbif {
-/// The points of one setup.
-struct SweepPoints
-{
-    /// Its place among the setups that are read.
-    std::size_t place = 0;
-    std::size_t count = 0;
-    /// A slice for each column that is read; valid until the next setup.
-    std::span<const SweepSlice> columns;
-};
+/// Whether setups that have none of the columns are known with their number of points all the
+/// same, or as having none.
+enum class SetupsWithoutColumns { Counted, Empty };
 
-/// Reads columns of setups (ascending ids), and hands over one setup after another. Holds the
-/// arrays of about a million points at a time. Throws `DBIF_Exception` naming setup and key when
-/// stored data are damaged.
+/// Reads columns of setups (ascending ids), and hands over one setup after another: not always in
+/// the calling thread, so that many setups are used while more are read; `use` must not touch the
+/// connection. Holds the arrays of about a million points at a time. Throws `DBIF_Exception` naming
+/// setup and key when stored data are damaged.
 void read_sweeps(
     DBIF_Connection& connection,
     const std::vector<int>& setups,
     const std::vector<KeyDefinition>& columns,
+    SetupsWithoutColumns others,
     const std::function<void(const SweepPoints& points)>& use);
 } // namespace dbif

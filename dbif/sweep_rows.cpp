@@ -49,12 +49,7 @@ public:
                 isKept_[point] = isKept_[point] & mask[point];
             }
         }
-        kept_.clear();
-        for (std::size_t point = 0; point < points.count; ++point) {
-            if (isKept_[point] != 0) {
-                kept_.push_back(point);
-            }
-        }
+        listKept();
         for (Output& output : outputs_) {
             output.record != nullptr ? appendRecord(points.place, &output)
                                      : appendPoints(points.columns[output.column], &output.values);
@@ -132,6 +127,18 @@ private:
         for (std::size_t point = 0; point < isKept->size(); ++point) {
             (*isKept)[point] |= static_cast<std::uint8_t>(values.hasValue(point));
         }
+    }
+
+    /// Without branches, which a processor could not foresee.
+    void listKept()
+    {
+        kept_.resize(isKept_.size());
+        std::size_t count = 0;
+        for (std::size_t point = 0; point < isKept_.size(); ++point) {
+            kept_[count] = point;
+            count += isKept_[point];
+        }
+        kept_.resize(count);
     }
 
     void appendRecord(std::size_t place, Output* output) const
@@ -213,9 +220,9 @@ QueryResult read_sweep_rows(
     SelectedSetups setups(connection, recordSources, columns, condition, latestOnly);
     setups.addConditionKeys(connection, &columns);
     RowCollector collector(sources, columns, setups);
-    read_sweeps(connection, setups.ids(), columns, [&collector](const SweepPoints& points) {
-        collector.add(points);
-    });
+    read_sweeps(
+        connection, setups.ids(), columns, SetupsWithoutColumns::Empty,
+        [&collector](const SweepPoints& points) { collector.add(points); });
     return collector.finish();
 }
 
@@ -233,13 +240,15 @@ std::vector<int> ids_with_points(
     setups.addConditionKeys(connection, &columns);
     std::vector<int> ids;
     const std::vector<double>& idOfSetup = setups.column(0).numbers;
-    read_sweeps(connection, setups.ids(), columns, [&](const SweepPoints& points) {
+    const auto add = [&](const SweepPoints& points) {
         const PointMask mask = setups.satisfying(points);
         const double found = idOfSetup[points.place];
         if (!std::isnan(found) && std::find(mask.begin(), mask.end(), 1) != mask.end()) {
             ids.push_back(static_cast<int>(found));
         }
-    });
+    };
+    // A setup without any of the keys may have points that satisfy, for it lacks them.
+    read_sweeps(connection, setups.ids(), columns, SetupsWithoutColumns::Counted, add);
     return ids;
 }
 } // namespace dbif

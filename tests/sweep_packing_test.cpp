@@ -130,6 +130,27 @@ TEST(SweepPacking, ReadsBackWhatItPacked)
     }
 }
 
+// A page of SQLite's takes four of them; the rest of a longer one would get a page to itself.
+TEST(SweepPacking, SplitsShortColumns)
+{
+    const auto sizes = [](std::size_t count, bool isRepeated) {
+        std::vector<double> values;
+        for (std::size_t i = 0; i < count; ++i) {
+            values.push_back(isRepeated ? 0.1 : std::sin(static_cast<double>(i)));
+        }
+        std::string text;
+        for (const std::string& chunk : dbif::pack(numbers(values))) {
+            text += std::to_string(chunk.size()) + " ";
+        }
+        return text;
+    };
+    EXPECT_EQ(sizes(248, false), "2000 ");
+    EXPECT_EQ(sizes(300, false), "2000 432 ");
+    EXPECT_EQ(sizes(2000, false), "2000 2000 2000 2000 2000 2000 2000 2000 144 ");
+    EXPECT_EQ(sizes(2001, false), "16024 ");
+    EXPECT_EQ(sizes(2000, true).find(' '), sizes(2000, true).size() - 1);
+}
+
 // Databases hold this form: it never changes.
 TEST(SweepPacking, KeepsItsForm)
 {
