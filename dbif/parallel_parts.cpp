@@ -14,7 +14,8 @@ void for_parts(
 {
     // More would mostly wait for memory.
     constexpr std::size_t kMostParts = 8;
-    const std::size_t processors = std::max(1U, std::thread::hardware_concurrency());
+    // Asking takes as long as a small read.
+    static const std::size_t processors = std::max(1U, std::thread::hardware_concurrency());
     const std::size_t parts =
         std::clamp<std::size_t>(count / grain, 1, std::min(processors, kMostParts));
     const auto limit = [&](std::size_t part) {
