@@ -37,13 +37,11 @@ SqlText text_condition(const SqlText& column, const ColumnComparison& comparison
     case NOT_IN:
         break;
     }
-    sql << (comparison.comparator == IN ? SqlText(" IN (") : SqlText(" NOT IN ("));
-    bool isFirst = true;
-    for (const std::string& text : comparison.texts) {
-        sql << (isFirst ? SqlText() : SqlText(", ")) << SqlLiteral(text);
-        isFirst = false;
-    }
-    return sql << ")";
+    const auto literal = [](const std::string& text) {
+        return SqlLiteral(text);
+    };
+    return sql << (comparison.comparator == IN ? SqlText(" IN (") : SqlText(" NOT IN ("))
+               << listed(comparison.texts, literal) << ")";
 }
 
 SqlText value_condition(

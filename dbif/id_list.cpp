@@ -6,6 +6,7 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <span>
 
 namespace dbif {
 namespace {
@@ -14,11 +15,7 @@ constexpr std::size_t kMostListedIds = 500;
 
 SqlText id_sequence(const std::vector<int>& ids, std::size_t first, std::size_t count)
 {
-    SqlText sql;
-    for (std::size_t i = first; i < first + count; ++i) {
-        sql << (i == first ? SqlText() : SqlText(", ")) << ids[i];
-    }
-    return sql;
+    return listed(std::span(ids).subspan(first, count));
 }
 
 IdList::IdList(DBIF_Connection connection, RecordTable table, const std::vector<int>& ids)

@@ -36,14 +36,13 @@ std::vector<int>
 candidates(DBIF_Connection& target, const std::vector<MeasurementContent>& contents)
 {
     std::set<std::pair<std::string, std::string>> wanted;
-    SqlText sql = "SELECT id, identity, modified_time FROM measurement WHERE identity IN (";
     for (const MeasurementContent& content : contents) {
-        const RecordRow& row = content.record.row;
-        sql << (wanted.empty() ? SqlText() : SqlText(", ")) << SqlBlob(row.identity);
-        wanted.emplace(row.identity, row.time);
+        wanted.emplace(content.record.row.identity, content.record.row.time);
     }
+    SqlText sql = "SELECT id, identity, modified_time FROM measurement WHERE identity IN (";
+    sql << listed(wanted, [](const auto& identity) { return SqlBlob(identity.first); }) << ")";
     std::vector<int> ids;
-    BulkCursor cursor(target, sql << ")");
+    BulkCursor cursor(target, sql);
     while (cursor.next()) {
         if (wanted.contains({std::string(cursor.text(1)), std::string(cursor.text(2))})) {
             ids.push_back(cursor.integer(0));

@@ -275,11 +275,7 @@ public:
         : handle_(handle), limit_(limit)
     {
         SqlText head;
-        head << "INSERT INTO " << table << " (";
-        for (std::size_t i = 0; i < columns.size(); ++i) {
-            head << (i == 0 ? SqlText() : SqlText(", ")) << columns[i];
-        }
-        head << ") VALUES ";
+        head << "INSERT INTO " << table << " (" << listed(columns) << ") VALUES ";
         head_ = head.utf8();
     }
 

@@ -104,13 +104,8 @@ private:
 SqlText insert_statement(const SqlName& table, const std::vector<SqlName>& columns)
 {
     SqlText sql;
-    sql << "INSERT INTO " << table << " (";
-    SqlText values;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        sql << (i == 0 ? SqlText() : SqlText(", ")) << columns[i];
-        values << (i == 0 ? SqlText("?") : SqlText(", ?"));
-    }
-    return sql << ") VALUES (" << values << ")";
+    return sql << "INSERT INTO " << table << " (" << listed(columns) << ") VALUES ("
+               << listed(columns, [](const SqlName&) { return SqlText("?"); }) << ")";
 }
 
 class SqliteInserter final : public RowInserter

@@ -326,10 +326,8 @@ SqlText RecordQuery::select(const std::vector<SqlText>& expressions, bool isDist
     needed.add(tables_of(restricted_to(parts.below, aboveBase_)));
 
     SqlText sql = isDistinct ? SqlText("SELECT DISTINCT ") : SqlText("SELECT ");
-    for (std::size_t i = 0; i < expressions.size(); ++i) {
-        sql << (i == 0 ? SqlText() : SqlText(", ")) << expressions[i];
-    }
-    return sql << from(base_, needed, required_tables(parts.above)) << where(parts);
+    return sql << listed(expressions) << from(base_, needed, required_tables(parts.above))
+               << where(parts);
 }
 
 SqlText RecordQuery::selectIds() const

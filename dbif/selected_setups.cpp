@@ -44,13 +44,10 @@ bool add_key(
 ConditionTree has_one_of(const std::vector<KeyDefinition>& keys, bool isLookedUp)
 {
     SqlText sql = "SELECT setup_id AS id FROM setup_association WHERE setup_column_id IN (";
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        sql << (i == 0 ? SqlText() : SqlText(", ")) << keys[i].id;
-    }
     ColumnComparison comparison;
     comparison.table = RecordTable::Setup;
     comparison.column = "id";
-    comparison.idSelect = sql << ")";
+    comparison.idSelect = sql << listed(keys, &KeyDefinition::id) << ")";
     comparison.isLookedUp = isLookedUp;
     return ConditionTree::comparison(std::move(comparison));
 }

@@ -84,22 +84,20 @@ int SharedRecords::lookUp(const TableFacts& f, Table& table, const std::string& 
 SharedRecords::Known SharedRecords::readRecord(const TableFacts& f, int id)
 {
     Known known{id, {}, std::nullopt};
+    const std::span columns = f.fixedColumns.subspan(1);
     SqlText sql = "SELECT ";
-    std::vector<std::string> names;
-    for (const FixedColumnFacts& column : f.fixedColumns.subspan(1)) {
-        sql << (names.empty() ? SqlText() : SqlText(", ")) << SqlName(column.name);
-        names.emplace_back(column.name);
-    }
-    sql << " FROM " << SqlName(f.name) << " WHERE id = " << id;
+    sql << listed(columns, [](const FixedColumnFacts& column) { return SqlName(column.name); })
+        << " FROM " << SqlName(f.name) << " WHERE id = " << id;
     BulkCursor cursor(rows_.connection(), sql);
     if (!cursor.next()) {
         return known;
     }
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        const int column = static_cast<int>(i);
+    int column = 0;
+    for (const FixedColumnFacts& facts : columns) {
         if (!cursor.isNull(column)) {
-            known.columns[names[i]] = cursor.text(column);
+            known.columns[std::string(facts.name)] = cursor.text(column);
         }
+        ++column;
     }
     return known;
 }

@@ -3,6 +3,7 @@
 #include <QString>
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -78,6 +79,22 @@ public:
 private:
     std::string text_;
 };
+
+/// What `part` makes of each item, with commas between.
+template <typename Items, typename Part = std::identity>
+SqlText listed(const Items& items, const Part& part = {})
+{
+    SqlText sql;
+    bool isFirst = true;
+    for (const auto& item : items) {
+        if (!isFirst) {
+            sql << ", ";
+        }
+        isFirst = false;
+        sql << std::invoke(part, item);
+    }
+    return sql;
+}
 
 /// "table.column".
 SqlText qualified(std::string_view table, std::string_view column);

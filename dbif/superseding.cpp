@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <map>
+#include <span>
 #include <tuple>
 
 namespace dbif {
@@ -38,16 +39,15 @@ void write_superseding_links(
 {
     for (std::size_t first = 0; first < links.size(); first += kRecordsPerStatement) {
         const std::size_t last = std::min(first + kRecordsPerStatement, links.size());
+        const std::span part(links.begin() + static_cast<std::ptrdiff_t>(first), last - first);
         SqlText cases;
-        SqlText ids;
-        for (std::size_t i = first; i < last; ++i) {
-            cases << " WHEN " << links[i].id << " THEN ";
-            links[i].by == 0 ? cases << "NULL" : cases << links[i].by;
-            ids << (i == first ? SqlText() : SqlText(", ")) << links[i].id;
+        for (const SupersedingLink& link : part) {
+            cases << " WHEN " << link.id << " THEN ";
+            link.by == 0 ? cases << "NULL" : cases << link.by;
         }
         SqlText sql;
         sql << "UPDATE " << SqlName(table) << " SET superseded_by = CASE id" << cases
-            << " END WHERE id IN (" << ids << ")";
+            << " END WHERE id IN (" << listed(part, &SupersedingLink::id) << ")";
         connection.execute(sql, __FILE__, __LINE__);
     }
 }

@@ -26,11 +26,7 @@ SqlText is_one_of(std::span<const int> setups)
     if (static_cast<std::size_t>(last - first) < 2 * setups.size()) {
         return sql << "setup_id BETWEEN " << first << " AND " << last;
     }
-    sql << "setup_id IN (";
-    for (std::size_t i = 0; i < setups.size(); ++i) {
-        sql << (i == 0 ? SqlText() : SqlText(", ")) << setups[i];
-    }
-    return sql << ")";
+    return sql << "setup_id IN (" << listed(setups) << ")";
 }
 
 /// Finds setups that come in the order of their ids.
@@ -87,11 +83,7 @@ private:
         sql << is_one_of(setups);
         if (others_ == SetupsWithoutColumns::Empty) {
             // The sign keeps the databases from a detour by the index of the columns.
-            sql << " AND +setup_column_id IN (";
-            for (std::size_t i = 0; i < columns_.size(); ++i) {
-                sql << (i == 0 ? SqlText() : SqlText(", ")) << columns_[i].id;
-            }
-            sql << ")";
+            sql << " AND +setup_column_id IN (" << listed(columns_, &KeyDefinition::id) << ")";
         }
         BulkCursor cursor(connection_, sql << " ORDER BY setup_id");
         SetupFinder finder(setups);
