@@ -100,12 +100,11 @@ public:
     {
         const std::string_view run(static_cast<const char*>(values), count * valueBytes);
         forEachPart(run, valueBytes, kChunkBytes, [&](std::string_view part) {
-            chunks_.push_back(chunkOf(part, part.size() / valueBytes));
-            if (chunks_.back().size() > kRowBytes && part.size() <= kFewValuesBytes) {
-                chunks_.pop_back();
-                forEachPart(part, valueBytes, kRowBytes, [&](std::string_view piece) {
-                    chunks_.push_back(chunkOf(piece, piece.size() / valueBytes));
-                });
+            std::string chunk = chunkOf(part, part.size() / valueBytes);
+            if (chunk.size() > kRowBytes && part.size() <= kFewValuesBytes) {
+                addPieces(part, valueBytes);
+            } else {
+                chunks_.push_back(std::move(chunk));
             }
         });
     }
@@ -128,6 +127,13 @@ public:
     }
 
 private:
+    void addPieces(std::string_view values, std::size_t valueBytes)
+    {
+        forEachPart(values, valueBytes, kRowBytes, [&](std::string_view piece) {
+            chunks_.push_back(chunkOf(piece, piece.size() / valueBytes));
+        });
+    }
+
     /// Parts of as many values as a chunk of so many bytes takes.
     template <typename Use>
     static void forEachPart(

@@ -114,6 +114,20 @@ private:
     const std::vector<KeyDefinition>& columns_;
     SetupsWithoutColumns others_;
 };
+
+void use_block(
+    ReadTrace* trace,
+    const std::function<void(const SweepPoints& points)>& use,
+    SweepBlock* block)
+{
+    {
+        const TraceStep step(trace, "unpack the points");
+        block->unpack();
+    }
+    for (std::size_t place = 0; place < block->size(); ++place) {
+        use(block->points(place));
+    }
+}
 } // namespace
 
 void read_sweeps(
@@ -124,15 +138,6 @@ void read_sweeps(
     const std::function<void(const SweepPoints& points)>& use)
 {
     ReadTrace* const trace = connection.trace();
-    const auto use_block = [trace, &use](SweepBlock* block) {
-        {
-            const TraceStep step(trace, "unpack the points");
-            block->unpack();
-        }
-        for (std::size_t place = 0; place < block->size(); ++place) {
-            use(block->points(place));
-        }
-    };
     const BlockReader reader(connection, columns, others);
     std::array<SweepBlock, 2> blocks{SweepBlock(columns), SweepBlock(columns)};
     WorkBeside beside;
@@ -141,12 +146,15 @@ void read_sweeps(
     for (std::size_t first = 0; first < setups.size();) {
         reader.read(setups, first, block);
         first += block->size();
+        const auto work = [=, &use] {
+            use_block(trace, use, block);
+        };
         if (trace == nullptr && first < setups.size()) {
-            beside.begin([&use_block, block] { use_block(block); });
+            beside.begin(work);
         } else {
             // Nothing is left to read meanwhile. A trace notes one step at a time.
             beside.finish();
-            use_block(block);
+            work();
         }
         std::swap(block, used);
     }
