@@ -1,12 +1,7 @@
 #include "benchmarks/comparison.h"
 
-#include "benchmarks/result_table.h"
-
-#include <benchmark/benchmark.h>
-
 #include <charconv>
 #include <ctime>
-#include <iostream>
 
 namespace bench {
 namespace {
@@ -29,56 +24,6 @@ bool is_same(const std::string& ours, const std::string& peer)
     const std::optional<double> number = number_of(ours);
     return number.has_value() && number == number_of(peer);
 }
-
-/// Measures a row once, ours and the peer's one after the other.
-void measure(const Comparison& row, benchmark::State& state)
-{
-    for (auto turn : state) {
-        static_cast<void>(turn);
-        row.prepare();
-        const double ours = row.ours();
-        const double peer = row.peer();
-        const std::string fault = row.check();
-        row.release();
-        if (!fault.empty()) {
-            state.SkipWithError(fault.c_str());
-            return;
-        }
-        state.SetIterationTime(ours);
-        state.counters["ours"] = ours;
-        state.counters["peer"] = peer;
-    }
-}
-
-/// Keeps the medians and says how far the run is.
-class MedianReporter : public benchmark::BenchmarkReporter
-{
-public:
-    explicit MedianReporter(Figures* figures) : figures_(figures) {}
-
-    bool ReportContext(const Context& /*context*/) override { return true; }
-
-    void ReportRuns(const std::vector<Run>& runs) override
-    {
-        for (const Run& run : runs) {
-            const std::string& id = run.run_name.function_name;
-            if (run.error_occurred) {
-                (*figures_)[id].fault = run.error_message;
-            } else if (run.run_type == Run::RT_Iteration && run.repetitions > 1) {
-                continue;
-            } else if (run.run_type == Run::RT_Iteration || run.aggregate_name == "median") {
-                (*figures_)[id].ours = run.counters.at("ours");
-                (*figures_)[id].peer = run.counters.at("peer");
-            }
-        }
-        std::cerr << '.' << std::flush;
-    }
-
-    void Finalize() override { std::cerr << '\n'; }
-
-private:
-    Figures* figures_;
-};
 } // namespace
 
 double seconds_now()
@@ -128,21 +73,5 @@ std::string difference(const Ids& ours, const Ids& peer)
         }
     }
     return ours.empty() ? "there is nothing to compare" : "";
-}
-
-bool run_comparisons(const std::vector<Comparison>& rows, const std::vector<Growth>& growths)
-{
-    for (const Comparison& row : rows) {
-        benchmark::RegisterBenchmark(
-            row.id.c_str(), [&row](benchmark::State& state) { measure(row, state); })
-            ->Iterations(1)
-            ->Repetitions(row.turns)
-            ->UseManualTime()
-            ->Unit(benchmark::kMillisecond);
-    }
-    Figures figures;
-    MedianReporter reporter(&figures);
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    return print_table(rows, growths, figures);
 }
 } // namespace bench

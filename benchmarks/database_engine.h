@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbif/connection.h"
+#include "dbif/connection/connection.h"
 
 #include "benchmarks/peer_database.h"
 

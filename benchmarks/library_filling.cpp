@@ -1,6 +1,6 @@
 #include "benchmarks/library_filling.h"
 
-#include "dbif/record_writer.h"
+#include "dbif/write/record_writer.h"
 
 namespace bench {
 namespace {

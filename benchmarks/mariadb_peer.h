@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbif/sql_dialect.h"
+#include "dbif/engine/sql_dialect.h"
 
 #include "benchmarks/peer_database.h"
 

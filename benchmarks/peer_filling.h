@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbif/connection.h"
+#include "dbif/connection/connection.h"
 
 #include "benchmarks/device_population.h"
 #include "benchmarks/sweep_population.h"

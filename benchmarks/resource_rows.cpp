@@ -1,10 +1,8 @@
 #include "benchmarks/resource_rows.h"
 
 #include "dbapi/dbapi.h"
-#ifdef HAS_IMPORT
-#include "tools/dbapi/sweep_files.h"
-#include "tools/dbapi/sweep_import.h"
-#endif
+#include "dbimport/sweep_files.h"
+#include "dbimport/sweep_import.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -95,7 +93,6 @@ Comparison memory_row(const DataStore& store, std::size_t points)
     return row;
 }
 
-#ifdef HAS_IMPORT
 /// Has the system keep the files of a folder in memory, so that no disk is measured.
 void load_into_cache(const std::string& folder)
 {
@@ -140,7 +137,6 @@ Comparison import_row(const DataStore& store, std::size_t points)
     };
     return row;
 }
-#endif
 
 Comparison size_row(const DataStore& store, std::size_t points)
 {
@@ -164,9 +160,7 @@ std::vector<Comparison> resource_rows(const DataStore& store, std::size_t points
 {
     std::vector<Comparison> rows;
     rows.push_back(memory_row(store, points));
-#ifdef HAS_IMPORT
     rows.push_back(import_row(store, points));
-#endif
     rows.push_back(size_row(store, points));
     for (Comparison& row : rows) {
         row.size = std::to_string(points) + " points";

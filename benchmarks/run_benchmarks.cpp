@@ -1,4 +1,4 @@
-#include "benchmarks/comparison.h"
+#include "benchmarks/comparison_run.h"
 #include "benchmarks/device_rows.h"
 #include "benchmarks/point_rows.h"
 #include "benchmarks/resource_rows.h"

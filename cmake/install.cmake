@@ -2,11 +2,13 @@
 include(CMakePackageConfigHelpers)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/dbapi)
 
-foreach(library dbif dbui dbapi)
-    install(TARGETS ${library} EXPORT dbapiTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-    install(DIRECTORY ${PROJECT_SOURCE_DIR}/${library} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-        FILES_MATCHING PATTERN "*.h")
+install(TARGETS dbif dbui dbapi dbsuggest dbexplain dbimport dbplot EXPORT dbapiTargets
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+foreach(header IN LISTS dbapi_installed_headers)
+    cmake_path(GET header PARENT_PATH folder)
+    install(FILES ${PROJECT_SOURCE_DIR}/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
 endforeach()
+install(DIRECTORY ${dbapi_published_headers}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT dbapiTargets NAMESPACE dbapi:: DESTINATION ${package_folder})
 
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/dbapiConfig.cmake.in

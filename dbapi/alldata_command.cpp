@@ -1,8 +1,8 @@
 #include "dbapi/alldata_command.h"
 
 #include "dbapi/text_rules.h"
-#include "dbif/error_text.h"
-#include "dbif/host_string.h"
+#include "dbif/host/error_text.h"
+#include "dbif/host/host_string.h"
 
 #include <string_view>
 

@@ -2,10 +2,10 @@
 
 #include "dbapi/condition_builder.h"
 #include "dbapi/connection_access.h"
-#include "dbif/column_store.h"
-#include "dbif/error_text.h"
-#include "dbif/newest_time.h"
-#include "dbif/read_trace.h"
+#include "dbif/connection/column_store.h"
+#include "dbif/connection/newest_time.h"
+#include "dbif/engine/read_trace.h"
+#include "dbif/host/error_text.h"
 #include "dbui/connections_path.h"
 
 #include <QtGlobal>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "dbapi/call_cache.h"
-#include "dbif/connection.h"
+#include "dbif/connection/connection.h"
 
 #include <QDateTime>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "dbapi/keyword_resolution.h"
-#include "dbif/condition.h"
-#include "dbif/connection.h"
+#include "dbif/condition/condition.h"
+#include "dbif/connection/connection.h"
 #include "dbui/connection_record.h"
 
 #include <QDateTime>

@@ -4,8 +4,8 @@
 #include "dbapi/keyword_map.h"
 #include "dbapi/record_selection.h"
 #include "dbapi/vocabulary.h"
-#include "dbif/error_text.h"
-#include "dbif/transaction_guard.h"
+#include "dbif/connection/transaction_guard.h"
+#include "dbif/host/error_text.h"
 
 namespace {
 /// The category of a row in short form; empty for tables whose keys have none.

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "dbapi/key_term.h"
-#include "dbif/condition.h"
-#include "dbif/connection.h"
+#include "dbif/condition/condition.h"
+#include "dbif/connection/connection.h"
 
 #include <QSqlQuery>
 

@@ -1,7 +1,7 @@
 #include "dbapi/catalogue_sql.h"
 
 #include "dbapi/vocabulary.h"
-#include "dbif/host_string.h"
+#include "dbif/host/host_string.h"
 
 namespace dbapi {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "dbapi/key_term.h"
-#include "dbif/sql_text.h"
+#include "dbif/engine/sql_text.h"
 
 #include <set>
 #include <string>

@@ -6,8 +6,8 @@
 #include "dbapi/keyword_resolution.h"
 #include "dbapi/keyword_split.h"
 #include "dbapi/table_dispatch.h"
-#include "dbif/error_text.h"
-#include "dbif/read_trace.h"
+#include "dbif/engine/read_trace.h"
+#include "dbif/host/error_text.h"
 
 #include <set>
 #include <tuple>

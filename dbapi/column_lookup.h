@@ -1,8 +1,8 @@
 #pragma once
 
-#include "dbif/condition.h"
-#include "dbif/connection.h"
-#include "dbif/record_tables.h"
+#include "dbif/condition/condition.h"
+#include "dbif/connection/connection.h"
+#include "dbif/record/record_tables.h"
 
 #include <QSharedPointer>
 

@@ -2,9 +2,9 @@
 
 #include "dbapi/table_dispatch.h"
 #include "dbapi/vocabulary.h"
-#include "dbif/dynamic_column.h"
-#include "dbif/host_string.h"
-#include "dbif/record_tables.h"
+#include "dbif/host/host_string.h"
+#include "dbif/query/dynamic_column.h"
+#include "dbif/record/record_tables.h"
 
 #include <QSharedPointer>
 

@@ -4,9 +4,9 @@
 #include "dbapi/call_cache.h"
 #include "dbapi/keyword_resolution.h"
 #include "dbapi/query_parser.h"
-#include "dbif/constant_condition.h"
-#include "dbif/error_text.h"
-#include "dbif/read_trace.h"
+#include "dbif/condition/constant_condition.h"
+#include "dbif/engine/read_trace.h"
+#include "dbif/host/error_text.h"
 
 namespace {
 bool resolve_terms(

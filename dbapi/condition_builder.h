@@ -1,7 +1,7 @@
 #pragma once
 
-#include "dbif/condition.h"
-#include "dbif/connection.h"
+#include "dbif/condition/condition.h"
+#include "dbif/connection/connection.h"
 
 #include <string>
 

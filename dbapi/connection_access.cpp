@@ -1,7 +1,7 @@
 #include "dbapi/connection_access.h"
 
 #include "dbapi/call_cache.h"
-#include "dbif/error_text.h"
+#include "dbif/host/error_text.h"
 #include "dbui/connection_open.h"
 #include "dbui/connection_registry.h"
 

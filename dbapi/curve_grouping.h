@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbif/result_column.h"
+#include "dbif/retrieval/result_column.h"
 
 #include <cstddef>
 #include <string>

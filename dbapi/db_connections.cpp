@@ -1,7 +1,7 @@
 #include "dbapi/db_connections.h"
 
-#include "dbif/error_text.h"
-#include "dbif/host_string.h"
+#include "dbif/host/error_text.h"
+#include "dbif/host/host_string.h"
 #include "dbui/connection_check.h"
 #include "dbui/connection_record.h"
 #include "dbui/connection_registry.h"

@@ -4,8 +4,8 @@
 #include "dbapi/condition_builder.h"
 #include "dbapi/connection_access.h"
 #include "dbapi/public_call.h"
-#include "dbif/error_text.h"
-#include "dbif/schema_names.h"
+#include "dbif/host/error_text.h"
+#include "dbif/schema/schema_names.h"
 
 namespace {
 /// What is wrong with a table name; empty when nothing is.

@@ -5,9 +5,9 @@
 #include "dbapi/db_values.h"
 #include "dbapi/public_call.h"
 #include "dbapi/value_retrieval.h"
-#include "dbif/error_text.h"
-#include "dbif/host_string.h"
-#include "dbif/schema_names.h"
+#include "dbif/host/error_text.h"
+#include "dbif/host/host_string.h"
+#include "dbif/schema/schema_names.h"
 
 #include <algorithm>
 

@@ -4,10 +4,10 @@
 #include "dbapi/keyword_split.h"
 #include "dbapi/public_call.h"
 #include "dbapi/vocabulary.h"
-#include "dbif/error_text.h"
-#include "dbif/host_string.h"
-#include "dbif/record_tables.h"
-#include "dbif/sql_text.h"
+#include "dbif/engine/sql_text.h"
+#include "dbif/host/error_text.h"
+#include "dbif/host/host_string.h"
+#include "dbif/record/record_tables.h"
 
 #include <QVariant>
 

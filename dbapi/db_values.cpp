@@ -3,10 +3,10 @@
 #include "dbapi/keyword_query.h"
 #include "dbapi/public_call.h"
 #include "dbapi/value_retrieval.h"
-#include "dbif/error_text.h"
-#include "dbif/query_run.h"
-#include "dbif/read_trace.h"
-#include "dbif/vanto_query.h"
+#include "dbif/engine/read_trace.h"
+#include "dbif/host/error_text.h"
+#include "dbif/retrieval/query_run.h"
+#include "dbif/retrieval/vanto_query.h"
 
 namespace {
 bool get_values_for_keyword(

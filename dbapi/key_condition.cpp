@@ -3,7 +3,7 @@
 #include "dbapi/column_search.h"
 #include "dbapi/keyword_split.h"
 #include "dbapi/table_dispatch.h"
-#include "dbif/error_text.h"
+#include "dbif/host/error_text.h"
 
 #include <type_traits>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "dbif/column_condition.h"
-#include "dbif/connection.h"
-#include "dbif/host_string.h"
+#include "dbif/condition/column_condition.h"
+#include "dbif/connection/connection.h"
+#include "dbif/host/host_string.h"
 
 #include <string>
 

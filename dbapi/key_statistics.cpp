@@ -2,9 +2,11 @@
 
 #include "dbapi/record_selection.h"
 #include "dbapi/vocabulary.h"
-#include "dbif/host_string.h"
-#include "dbif/schema_names.h"
-#include "dbif/transaction_guard.h"
+#include "dbif/condition/condition.h"
+#include "dbif/connection/connection.h"
+#include "dbif/connection/transaction_guard.h"
+#include "dbif/host/host_string.h"
+#include "dbif/schema/schema_names.h"
 
 #include <QSqlQuery>
 #include <QVariant>

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "dbif/condition.h"
-#include "dbif/connection.h"
-
 #include <optional>
 #include <string>
 #include <vector>
+
+class DBIF_Connection;
+class DBIF_QueryCondition;
 
 namespace dbapi {
 /// What the selected records of a table hold under one key.

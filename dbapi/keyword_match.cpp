@@ -3,7 +3,7 @@
 #include "dbapi/keyword_split.h"
 #include "dbapi/text_rules.h"
 #include "dbapi/vocabulary.h"
-#include "dbif/host_string.h"
+#include "dbif/host/host_string.h"
 
 namespace {
 constexpr std::size_t kCandidatesPerLine = 3;

@@ -3,7 +3,7 @@
 #include "dbapi/call_cache.h"
 #include "dbapi/column_lookup.h"
 #include "dbapi/connection_access.h"
-#include "dbif/host_string.h"
+#include "dbif/host/host_string.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "dbif/condition.h"
-#include "dbif/connection.h"
-#include "dbif/vanto_query.h"
+#include "dbif/condition/condition.h"
+#include "dbif/connection/connection.h"
+#include "dbif/retrieval/vanto_query.h"
 
 #include <QString>
 

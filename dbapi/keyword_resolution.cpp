@@ -5,10 +5,10 @@
 #include "dbapi/keyword_split.h"
 #include "dbapi/text_rules.h"
 #include "dbapi/vocabulary.h"
-#include "dbif/column_store.h"
-#include "dbif/error_text.h"
-#include "dbif/host_string.h"
-#include "dbif/schema_names.h"
+#include "dbif/connection/column_store.h"
+#include "dbif/host/error_text.h"
+#include "dbif/host/host_string.h"
+#include "dbif/schema/schema_names.h"
 
 #include <algorithm>
 #include <array>

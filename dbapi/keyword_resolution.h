@@ -3,8 +3,8 @@
 #include "dbapi/keyword_map.h"
 #include "dbapi/keyword_match.h"
 #include "dbapi/keyword_resolution_stages.h"
-#include "dbif/condition.h"
-#include "dbif/connection.h"
+#include "dbif/condition/condition.h"
+#include "dbif/connection/connection.h"
 
 #include <map>
 #include <set>

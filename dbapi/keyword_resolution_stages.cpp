@@ -5,8 +5,8 @@
 #include "dbapi/keyword_match.h"
 #include "dbapi/keyword_split.h"
 #include "dbapi/text_rules.h"
-#include "dbif/error_text.h"
-#include "dbif/host_string.h"
+#include "dbif/host/error_text.h"
+#include "dbif/host/host_string.h"
 
 namespace {
 struct Key

@@ -2,7 +2,7 @@
 
 #include "dbapi/text_rules.h"
 #include "dbapi/vocabulary.h"
-#include "dbif/host_string.h"
+#include "dbif/host/host_string.h"
 
 #include <array>
 #include <string_view>

@@ -6,10 +6,10 @@
 #include "dbapi/query_syntax.h"
 #include "dbapi/query_terms.h"
 #include "dbapi/value_list.h"
-#include "dbif/compound_condition.h"
-#include "dbif/constant_condition.h"
-#include "dbif/error_text.h"
-#include "dbif/schema_names.h"
+#include "dbif/condition/compound_condition.h"
+#include "dbif/condition/constant_condition.h"
+#include "dbif/host/error_text.h"
+#include "dbif/schema/schema_names.h"
 
 #include <iostream>
 #include <memory>

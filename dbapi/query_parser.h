@@ -3,9 +3,9 @@
 #include "dbapi/alldata_command.h"
 #include "dbapi/text_rules.h"
 #include "dbapi/value_conversion.h"
-#include "dbif/condition.h"
-#include "dbif/connection.h"
-#include "dbif/host_string.h"
+#include "dbif/condition/condition.h"
+#include "dbif/connection/connection.h"
+#include "dbif/host/host_string.h"
 
 #include <map>
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbif/query_enums.h"
+#include "dbif/condition/query_enums.h"
 
 #include <cstddef>
 #include <memory>

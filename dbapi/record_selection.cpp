@@ -1,8 +1,8 @@
 #include "dbapi/record_selection.h"
 
-#include "dbif/host_string.h"
-#include "dbif/query_run.h"
-#include "dbif/vanto_query.h"
+#include "dbif/host/host_string.h"
+#include "dbif/retrieval/query_run.h"
+#include "dbif/retrieval/vanto_query.h"
 
 namespace dbapi {
 RecordSelection select_records(

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "dbif/condition.h"
-#include "dbif/connection.h"
-#include "dbif/id_list.h"
+#include "dbif/condition/condition.h"
+#include "dbif/condition/id_list.h"
+#include "dbif/connection/connection.h"
 
 #include <QString>
 

@@ -3,8 +3,8 @@
 #include "dbapi/builtin_keynames.h"
 #include "dbapi/keyword_split.h"
 #include "dbapi/vocabulary.h"
-#include "dbif/column_store.h"
-#include "dbif/host_string.h"
+#include "dbif/connection/column_store.h"
+#include "dbif/host/host_string.h"
 
 namespace dbapi {
 namespace {

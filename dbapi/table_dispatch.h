@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbif/record_tables.h"
+#include "dbif/record/record_tables.h"
 
 #include <optional>
 #include <string>

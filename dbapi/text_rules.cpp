@@ -1,6 +1,6 @@
 #include "dbapi/text_rules.h"
 
-#include "dbif/host_string.h"
+#include "dbif/host/host_string.h"
 
 void dbapi_tokenize(std::vector<std::string>& out, const std::string& text, char delimiter)
 {

@@ -2,7 +2,7 @@
 
 #include "dbapi/text_rules.h"
 #include "dbapi/value_list.h"
-#include "dbif/host_number.h"
+#include "dbif/host/host_number.h"
 
 #include <string_view>
 #include <vector>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "dbif/condition.h"
-#include "dbif/connection.h"
-#include "dbif/data_type.h"
-#include "dbif/query_enums.h"
+#include "dbif/condition/condition.h"
+#include "dbif/condition/query_enums.h"
+#include "dbif/connection/connection.h"
+#include "dbif/value/data_type.h"
 
 #include <QList>
 

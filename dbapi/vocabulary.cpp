@@ -1,8 +1,8 @@
 #include "dbapi/vocabulary.h"
 
 #include "dbapi/text_rules.h"
-#include "dbif/dynamic_column.h"
-#include "dbif/schema_names.h"
+#include "dbif/query/dynamic_column.h"
+#include "dbif/schema/schema_names.h"
 
 namespace {
 using TablenamesVocabulary = std::map<std::string, std::pair<std::string, std::string>>;

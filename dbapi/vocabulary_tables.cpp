@@ -1,7 +1,7 @@
 #include "dbapi/vocabulary.h"
-#include "dbif/dynamic_column.h"
-#include "dbif/host_string.h"
-#include "dbif/schema_names.h"
+#include "dbif/host/host_string.h"
+#include "dbif/query/dynamic_column.h"
+#include "dbif/schema/schema_names.h"
 
 #include <array>
 

@@ -1,6 +1,6 @@
 #include "dbui/connection_check.h"
 
-#include "dbif/error_text.h"
+#include "dbif/host/error_text.h"
 #include "dbui/connection_open.h"
 #include "dbui/connection_registry.h"
 #include "dbui/message_boxes.h"

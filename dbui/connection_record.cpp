@@ -1,6 +1,6 @@
 #include "dbui/connection_record.h"
 
-#include "dbif/host_string.h"
+#include "dbif/host/host_string.h"
 
 #include <optional>
 

@@ -1,6 +1,6 @@
 #include "dbui/connection_registry.h"
 
-#include "dbif/error_text.h"
+#include "dbif/host/error_text.h"
 #include "dbui/connections_file.h"
 #include "dbui/message_boxes.h"
 

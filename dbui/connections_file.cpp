@@ -1,6 +1,6 @@
 #include "dbui/connections_file.h"
 
-#include "dbif/error_text.h"
+#include "dbif/host/error_text.h"
 #include "dbui/connection_listener.h"
 #include "dbui/connections_path.h"
 #include "dbui/guarded_file.h"

@@ -1,7 +1,7 @@
 #include "dbui/connections_path.h"
 
-#include "dbif/error_text.h"
-#include "dbif/host_environment.h"
+#include "dbif/host/error_text.h"
+#include "dbif/host/host_environment.h"
 
 #include <filesystem>
 #include <memory>

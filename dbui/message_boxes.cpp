@@ -1,7 +1,7 @@
 #include "dbui/message_boxes.h"
 
-#include "dbif/error_text.h"
-#include "dbif/host_string.h"
+#include "dbif/host/error_text.h"
+#include "dbif/host/host_string.h"
 
 #include <QApplication>
 #include <QMessageBox>

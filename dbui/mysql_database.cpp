@@ -1,8 +1,8 @@
 #include "dbui/mysql_database.h"
 
-#include "dbif/error_text.h"
-#include "dbif/host_string.h"
-#include "dbif/sql_dialect.h"
+#include "dbif/engine/sql_dialect.h"
+#include "dbif/host/error_text.h"
+#include "dbif/host/host_string.h"
 #include "dbui/connection_open.h"
 
 #include <QSqlDatabase>

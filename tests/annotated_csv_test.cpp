@@ -1,8 +1,8 @@
-#include "dbif/column_store.h"
-#include "dbif/host_number.h"
+#include "dbif/connection/column_store.h"
+#include "dbif/host/host_number.h"
+#include "dbimport/annotated_csv.h"
 
 #include "tests/support/temp_directory.h"
-#include "tools/dbapi/annotated_csv.h"
 
 #include <gtest/gtest.h>
 

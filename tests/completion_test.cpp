@@ -1,4 +1,4 @@
-#include "dbif/host_string.h"
+#include "dbif/host/host_string.h"
 
 #include "tests/support/command_fixture.h"
 

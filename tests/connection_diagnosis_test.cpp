@@ -1,5 +1,5 @@
-#include "dbui/connection_diagnosis.h"
 #include "dbui/connection_open.h"
+#include "dbui/diagnosis/connection_diagnosis.h"
 
 #include "tests/support/child_process.h"
 #include "tests/support/mariadb_server.h"

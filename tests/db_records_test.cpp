@@ -1,6 +1,6 @@
 #include "dbapi/db_records.h"
 #include "dbapi/dbapi.h"
-#include "dbif/host_number.h"
+#include "dbif/host/host_number.h"
 
 #include "tests/support/lab_database.h"
 

@@ -1,8 +1,8 @@
 #include "dbapi/dbapi.h"
-#include "dbif/host_number.h"
+#include "dbif/host/host_number.h"
+#include "dbimport/sweep_import.h"
 
 #include "tests/support/lab_database.h"
-#include "tools/dbapi/sweep_import.h"
 
 #include <gtest/gtest.h>
 

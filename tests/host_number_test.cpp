@@ -1,5 +1,5 @@
-#include "dbif/host_number.h"
-#include "dbif/host_string.h"
+#include "dbif/host/host_number.h"
+#include "dbif/host/host_string.h"
 
 #include "tests/support/case_table.h"
 

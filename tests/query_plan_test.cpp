@@ -1,8 +1,8 @@
 #include "dbapi/cache_refresh.h"
 #include "dbapi/dbapi.h"
-#include "dbif/bulk_cursor.h"
-#include "dbif/newest_time.h"
-#include "dbif/traced_connection.h"
+#include "dbif/connection/bulk_cursor.h"
+#include "dbif/connection/newest_time.h"
+#include "dbif/connection/traced_connection.h"
 
 #include "tests/support/case_table.h"
 #include "tests/support/device_series.h"

@@ -1,7 +1,7 @@
-#include "dbif/constant_condition.h"
-#include "dbif/query_run.h"
-#include "dbif/record_tables.h"
-#include "dbif/transaction_guard.h"
+#include "dbif/condition/constant_condition.h"
+#include "dbif/connection/transaction_guard.h"
+#include "dbif/record/record_tables.h"
+#include "dbif/retrieval/query_run.h"
 
 #include "tests/support/measurement_database.h"
 

@@ -1,8 +1,8 @@
-#include "dbif/column_condition.h"
-#include "dbif/compound_condition.h"
-#include "dbif/constant_condition.h"
-#include "dbif/query_run.h"
-#include "dbif/vanto_query.h"
+#include "dbif/condition/column_condition.h"
+#include "dbif/condition/compound_condition.h"
+#include "dbif/condition/constant_condition.h"
+#include "dbif/retrieval/query_run.h"
+#include "dbif/retrieval/vanto_query.h"
 
 #include "tests/support/random_records.h"
 

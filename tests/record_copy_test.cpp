@@ -1,9 +1,9 @@
 #include "dbapi/condition_builder.h"
-#include "dbif/constant_condition.h"
-#include "dbif/copy_verification.h"
-#include "dbif/newest_time.h"
-#include "dbif/record_copy.h"
-#include "dbif/transaction_guard.h"
+#include "dbif/condition/constant_condition.h"
+#include "dbif/connection/newest_time.h"
+#include "dbif/connection/transaction_guard.h"
+#include "dbif/copy/copy_verification.h"
+#include "dbif/copy/record_copy.h"
 
 #include "tests/support/measurement_database.h"
 

@@ -1,5 +1,5 @@
-#include "dbif/newest_time.h"
-#include "dbif/record_tables.h"
+#include "dbif/connection/newest_time.h"
+#include "dbif/record/record_tables.h"
 
 #include "tests/support/measurement_database.h"
 

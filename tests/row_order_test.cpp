@@ -1,4 +1,4 @@
-#include "dbif/row_order.h"
+#include "dbif/retrieval/row_order.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "dbif/query_run.h"
-#include "dbif/schema.h"
-#include "dbif/vanto_query.h"
+#include "dbif/retrieval/query_run.h"
+#include "dbif/retrieval/vanto_query.h"
+#include "dbif/schema/schema.h"
 
 #include "tests/support/measurement_database.h"
 

@@ -1,5 +1,5 @@
-#include "dbif/exception.h"
-#include "dbif/sweep_packing.h"
+#include "dbif/host/exception.h"
+#include "dbif/sweep/sweep_packing.h"
 
 #include "tests/support/measurement_database.h"
 

@@ -1,5 +1,6 @@
+#include "dbimport/sweep_read_ahead.h"
+
 #include "tests/support/temp_directory.h"
-#include "tools/dbapi/sweep_read_ahead.h"
 
 #include <gtest/gtest.h>
 

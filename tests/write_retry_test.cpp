@@ -1,4 +1,4 @@
-#include "dbif/write_retry.h"
+#include "dbif/connection/write_retry.h"
 
 #include "tests/support/measurement_database.h"
 

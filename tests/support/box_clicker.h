@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbif/host_string.h"
+#include "dbif/host/host_string.h"
 
 #include <QApplication>
 #include <QMessageBox>

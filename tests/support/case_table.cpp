@@ -1,6 +1,6 @@
 #include "tests/support/case_table.h"
 
-#include "dbif/host_string.h"
+#include "dbif/host/host_string.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "tests/support/device_series.h"
 
-#include "dbif/record_writer.h"
+#include "dbif/write/record_writer.h"
 
 #include "tests/support/measurement_database.h"
 

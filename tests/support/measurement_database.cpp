@@ -1,6 +1,6 @@
 #include "tests/support/measurement_database.h"
 
-#include "dbif/host_string.h"
+#include "dbif/host/host_string.h"
 
 #include <QSqlQuery>
 #include <QSqlRecord>

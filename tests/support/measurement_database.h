@@ -1,8 +1,8 @@
 #pragma once
 
-#include "dbif/connection.h"
-#include "dbif/host_string.h"
-#include "dbif/record_writer.h"
+#include "dbif/connection/connection.h"
+#include "dbif/host/host_string.h"
+#include "dbif/write/record_writer.h"
 #include "dbui/connection_record.h"
 
 #include "tests/support/mariadb_server.h"

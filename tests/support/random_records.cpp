@@ -1,7 +1,7 @@
 #include "tests/support/random_records.h"
 
-#include "dbif/column_store.h"
-#include "dbif/complex_values.h"
+#include "dbif/connection/column_store.h"
+#include "dbif/value/complex_values.h"
 
 #include <QVariant>
 

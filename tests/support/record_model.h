@@ -1,7 +1,7 @@
 #pragma once
 
-#include "dbif/data_type.h"
-#include "dbif/schema_names.h"
+#include "dbif/schema/schema_names.h"
+#include "dbif/value/data_type.h"
 
 #include <cmath>
 #include <complex>

@@ -1,6 +1,6 @@
 #include "tests/support/run_command.h"
 
-#include "dbif/host_string.h"
+#include "dbif/host/host_string.h"
 
 #include <QProcess>
 

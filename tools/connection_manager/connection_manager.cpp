@@ -1,6 +1,6 @@
 #include "tools/connection_manager/connection_manager.h"
 
-#include "dbif/host_string.h"
+#include "dbif/host/host_string.h"
 #include "dbui/connection_listener.h"
 #include "dbui/connection_registry.h"
 #include "dbui/connections_file.h"

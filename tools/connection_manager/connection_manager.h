@@ -1,7 +1,7 @@
 #pragma once
 
 #include "dbui/connection_record.h"
-#include "dbui/diagnosis_step.h"
+#include "dbui/diagnosis/diagnosis_step.h"
 
 #include <QDialog>
 #include <QFileSystemWatcher>

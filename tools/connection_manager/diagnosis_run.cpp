@@ -1,6 +1,6 @@
 #include "tools/connection_manager/diagnosis_run.h"
 
-#include "dbui/connection_diagnosis.h"
+#include "dbui/diagnosis/connection_diagnosis.h"
 
 #include <QThreadPool>
 

@@ -1,6 +1,6 @@
 #include "tools/connection_manager/diagnosis_view.h"
 
-#include "dbif/host_string.h"
+#include "dbif/host/host_string.h"
 
 #include <algorithm>
 

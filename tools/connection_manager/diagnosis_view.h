@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbui/diagnosis_step.h"
+#include "dbui/diagnosis/diagnosis_step.h"
 
 #include <QTextBrowser>
 

@@ -1,13 +1,13 @@
 #include "tools/dbapi/command_line.h"
 
 #include "dbapi/text_rules.h"
-#include "dbif/error_text.h"
-#include "dbif/host_string.h"
+#include "dbif/host/error_text.h"
+#include "dbif/host/host_string.h"
+#include "dbsuggest/nearest_text.h"
 
-#include "tools/dbapi/command_table.h"
-#include "tools/dbapi/data_output.h"
-#include "tools/dbapi/nearest_text.h"
-#include "tools/dbapi/terminal.h"
+#include "tools/dbapi/commands/command_table.h"
+#include "tools/dbapi/output/data_output.h"
+#include "tools/dbapi/output/terminal.h"
 
 #include <QtGlobal>
 

@@ -1,0 +1,172 @@
+#include "dbexplain/query_explanation.h"
+
+#include "dbapi/alldata_command.h"
+#include "dbapi/keyword_resolution.h"
+#include "dbapi/query_parser.h"
+#include "dbapi/query_terms.h"
+#include "dbexplain/term_text.h"
+#include "dbif/condition/compound_condition.h"
+#include "dbif/connection/traced_connection.h"
+#include "dbif/host/host_string.h"
+#include "dbif/retrieval/query_run.h"
+#include "dbsuggest/command_failure.h"
+
+#include <algorithm>
+
+namespace dbapi::tool {
+namespace {
+using Kind = QueryNode::Kind;
+
+/// Each node that is counted is a query of its own.
+constexpr std::size_t kMostCounted = 100;
+
+class TreeExplainer
+{
+public:
+    TreeExplainer(
+        DBIF_Connection& connection,
+        const std::map<std::string, std::set<std::string>>& resolved,
+        const std::vector<KeyExplanation>& keys)
+        : connection_(connection), resolved_(resolved), keys_(keys)
+    {}
+
+    NodeExplanation explain(const QueryNode& node)
+    {
+        NodeExplanation explained;
+        explained.kind = node.kind;
+        explained.written = node.text;
+        explained.keyword = node.keyword;
+        explained.value = node.value;
+        for (const auto& operand : node.operands) {
+            explained.operands.push_back(explain(*operand));
+        }
+        KTString error;
+        explained.condition = condition_of(connection_, node, resolved_, &error);
+        if (explained.condition == nullptr) {
+            throw CommandFailure(ExitCode::WrongUsage, dbif::trimmed(error.str()));
+        }
+        explained.isOnPoints = dbif::is_decided_on_points(explained.condition.get());
+        explained.text = textOf(node);
+        return explained;
+    }
+
+private:
+    [[nodiscard]] std::string textOf(const QueryNode& node) const
+    {
+        switch (node.kind) {
+        case Kind::And:
+            return "AND";
+        case Kind::Or:
+            return "OR";
+        case Kind::Not:
+            return "NOT";
+        case Kind::BareTerm:
+            return "{" + node.keyword + "}";
+        case Kind::Term:
+            return term_text(node, holdsNumbers(node.keyword));
+        default:
+            return "{}";
+        }
+    }
+
+    [[nodiscard]] bool holdsNumbers(const std::string& keyword) const
+    {
+        const auto found =
+            std::find_if(keys_.begin(), keys_.end(), [&keyword](const KeyExplanation& key) {
+                return key.keyword == keyword;
+            });
+        return found != keys_.end() && found->isNumber();
+    }
+
+    DBIF_Connection& connection_;
+    const std::map<std::string, std::set<std::string>>& resolved_;
+    const std::vector<KeyExplanation>& keys_;
+};
+
+std::size_t count_nodes(const NodeExplanation& tree)
+{
+    std::size_t count = 1;
+    for (const NodeExplanation& operand : tree.operands) {
+        count += count_nodes(operand);
+    }
+    return count;
+}
+} // namespace
+
+std::string query_without_command(const std::string& query)
+{
+    std::string rest;
+    std::string ignored;
+    return dbapi_found_and_removed_alldata_condition_from_query_str(query, &rest, nullptr, &ignored)
+               ? rest
+               : dbif::trimmed(query);
+}
+
+NodeExplanation explain_tree(
+    DBIF_Connection& connection,
+    const std::string& query,
+    const std::vector<KeyExplanation>& keys,
+    bool latestOnly)
+{
+    const auto tree = parse_query_syntax(query, false);
+    std::set<std::string> terms;
+    std::string error;
+    std::map<std::string, std::set<std::string>> resolved;
+    if (!collect_term_keywords(*tree, &terms, &error) ||
+        !resolve_set_of_keywords_by_definition(
+            connection, terms, &resolved, nullptr, latestOnly, &error)) {
+        throw CommandFailure(ExitCode::WrongUsage, dbif::trimmed(error));
+    }
+    return TreeExplainer(connection, resolved, keys).explain(*tree);
+}
+
+KeptCount RecordCounter::count(const DBIF_QueryCondition* condition)
+{
+    dbif::ReadTrace trace(dbif::ReadTrace::Plans::Leave);
+    const dbif::TracedConnection traced(connection_, &trace);
+    KeptCount kept;
+    kept.records = dbif::matching_ids(connection_, table_, condition, latestOnly_).size();
+    if (trace.pointDecisions() > 0) {
+        kept.points = trace.points().keptPoints;
+    }
+    return kept;
+}
+
+void RecordCounter::countTree(NodeExplanation* tree)
+{
+    if (count_nodes(*tree) > kMostCounted) {
+        tree->alone = count(tree->condition.get());
+    } else {
+        countNode(tree);
+    }
+}
+
+void RecordCounter::countNode(NodeExplanation* node)
+{
+    for (NodeExplanation& operand : node->operands) {
+        countNode(&operand);
+    }
+    if (node->kind == Kind::And) {
+        countAnd(node);
+    } else {
+        node->alone = count(node->condition.get());
+    }
+}
+
+void RecordCounter::countAnd(NodeExplanation* node)
+{
+    std::shared_ptr<const DBIF_QueryCondition> all;
+    for (NodeExplanation& operand : node->operands) {
+        all = all == nullptr ? operand.condition : both(all.get(), operand.condition.get());
+        const bool isFirst = &operand == &node->operands.front();
+        operand.soFar = isFirst ? operand.alone : count(all.get());
+    }
+    node->alone = node->operands.back().soFar;
+}
+
+std::shared_ptr<const DBIF_QueryCondition>
+both(const DBIF_QueryCondition* first, const DBIF_QueryCondition* second)
+{
+    return std::make_shared<DBIF_CompoundQueryCondition>(first, AND, second);
+}
+} // namespace dbapi::tool

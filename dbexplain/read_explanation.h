@@ -1,0 +1,15 @@
+#pragma once
+
+#include "dbexplain/explanation.h"
+#include "dbif/connection/connection.h"
+#include "dbsuggest/call_failure.h"
+
+namespace dbapi::tool {
+/// Runs the read of a request, as `dbapi values` does (without keywords, as `dbapi ids` of `table`
+/// does), and tells what it did. `connection` is the one that the library keeps open. Throws
+/// `CommandFailure` when the read fails.
+ReadExplanation explain_read(
+    const DBIF_Connection& connection,
+    const DataRequest& request,
+    dbif::RecordTable table);
+} // namespace dbapi::tool

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "dbif/condition/condition.h"
+#include "dbif/condition/query_enums.h"
+
+#include <memory>
+
+namespace dbif {
+struct ColumnComparison;
+}
+
+/// A comparison of one column with a value, or with the values of a list ("a', 'b" for `IN` and
+/// `NOT_IN`).
+///
+/// `table` and `column` are a record table and its fixed column, or a data table ("device_data")
+/// and the unique key of a dynamic column. `holdsNumbers` says that the value is a number,
+/// `isApproximate` that numbers within `tolerance` (relative) are equal; the second number is kept
+/// and not used.
+///
+/// Throws `DBIF_Exception` naming column and value when a column of numbers is given a value that
+/// is none, and when complex numbers or matrices, which have no order, are compared by one.
+class DBIF_SingleColumnCondition : public DBIF_QueryCondition
+{
+public:
+    DBIF_SingleColumnCondition(
+        QString table,
+        QString column,
+        Comparator comparator,
+        QString value,
+        bool holdsNumbers,
+        bool isApproximate,
+        double tolerance,
+        double epsilon);
+    /// The same with a whole number as value; `NOT_NULL` comes with 0.
+    DBIF_SingleColumnCondition(
+        QString table,
+        QString column,
+        Comparator comparator,
+        int value,
+        bool holdsNumbers,
+        bool isApproximate,
+        double tolerance,
+        double epsilon);
+
+    [[nodiscard]] DBIF_SingleColumnCondition* clone() const override;
+    [[nodiscard]] dbif::ConditionTree tree(bool negated) const override;
+
+private:
+    std::shared_ptr<const dbif::ColumnComparison> comparison_;
+};

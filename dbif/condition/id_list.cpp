@@ -1,0 +1,67 @@
+#include "dbif/condition/id_list.h"
+
+#include "dbif/connection/bulk_cursor.h"
+#include "dbif/host/host_string.h"
+
+#include <QUuid>
+
+#include <algorithm>
+#include <span>
+
+namespace dbif {
+namespace {
+constexpr std::size_t kMostListedIds = 500;
+} // namespace
+
+SqlText id_sequence(const std::vector<int>& ids, std::size_t first, std::size_t count)
+{
+    return listed(std::span(ids).subspan(first, count));
+}
+
+IdList::IdList(DBIF_Connection connection, RecordTable table, const std::vector<int>& ids)
+    : connection_(std::move(connection))
+{
+    if (ids.empty()) {
+        return;
+    }
+    ColumnComparison comparison;
+    comparison.table = table;
+    comparison.column = "id";
+    if (ids.size() <= kMostListedIds) {
+        comparison.idSelect = id_sequence(ids, 0, ids.size());
+    } else {
+        temporaryTable_ = "selected_" + to_utf8(QUuid::createUuid().toString(QUuid::Id128));
+        const SqlName name(temporaryTable_);
+        connection_.execute(connection_.dialect().createIdTable(name), __FILE__, __LINE__);
+        const auto inserter = connection_.session().inserter(name, {SqlName("id")});
+        for (const int id : ids) {
+            inserter->integer(id).endRow();
+        }
+        inserter->flush();
+        SqlText select;
+        comparison.idSelect = select << "SELECT id FROM " << name;
+    }
+    condition_ = ConditionTree::comparison(std::move(comparison));
+}
+
+IdList::~IdList()
+{
+    if (temporaryTable_.empty()) {
+        return;
+    }
+    try {
+        connection_.execute(
+            connection_.dialect().dropIdTable(SqlName(temporaryTable_)), __FILE__, __LINE__);
+    } catch (const DBIF_Exception&) {
+        // It ends with the session anyway.
+    }
+}
+
+std::size_t highest_id(DBIF_Connection& connection, RecordTable table)
+{
+    SqlText sql;
+    sql << "SELECT max(id) FROM " << SqlName(facts(table).name);
+    BulkCursor cursor(connection, sql);
+    return cursor.next() ? static_cast<std::size_t>(cursor.integer(0)) : 0;
+}
+} // namespace dbif

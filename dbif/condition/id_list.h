@@ -1,0 +1,51 @@
+#pragma once
+
+#include "dbif/condition/condition.h"
+#include "dbif/condition/condition_tree.h"
+#include "dbif/connection/connection.h"
+
+#include <QtGlobal>
+
+#include <vector>
+
+namespace dbif {
+/// A condition that the layer made itself.
+class TreeCondition : public DBIF_QueryCondition
+{
+public:
+    explicit TreeCondition(ConditionTree tree) : tree_(std::move(tree)) {}
+
+    [[nodiscard]] TreeCondition* clone() const override { return new TreeCondition(*this); }
+
+    [[nodiscard]] ConditionTree tree(bool negated) const override
+    {
+        return negated ? tree_.negated() : tree_;
+    }
+
+private:
+    ConditionTree tree_;
+};
+
+/// Records of one table, picked by their ids, as a condition: a list in the statement up to 500
+/// ids, beyond that a temporary table, which lives as long as this object.
+class IdList
+{
+    Q_DISABLE_COPY_MOVE(IdList)
+
+public:
+    IdList(DBIF_Connection connection, RecordTable table, const std::vector<int>& ids);
+    ~IdList();
+
+    [[nodiscard]] const ConditionTree& condition() const { return condition_; }
+
+private:
+    DBIF_Connection connection_;
+    std::string temporaryTable_;
+    ConditionTree condition_ = ConditionTree::constant(false);
+};
+
+/// "1, 2, 3".
+SqlText id_sequence(const std::vector<int>& ids, std::size_t first, std::size_t count);
+/// The highest id in a table, about the number of its records; 0 when it is empty.
+std::size_t highest_id(DBIF_Connection& connection, RecordTable table);
+} // namespace dbif

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "dbif/connection/connection.h"
+#include "dbif/engine/native_statement.h"
+
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+namespace dbif {
+/// Reads the rows of one statement through the database's own client: `while (cursor.next())`.
+/// Numbers are read as doubles, never by way of text. Every member throws `DBIF_Exception` on a
+/// database error.
+class BulkCursor
+{
+public:
+    BulkCursor(const DBIF_Connection& connection, const SqlText& sql)
+        : statement_(connection.prepare(sql))
+    {}
+
+    bool next() { return statement_->step(); }
+
+    [[nodiscard]] bool isNull(int column) { return statement_->isNull(column); }
+
+    /// 0 when there is none.
+    [[nodiscard]] int integer(int column) { return static_cast<int>(statement_->integer(column)); }
+
+    /// NaN when there is none.
+    [[nodiscard]] double number(int column)
+    {
+        return isNull(column) ? std::numeric_limits<double>::quiet_NaN()
+                              : statement_->number(column);
+    }
+
+    /// Valid until `next`; empty when there is none.
+    [[nodiscard]] std::string_view text(int column) { return statement_->text(column); }
+
+private:
+    std::unique_ptr<NativeStatement> statement_;
+};
+} // namespace dbif

@@ -1,0 +1,23 @@
+#include "dbif/host/work_beside.h"
+
+#include <system_error>
+
+namespace dbif {
+void WorkBeside::begin(const std::function<void()>& work)
+{
+    finish();
+    try {
+        current_ = std::async(std::launch::async, work);
+    } catch (const std::system_error&) {
+        // The system has no more threads.
+        work();
+    }
+}
+
+void WorkBeside::finish()
+{
+    if (current_.valid()) {
+        current_.get();
+    }
+}
+} // namespace dbif

@@ -1,0 +1,254 @@
+#include "dbif/retrieval/sweep_rows.h"
+
+#include "dbif/retrieval/selected_setups.h"
+#include "dbif/sweep/sweep_reader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace dbif {
+namespace {
+using Kind = ResultColumn::Kind;
+
+/// Collects the rows of points.
+class RowCollector
+{
+public:
+    /// `columns` are those that are read, the keys of `sources` among them.
+    RowCollector(
+        const std::vector<ResultSource>& sources,
+        const std::vector<KeyDefinition>& columns,
+        SelectedSetups& setups)
+        : setups_(setups)
+    {
+        std::size_t recordSource = 0;
+        for (const ResultSource& source : sources) {
+            outputs_.push_back(
+                source.isOnPoints() ? pointOutput(source.key, place_of_key(columns, source.key.key))
+                                    : recordOutput(&setups.column(recordSource++)));
+        }
+    }
+
+    void add(const SweepPoints& points)
+    {
+        isKept_.assign(points.count, setups_.hasRecordValue(points.place) ? 1 : 0);
+        bool hasAnyKey = false;
+        for (const Output& output : outputs_) {
+            if (output.record == nullptr && points.columns[output.column].isPresent()) {
+                hasAnyKey = true;
+                mark_values(points.columns[output.column], &isKept_);
+            }
+        }
+        if (!hasAnyKey) {
+            return;
+        }
+        if (setups_.isDecidedOnPoints()) {
+            const PointMask mask = setups_.satisfying(points);
+            for (std::size_t point = 0; point < points.count; ++point) {
+                isKept_[point] = isKept_[point] & mask[point];
+            }
+        }
+        listKept();
+        for (Output& output : outputs_) {
+            output.record != nullptr ? appendRecord(points.place, &output)
+                                     : appendPoints(points.columns[output.column], &output.values);
+        }
+    }
+
+    QueryResult finish()
+    {
+        QueryResult result;
+        for (Output& output : outputs_) {
+            result.rows = output.values.size();
+            result.columns.push_back(std::move(output.values));
+        }
+        return result;
+    }
+
+private:
+    struct Output
+    {
+        /// Of a key of setups: its place among the columns that are read.
+        std::size_t column = 0;
+        /// Of a column of records: a value per setup.
+        ResultColumn* record = nullptr;
+        ResultColumn values;
+    };
+
+    static Output pointOutput(const KeyDefinition& key, std::size_t column)
+    {
+        Output output;
+        output.column = column;
+        output.values.kind = point_column_kind(key.kind);
+        return output;
+    }
+
+    static Output recordOutput(ResultColumn* record)
+    {
+        Output output;
+        output.record = record;
+        if (record->kind != Kind::Text) {
+            output.values.kind = record->kind;
+            return output;
+        }
+        // Each setup's text stands once; the rows refer to it.
+        output.values.kind = Kind::SharedText;
+        output.values.dictionary = std::move(record->texts);
+        return output;
+    }
+
+    static Kind point_column_kind(ValueKind kind)
+    {
+        switch (kind) {
+        case ValueKind::Double:
+            return Kind::Double;
+        case ValueKind::Complex:
+            return Kind::Complex;
+        case ValueKind::Matrix:
+        case ValueKind::Text:
+            break;
+        }
+        return Kind::Text;
+    }
+
+    static void mark_values(const SweepSlice& values, PointMask* isKept)
+    {
+        if (std::find(isKept->begin(), isKept->end(), 0) == isKept->end()) {
+            return;
+        }
+        if (values.array->kind == ValueKind::Double) {
+            const std::span<const double> numbers = values.numbers();
+            for (std::size_t point = 0; point < numbers.size(); ++point) {
+                (*isKept)[point] |= static_cast<std::uint8_t>(!std::isnan(numbers[point]));
+            }
+            return;
+        }
+        for (std::size_t point = 0; point < isKept->size(); ++point) {
+            (*isKept)[point] |= static_cast<std::uint8_t>(values.hasValue(point));
+        }
+    }
+
+    /// Without branches, which a processor could not foresee.
+    void listKept()
+    {
+        kept_.resize(isKept_.size());
+        std::size_t count = 0;
+        for (std::size_t point = 0; point < isKept_.size(); ++point) {
+            kept_[count] = point;
+            count += isKept_[point];
+        }
+        kept_.resize(count);
+    }
+
+    void appendRecord(std::size_t place, Output* output) const
+    {
+        switch (output->values.kind) {
+        case Kind::SharedText:
+            appendSame(static_cast<std::uint32_t>(place), &output->values.codes);
+            return;
+        case Kind::Complex:
+            appendSame(output->record->complexNumbers[place], &output->values.complexNumbers);
+            return;
+        default:
+            appendSame(output->record->numbers[place], &output->values.numbers);
+        }
+    }
+
+    template <typename T>
+    void appendSame(const T& value, std::vector<T>* values) const
+    {
+        values->insert(values->end(), kept_.size(), value);
+    }
+
+    void appendPoints(const SweepSlice& points, ResultColumn* column) const
+    {
+        switch (column->kind) {
+        case Kind::Double:
+            points.isPresent()
+                ? appendKept(points.array->numbers, points.first, &column->numbers)
+                : appendSame(std::numeric_limits<double>::quiet_NaN(), &column->numbers);
+            return;
+        case Kind::Complex:
+            points.isPresent()
+                ? appendKept(points.array->complexNumbers, points.first, &column->complexNumbers)
+                : appendSame(kNoComplex, &column->complexNumbers);
+            return;
+        default:
+            for (const std::size_t point : kept_) {
+                column->texts.push_back(points.isPresent() ? points.text(point) : std::string());
+            }
+        }
+    }
+
+    template <typename T>
+    void appendKept(const std::vector<T>& from, std::size_t first, std::vector<T>* values) const
+    {
+        const auto begin = from.begin() + static_cast<std::ptrdiff_t>(first);
+        if (kept_.size() == isKept_.size()) {
+            values->insert(values->end(), begin, begin + static_cast<std::ptrdiff_t>(kept_.size()));
+            return;
+        }
+        for (const std::size_t point : kept_) {
+            values->push_back(begin[static_cast<std::ptrdiff_t>(point)]);
+        }
+    }
+
+    SelectedSetups& setups_;
+    std::vector<Output> outputs_;
+    /// Of the setup that is added: which points give a row, by mark and by place.
+    PointMask isKept_;
+    std::vector<std::size_t> kept_;
+};
+} // namespace
+
+QueryResult read_sweep_rows(
+    DBIF_Connection& connection,
+    const std::vector<ResultSource>& sources,
+    const ConditionTree& condition,
+    bool latestOnly)
+{
+    std::vector<KeyDefinition> columns;
+    std::vector<ResultSource> recordSources;
+    for (const ResultSource& source : sources) {
+        if (!source.isOnPoints()) {
+            recordSources.push_back(source);
+        } else if (place_of_key(columns, source.key.key) == columns.size()) {
+            columns.push_back(source.key);
+        }
+    }
+    SelectedSetups setups(connection, recordSources, columns, condition, latestOnly);
+    setups.addConditionKeys(connection, &columns);
+    RowCollector collector(sources, columns, setups);
+    read_sweeps(
+        connection, setups.ids(), columns, SetupsWithoutColumns::Empty,
+        [&collector](const SweepPoints& points) { collector.add(points); });
+    return collector.finish();
+}
+
+std::vector<int> ids_with_points(
+    DBIF_Connection& connection,
+    RecordTable table,
+    const ConditionTree& condition,
+    bool latestOnly)
+{
+    ResultSource id;
+    id.table = table;
+    id.fixed = facts(table).fixedColumns.front();
+    SelectedSetups setups(connection, {id}, {}, condition, latestOnly);
+    std::vector<KeyDefinition> columns;
+    setups.addConditionKeys(connection, &columns);
+    std::vector<int> ids;
+    const std::vector<double>& idOfSetup = setups.column(0).numbers;
+    const auto add = [&](const SweepPoints& points) {
+        const PointMask mask = setups.satisfying(points);
+        const double found = idOfSetup[points.place];
+        if (!std::isnan(found) && std::find(mask.begin(), mask.end(), 1) != mask.end()) {
+            ids.push_back(static_cast<int>(found));
+        }
+    };
+    // A setup without any of the keys may have points that satisfy, for it lacks them.
+    read_sweeps(connection, setups.ids(), columns, SetupsWithoutColumns::Counted, add);
+    return ids;
+}
+} // namespace dbif

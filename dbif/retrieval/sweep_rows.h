@@ -1,0 +1,27 @@
+#pragma once
+
+#include "dbif/condition/condition_tree.h"
+#include "dbif/connection/connection.h"
+#include "dbif/retrieval/result_column.h"
+#include "dbif/retrieval/result_source.h"
+
+#include <vector>
+
+namespace dbif {
+/// The rows of a query that reads keys of setups: a row per point that satisfies the condition,
+/// with the columns of the setup's records repeated beside it. A setup that has none of the keys
+/// gives no row, nor does a point without any value. In the order of setups and points.
+QueryResult read_sweep_rows(
+    DBIF_Connection& connection,
+    const std::vector<ResultSource>& sources,
+    const ConditionTree& condition,
+    bool latestOnly);
+
+/// The ids of the records of `table` that have a setup with a point for which the condition is
+/// true; a record may come several times.
+std::vector<int> ids_with_points(
+    DBIF_Connection& connection,
+    RecordTable table,
+    const ConditionTree& condition,
+    bool latestOnly);
+} // namespace dbif

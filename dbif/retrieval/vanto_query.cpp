@@ -1,0 +1,136 @@
+#include "dbif/retrieval/vanto_query.h"
+
+#include "dbif/engine/read_trace.h"
+#include "dbif/host/host_string.h"
+#include "dbif/query/record_query.h"
+#include "dbif/retrieval/query_run.h"
+#include "dbif/retrieval/result_source.h"
+#include "dbif/value/complex_values.h"
+
+#include <utility>
+
+namespace {
+DBIF_VantoJoinAlgorithm& join_algorithm()
+{
+    static DBIF_VantoJoinAlgorithm algorithm;
+    return algorithm;
+}
+
+/// What a column reads in plain SQL: a key is looked up for its record; of a key of setups, the
+/// setup.
+dbif::SqlText expression_of(const dbif::ResultSource& source)
+{
+    const dbif::TableFacts& f = dbif::facts(source.table);
+    dbif::SqlText id = dbif::qualified(f.name, "id");
+    if (!source.isKey) {
+        return dbif::qualified(f.name, source.fixed.name);
+    }
+    if (source.isOnPoints()) {
+        return id;
+    }
+    dbif::SqlText sql;
+    return sql << "(SELECT "
+               << (source.key.kind == dbif::ValueKind::Double ? dbif::SqlText("number")
+                                                              : dbif::SqlText("text"))
+               << " FROM " << dbif::SqlName(f.dataTable()) << " WHERE "
+               << dbif::SqlName(f.linkColumn()) << " = " << id << " AND "
+               << dbif::SqlName(f.columnLink()) << " = " << source.key.id << ")";
+}
+
+dbif::SqlText order_clause(DBIF_Connection& connection, const QList<DBIF_Query::Order>& orders)
+{
+    dbif::SqlText order;
+    for (const DBIF_Query::Order& by : orders) {
+        order << (order.isEmpty() ? dbif::SqlText("\nORDER BY ") : dbif::SqlText(", "))
+              << expression_of(dbif::find_source(connection, by.table, by.column))
+              << (by.direction == QStringLiteral("ASC") ? dbif::SqlText(" ASC")
+                                                        : dbif::SqlText(" DESC"));
+    }
+    return order;
+}
+
+QList<DBIF_DataType*> objects_of(const dbif::ResultColumn& column, const QString& datatype)
+{
+    using Kind = dbif::ResultColumn::Kind;
+    QList<DBIF_DataType*> objects;
+    for (std::size_t row = 0; row < column.size(); ++row) {
+        if (column.kind == Kind::Double && datatype == DOUBLE_DATATYPE) {
+            objects.append(new DBIF_Double(column.numbers[row]));
+        } else if (column.kind == Kind::Complex && datatype == COMPLEX_NUMBER_DATATYPE) {
+            objects.append(new DBIF_ComplexNumber(column.complexNumbers[row]));
+        } else {
+            objects.append(DBIF_DataType::toDataType(dbif::to_qt(column.text(row)), datatype));
+        }
+    }
+    return objects;
+}
+} // namespace
+
+DBIF_VantoQuery::DBIF_VantoQuery(DBIF_Connection connection) : DBIF_Query(std::move(connection))
+{
+    setJoinAlgorithm(&join_algorithm());
+}
+
+void DBIF_VantoQuery::preprocessQuery()
+{
+    DBIF_Query::preprocessQuery();
+}
+
+QString DBIF_VantoQuery::generateSql(bool isOrdered)
+{
+    preprocessQuery();
+    DBIF_Connection connection = data().connection;
+    std::vector<dbif::SqlText> expressions;
+    std::vector<dbif::ResultSource> sources;
+    bool isSubSelect = data().columns.size() == 1;
+    for (const Column& column : data().columns) {
+        sources.push_back(dbif::find_source(connection, column.table, column.column));
+        dbif::SqlText expression = expression_of(sources.back());
+        if (column.isNamedByTable) {
+            expression << " AS "
+                       << dbif::SqlName(
+                              dbif::to_utf8(column.table) + "_" + dbif::to_utf8(column.column));
+        }
+        isSubSelect = isSubSelect && column.isNamedByTable;
+        expressions.push_back(std::move(expression));
+    }
+    dbif::TableSet tables = dbif::tables_of(sources);
+    for (const QString& added : data().addedTables) {
+        if (const dbif::TableFacts* found = dbif::find_table(dbif::to_utf8(added))) {
+            tables.add(found->table);
+        }
+    }
+    const dbif::ConditionTree condition = data().condition == nullptr
+                                              ? dbif::ConditionTree::constant(true)
+                                              : data().condition->tree(false);
+    const dbif::RecordQuery query(connection, tables, condition, data().latestOnly);
+    if (isSubSelect && query.selectsAll()) {
+        return {};
+    }
+    dbif::SqlText sql = query.select(expressions, data().distinct);
+    if (!isOrdered) {
+        return sql.toQt();
+    }
+    sql << order_clause(connection, data().orders);
+    return sql.toQt() + generateLimit();
+}
+
+// NOLINTBEGIN(performance-unnecessary-value-param): a published signature
+QList<DBIF_DataType*>
+queryValues(DBIF_Connection /*connection*/, DBIF_Query* query, QString datatype)
+// NOLINTEND(performance-unnecessary-value-param)
+{
+    const dbif::QueryResult result = dbif::run_query(*query);
+    return result.columns.empty() ? QList<DBIF_DataType*>()
+                                  : objects_of(result.columns.front(), datatype);
+}
+
+namespace dbif {
+std::vector<std::string> query_texts(const DBIF_Query& query)
+{
+    QueryResult result = run_query(query);
+    const TraceStep step(query.data().connection.trace(), "write the values as text");
+    return result.columns.empty() ? std::vector<std::string>()
+                                  : take_texts(&result.columns.front());
+}
+} // namespace dbif

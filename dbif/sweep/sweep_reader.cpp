@@ -1,0 +1,162 @@
+#include "dbif/sweep/sweep_reader.h"
+
+#include "dbif/connection/bulk_cursor.h"
+#include "dbif/engine/read_trace.h"
+#include "dbif/host/work_beside.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <utility>
+
+namespace dbif {
+namespace {
+constexpr std::size_t kMostSetupsPerBlock = 512;
+constexpr std::size_t kMostPointsPerBlock = 1U << 18U;
+
+constexpr std::size_t kAbsent = static_cast<std::size_t>(-1);
+
+/// The condition that `setup_id` is one of the setups, or one between them where they stand close
+/// together.
+SqlText is_one_of(std::span<const int> setups)
+{
+    const int first = setups.front();
+    const int last = setups.back();
+    SqlText sql;
+    if (static_cast<std::size_t>(last - first) < 2 * setups.size()) {
+        return sql << "setup_id BETWEEN " << first << " AND " << last;
+    }
+    return sql << "setup_id IN (" << listed(setups) << ")";
+}
+
+/// Finds setups that come in the order of their ids.
+class SetupFinder
+{
+public:
+    explicit SetupFinder(std::span<const int> setups) : setups_(setups) {}
+
+    /// The place of a setup; `kAbsent` for one that was not asked for, as a range of ids brings
+    /// such along.
+    std::size_t find(int setup)
+    {
+        while (place_ + 1 < setups_.size() && setups_[place_] < setup) {
+            ++place_;
+        }
+        return setups_[place_] == setup ? place_ : kAbsent;
+    }
+
+private:
+    std::span<const int> setups_;
+    std::size_t place_ = 0;
+};
+
+/// Reads blocks of setups.
+class BlockReader
+{
+public:
+    BlockReader(
+        DBIF_Connection& connection,
+        const std::vector<KeyDefinition>& columns,
+        SetupsWithoutColumns others)
+        : connection_(connection), columns_(columns), others_(others)
+    {}
+
+    /// Reads as many of the setups, from place `first` on, as fit.
+    void read(std::span<const int> setups, std::size_t first, SweepBlock* block) const
+    {
+        const TraceStep step(connection_.trace(), "read the points");
+        setups = setups.subspan(first);
+        setups = setups.first(std::min(setups.size(), kMostSetupsPerBlock));
+        block->begin(setups, first);
+        readAssociations(setups, block);
+        setups = block->limitPoints(kMostPointsPerBlock);
+        for (std::size_t column = 0; column < columns_.size(); ++column) {
+            readColumn(column, setups, block);
+        }
+    }
+
+private:
+    /// What each setup has, and how many points.
+    void readAssociations(std::span<const int> setups, SweepBlock* block) const
+    {
+        SqlText sql = "SELECT setup_id, setup_column_id, points FROM setup_association WHERE ";
+        sql << is_one_of(setups);
+        if (others_ == SetupsWithoutColumns::Empty) {
+            // The sign keeps the databases from a detour by the index of the columns.
+            sql << " AND +setup_column_id IN (" << listed(columns_, &KeyDefinition::id) << ")";
+        }
+        BulkCursor cursor(connection_, sql << " ORDER BY setup_id");
+        SetupFinder finder(setups);
+        while (cursor.next()) {
+            const std::size_t place = finder.find(cursor.integer(0));
+            if (place != kAbsent) {
+                block->note(place, cursor.integer(1), static_cast<std::size_t>(cursor.integer(2)));
+            }
+        }
+    }
+
+    void readColumn(std::size_t column, std::span<const int> setups, SweepBlock* block) const
+    {
+        SqlText sql = "SELECT setup_id, payload FROM setup_data WHERE setup_column_id = ";
+        BulkCursor cursor(
+            connection_, sql << columns_[column].id << " AND " << is_one_of(setups)
+                             << " ORDER BY setup_id, chunk");
+        SetupFinder finder(setups);
+        while (cursor.next()) {
+            const std::size_t place = finder.find(cursor.integer(0));
+            if (place != kAbsent && block->has(place, column)) {
+                block->store(place, column, cursor.text(1));
+            }
+        }
+    }
+
+    DBIF_Connection& connection_;
+    const std::vector<KeyDefinition>& columns_;
+    SetupsWithoutColumns others_;
+};
+
+void use_block(
+    ReadTrace* trace,
+    const std::function<void(const SweepPoints& points)>& use,
+    SweepBlock* block)
+{
+    {
+        const TraceStep step(trace, "unpack the points");
+        block->unpack();
+    }
+    for (std::size_t place = 0; place < block->size(); ++place) {
+        use(block->points(place));
+    }
+}
+} // namespace
+
+void read_sweeps(
+    DBIF_Connection& connection,
+    const std::vector<int>& setups,
+    const std::vector<KeyDefinition>& columns,
+    SetupsWithoutColumns others,
+    const std::function<void(const SweepPoints& points)>& use)
+{
+    ReadTrace* const trace = connection.trace();
+    const BlockReader reader(connection, columns, others);
+    std::array<SweepBlock, 2> blocks{SweepBlock(columns), SweepBlock(columns)};
+    WorkBeside beside;
+    SweepBlock* block = &blocks[0];
+    SweepBlock* used = &blocks[1];
+    for (std::size_t first = 0; first < setups.size();) {
+        reader.read(setups, first, block);
+        first += block->size();
+        const auto work = [=, &use] {
+            use_block(trace, use, block);
+        };
+        if (trace == nullptr && first < setups.size()) {
+            beside.begin(work);
+        } else {
+            // Nothing is left to read meanwhile. A trace notes one step at a time.
+            beside.finish();
+            work();
+        }
+        std::swap(block, used);
+    }
+}
+} // namespace dbif

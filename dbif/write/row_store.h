@@ -1,0 +1,84 @@
+#pragma once
+
+#include "dbif/connection/connection.h"
+#include "dbif/schema/schema_names.h"
+#include "dbif/write/record_values.h"
+
+#include <functional>
+#include <initializer_list>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace dbif {
+/// Inserts rows into the tables of a writing transaction: hands out ids, keeps the inserters, and
+/// counts. Ids continue after the highest, which no other writer moves meanwhile. Refuses, by a
+/// `DBIF_Exception` of the type `TransactionError`, what is more than the database takes in one
+/// transaction, before it is sent.
+class RowStore
+{
+    Q_DISABLE_COPY_MOVE(RowStore)
+
+public:
+    explicit RowStore(DBIF_Connection connection);
+    ~RowStore() = default;
+
+    [[nodiscard]] DBIF_Connection& connection() { return connection_; }
+
+    int nextId(std::string_view table);
+    /// The inserter of a table with those columns, made at the first call.
+    RowInserter& into(std::string_view table, std::initializer_list<std::string_view> columns);
+    /// The same, with columns that are asked for at the first call.
+    RowInserter& into(std::string_view table, const std::function<std::vector<SqlName>()>& columns);
+    /// Sends the rows that wait.
+    void flush();
+
+    [[nodiscard]] std::size_t rows() const { return rows_; }
+
+private:
+    class Counted;
+
+    void count(std::size_t bytes);
+
+    DBIF_Connection connection_;
+    TransactionLimit limit_;
+    std::map<std::string, int, std::less<>> lastId_;
+    std::map<std::string, std::unique_ptr<RowInserter>, std::less<>> inserters_;
+    std::size_t rows_ = 0;
+    std::size_t bytes_ = 0;
+};
+
+/// A record to insert, without its keys.
+struct RecordRow
+{
+    /// The id of the record in each parent table; 0: none.
+    std::vector<int> links;
+    FixedTexts columns;
+    /// The fixed column that holds a number.
+    std::optional<double> number;
+    std::string time;
+    std::optional<std::string> user;
+    /// A digest; empty for none.
+    std::string identity;
+};
+
+/// Inserts the record and returns its id.
+int insert_record(RowStore& rows, const TableFacts& f, const RecordRow& record);
+
+/// Inserts what a setup says of one of its keys.
+void insert_association(
+    RowStore& rows,
+    int setup,
+    int column,
+    const std::optional<std::string>& header,
+    long long points,
+    const std::optional<double>& minimum,
+    const std::optional<double>& maximum);
+
+/// Inserts packed values of one key of a setup.
+void insert_chunk(RowStore& rows, int setup, int column, int number, std::string_view payload);
+
+} // namespace dbif

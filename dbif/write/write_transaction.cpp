@@ -1,0 +1,92 @@
+#include "dbif/write/write_transaction.h"
+
+#include "dbif/connection/column_store.h"
+#include "dbif/connection/newest_time.h"
+#include "dbif/host/host_string.h"
+
+namespace dbif {
+WriteTransaction::WriteTransaction(DBIF_Connection connection) : connection_(std::move(connection))
+{
+    connection_.beginWriteTransaction();
+    try {
+        // The row that every writer changes: it keeps a second one waiting (or, on a cluster, makes
+        // its commit fail).
+        connection_.execute(
+            SqlText("UPDATE database_info SET writes = writes + 1 WHERE id = 1"), __FILE__,
+            __LINE__);
+        const QDateTime newest = newest_time(connection_);
+        QDateTime now = QDateTime::currentDateTimeUtc();
+        if (newest.isValid() && now <= newest) {
+            now = newest.addMSecs(1);
+        }
+        stamp_ = stored_time(now);
+        for (const SqlText& setting : connection_.dialect().writeSettings(true)) {
+            connection_.execute(setting, __FILE__, __LINE__);
+        }
+    } catch (const DBIF_Exception&) {
+        connection_.rollbackTransaction();
+        throw;
+    }
+    isOpen_ = true;
+}
+
+WriteTransaction::~WriteTransaction()
+{
+    if (isOpen_) {
+        connection_.rollbackTransaction();
+        // It may know definitions of keys that there are not any more.
+        ColumnStore::of(connection_).refresh();
+    }
+    for (const SqlText& setting : connection_.dialect().writeSettings(false)) {
+        setAsBefore(setting);
+    }
+}
+
+void WriteTransaction::setAsBefore(const SqlText& setting)
+{
+    try {
+        connection_.execute(setting, __FILE__, __LINE__);
+    } catch (const DBIF_Exception&) {
+        // It would only stay as it is.
+    }
+}
+
+void WriteTransaction::commit(const std::string& stampedTable, int stampedId)
+{
+    try {
+        connection_.commitTransaction();
+    } catch (const DBIF_Exception& exception) {
+        if (!isStoredAfter(exception, stampedTable, stampedId)) {
+            throw;
+        }
+    }
+    isOpen_ = false;
+    ColumnStore::of(connection_).refresh();
+}
+
+bool WriteTransaction::isStoredAfter(
+    const DBIF_Exception& failure,
+    const std::string& table,
+    int id)
+{
+    if (!connection_.dialect().isConnectionLost(failure.error()) || table.empty()) {
+        return false;
+    }
+    connection_.rollbackTransaction();
+    isOpen_ = false;
+    try {
+        // No other transaction has our stamp.
+        SqlText sql;
+        sql << "SELECT id FROM " << SqlName(table) << " WHERE id = " << id
+            << " AND modified_time = " << SqlLiteral(stamp_);
+        return connection_.query(sql.toQt(), 0, __FILE__, __LINE__).next();
+    } catch (const DBIF_Exception& exception) {
+        throw_error(
+            "The connection was lost while the records were made durable, and the server does not answer (" +
+                to_utf8(exception.error().databaseText()) +
+                "). Either all of them are stored or none: once it answers again, look for those of the time " +
+                stamp_ + ".",
+            __FILE__, __LINE__, QSqlError::TransactionError);
+    }
+}
+} // namespace dbif

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "dbif/schema/schema_names.h"
+#include "dbif/write/record_writer.h"
+#include "dbimport/file_faults.h"
+
+#include <array>
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace dbapi::tool {
+/// What the file says of one record.
+struct RecordParts
+{
+    dbif::FixedTexts columns;
+    std::vector<dbif::KeyValue> keys;
+
+    [[nodiscard]] bool isEmpty() const { return columns.empty() && keys.empty(); }
+
+    bool operator==(const RecordParts& other) const = default;
+};
+
+/// The records that a sweep belongs to, as the lines "# KEYWORD = VALUE" of its file tell them.
+struct Annotations
+{
+    std::array<RecordParts, dbif::kRecordTables.size()> records;
+    std::optional<double> temperature;
+
+    [[nodiscard]] RecordParts& of(dbif::RecordTable table)
+    {
+        return records.at(static_cast<std::size_t>(table));
+    }
+
+    [[nodiscard]] const RecordParts& of(dbif::RecordTable table) const
+    {
+        return records.at(static_cast<std::size_t>(table));
+    }
+};
+
+/// Reads the annotation lines of one file.
+class AnnotationReader
+{
+public:
+    explicit AnnotationReader(FileFaults* faults) : faults_(faults) {}
+
+    /// One line that begins with "#"; the line end does not belong to it.
+    void addLine(std::size_t line, const std::string& text);
+
+    /// What the lines said, once they are all read.
+    [[nodiscard]] Annotations take();
+
+private:
+    void addKeyword(std::size_t line, const std::string& keyword, const std::string& value);
+    void addBuiltin(
+        std::size_t line,
+        const std::string& builtin,
+        const std::string& table,
+        const std::string& column,
+        const std::string& value);
+    void addKey(std::size_t line, const std::string& keyword, const std::string& value);
+    void addKeyValue(
+        std::size_t line,
+        const std::string& table,
+        dbif::KeyValue key,
+        const std::string& value);
+    /// Whether the key or column is given for the first time.
+    bool isFirst(std::size_t line, const std::string& keyword, const std::string& identity);
+
+    FileFaults* faults_;
+    Annotations read_;
+    std::map<std::string, std::size_t> lineOf_;
+};
+} // namespace dbapi::tool

@@ -1,0 +1,235 @@
+#include "dbimport/sweep_import.h"
+
+#include "dbapi/builtin_keynames.h"
+#include "dbapi/text_rules.h"
+#include "dbif/connection/write_retry.h"
+#include "dbif/host/error_text.h"
+#include "dbif/host/host_number.h"
+#include "dbif/host/host_string.h"
+#include "dbimport/sweep_read_ahead.h"
+
+#include <map>
+#include <optional>
+#include <set>
+#include <utility>
+
+namespace dbapi::tool {
+namespace {
+using dbif::RecordTable;
+
+/// What the files of an import must agree in: keyword to value.
+std::map<std::string, std::string> catalogue_texts(const RecordParts& entry)
+{
+    std::map<std::string, std::string> texts;
+    for (const auto& [column, text] : entry.columns) {
+        std::string keyword;
+        dbapi_convert_keyword_to_builtin_keyname("catalog_entry." + column, &keyword);
+        texts[keyword] = text;
+    }
+    for (const dbif::KeyValue& key : entry.keys) {
+        const bool isNumber = key.kind == dbif::ValueKind::Double;
+        const std::string datatype = dbif::to_utf8(dbif::datatype_name(key.kind));
+        texts["Key(" + key.name + ",catalog_entry," + datatype + ")"] =
+            isNumber ? dbif::double_text(key.number) : key.text;
+    }
+    return texts;
+}
+
+/// A record that the last file named; the next one often names it again.
+struct SharedRecord
+{
+    RecordParts parts;
+    std::optional<int> id;
+
+    [[nodiscard]] bool is(const RecordParts& named) const
+    {
+        return id.has_value() && parts == named;
+    }
+};
+
+class Import
+{
+public:
+    explicit Import(DBIF_Connection connection) : connection_(std::move(connection)) {}
+
+    void add(const std::string& file, const ReadSweep& sweep);
+    ImportResult finish();
+
+private:
+    void storeUnlessRefused(const std::string& file, const ReadSweep& sweep);
+    void store(const std::string& file, const ReadSweep& sweep);
+    int deviceOf(const Annotations& annotations);
+    int routineOf(const Annotations& annotations);
+    /// Whether the file says the same of the catalogue entry as the files before it.
+    bool isOneEntry(const std::string& file, const Annotations& annotations);
+    void addFault(const std::string& file, std::size_t line, const std::string& text);
+
+    DBIF_Connection connection_;
+    /// Made for the first file that is read, so that other writers wait as little as possible.
+    std::optional<dbif::RecordWriter> writer_;
+    int catalogEntry_ = 0;
+    /// What the catalogue entry is, and the file that said so.
+    std::optional<RecordParts> catalogue_;
+    std::string catalogueFile_;
+    SharedRecord lastDie_;
+    SharedRecord lastDevice_;
+    SharedRecord lastRoutine_;
+    std::set<int> devices_;
+    ImportResult result_;
+};
+
+void Import::add(const std::string& file, const ReadSweep& sweep)
+{
+    const AnnotatedCsv& csv = sweep.csv;
+    ++result_.files;
+    result_.hasUnreadableFile = result_.hasUnreadableFile || csv.isUnreadable;
+    const std::size_t before = result_.faultCount;
+    for (const FileFault& fault : csv.faults.kept()) {
+        addFault(file, fault.line, fault.text);
+    }
+    result_.faultCount = before + csv.faults.count();
+    if (csv.faults.isEmpty() && isOneEntry(file, csv.annotations)) {
+        storeUnlessRefused(file, sweep);
+    }
+    result_.faultyFiles += result_.faultCount > before ? 1 : 0;
+}
+
+void Import::storeUnlessRefused(const std::string& file, const ReadSweep& sweep)
+{
+    if (!writer_.has_value()) {
+        writer_.emplace(connection_);
+    }
+    try {
+        store(file, sweep);
+    } catch (const DBIF_Exception& exception) {
+        // What the writer refuses is a fault of the file, and the next files may have more.
+        if (!exception.sql().isEmpty() || exception.error().type() == QSqlError::TransactionError) {
+            throw;
+        }
+        addFault(file, 0, dbif::trimmed(convert_sql_error_to_string(exception.error()).str()));
+    }
+}
+
+bool Import::isOneEntry(const std::string& file, const Annotations& annotations)
+{
+    const RecordParts& entry = annotations.of(RecordTable::CatalogEntry);
+    if (!catalogue_.has_value()) {
+        catalogue_ = entry;
+        catalogueFile_ = file;
+        return true;
+    }
+    if (entry == *catalogue_) {
+        return true;
+    }
+    // They may still say the same in another order.
+    const std::map<std::string, std::string> texts = catalogue_texts(entry);
+    const std::map<std::string, std::string> first = catalogue_texts(*catalogue_);
+    std::map<std::string, std::string> either = texts;
+    either.insert(first.begin(), first.end());
+    const auto said = [](const auto& side, const std::string& keyword) {
+        const auto found = side.find(keyword);
+        return found == side.end() ? "no " + keyword : keyword + " = " + found->second;
+    };
+    for (const auto& [keyword, text] : either) {
+        const std::string here = said(texts, keyword);
+        const std::string there = said(first, keyword);
+        if (here != there) {
+            std::string fault = "It has " + here + ", but ";
+            fault += dbapi::quoted(catalogueFile_) + " has " + there;
+            fault += ". All files of one import share one catalogue entry: make them equal, or "
+                     "import the files apart.";
+            addFault(file, 0, fault);
+            return false;
+        }
+    }
+    return true;
+}
+
+void Import::addFault(const std::string& file, std::size_t line, const std::string& text)
+{
+    if (result_.faults.size() < FileFaults::kMostKept) {
+        result_.faults.push_back({file, line, text});
+    }
+    ++result_.faultCount;
+}
+
+int Import::deviceOf(const Annotations& annotations)
+{
+    const RecordParts& die = annotations.of(RecordTable::Die);
+    const RecordParts& device = annotations.of(RecordTable::Device);
+    if (!lastDie_.is(die)) {
+        lastDevice_.id.reset();
+        lastDie_.id = die.isEmpty() ? 0 : writer_->findOrAddDie(die.columns);
+        lastDie_.parts = die;
+    }
+    if (*lastDie_.id == 0 && device.isEmpty()) {
+        return 0;
+    }
+    if (!lastDevice_.is(device)) {
+        lastDevice_.id = writer_->findOrAddDevice(*lastDie_.id, device.columns, device.keys);
+        lastDevice_.parts = device;
+        devices_.insert(*lastDevice_.id);
+    }
+    return *lastDevice_.id;
+}
+
+int Import::routineOf(const Annotations& annotations)
+{
+    const RecordParts& routine = annotations.of(RecordTable::Routine);
+    if (!lastRoutine_.is(routine)) {
+        lastRoutine_.id = routine.isEmpty() ? 0 : writer_->findOrAddRoutine(routine.columns);
+        lastRoutine_.parts = routine;
+    }
+    return *lastRoutine_.id;
+}
+
+void Import::store(const std::string& file, const ReadSweep& sweep)
+{
+    const Annotations& annotations = sweep.csv.annotations;
+    if (catalogEntry_ == 0) {
+        const RecordParts& entry = annotations.of(RecordTable::CatalogEntry);
+        catalogEntry_ = writer_->addCatalogEntry(entry.columns, entry.keys);
+    }
+    dbif::MeasurementRecord measurement;
+    measurement.catalogEntry = catalogEntry_;
+    measurement.device = deviceOf(annotations);
+    measurement.routine = routineOf(annotations);
+    measurement.temperature = annotations.temperature;
+    measurement.keys = annotations.of(RecordTable::Measurement).keys;
+    const RecordParts& condition = annotations.of(RecordTable::MeasurementCondition);
+    const int conditionId = writer_->addCondition(
+        writer_->addMeasurement(measurement), condition.columns, condition.keys);
+    writer_->addPackedSetup(
+        conditionId, annotations.of(RecordTable::Setup).columns, sweep.columns, file);
+    ++result_.setups;
+    result_.points += sweep.csv.points;
+}
+
+ImportResult Import::finish()
+{
+    result_.devices = devices_.size();
+    if (result_.faultCount == 0 && writer_.has_value()) {
+        writer_->commit();
+    }
+    return std::move(result_);
+}
+} // namespace
+
+ImportResult import_sweeps(
+    const DBIF_Connection& connection,
+    const std::vector<std::string>& files,
+    const ReadProgress& progress)
+{
+    ImportResult result;
+    // Repeated from the first file on: a transaction that fails takes all of them with it.
+    dbif::write_with_retries(connection, [&] {
+        Import import(connection);
+        SweepReadAhead sweeps(files, progress);
+        for (const std::string& file : files) {
+            import.add(file, sweeps.next());
+        }
+        result = import.finish();
+    });
+    return result;
+}
+} // namespace dbapi::tool

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "dbif/connection/connection.h"
+#include "dbimport/annotated_csv.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace dbapi::tool {
+/// A fault of one file of an import.
+struct ImportFault
+{
+    std::string file;
+    std::size_t line = 0;
+    std::string text;
+};
+
+struct ImportResult
+{
+    std::size_t files = 0;
+    std::size_t setups = 0;
+    std::size_t points = 0;
+    std::size_t devices = 0;
+
+    /// The first faults in the order of the files; nothing was stored when there is one.
+    std::vector<ImportFault> faults;
+    std::size_t faultCount = 0;
+    std::size_t faultyFiles = 0;
+    /// Whether a file could not be read at all.
+    bool hasUnreadableFile = false;
+};
+
+/// Reads files of annotated CSV and stores all of them in one transaction, as one catalogue entry,
+/// or nothing when any has a fault: then all files are read all the same, so that every fault is
+/// known. Each file becomes a measurement with one setup. Repeated a few times when another writer
+/// is in its way or the connection is lost. Throws `DBIF_Exception` when the database fails;
+/// nothing is stored then either.
+ImportResult import_sweeps(
+    const DBIF_Connection& connection,
+    const std::vector<std::string>& files,
+    const ReadProgress& progress = nullptr);
+} // namespace dbapi::tool

@@ -1,0 +1,79 @@
+#include "dbplot/gnuplot.h"
+
+#include "dbapi/text_rules.h"
+#include "dbif/host/host_string.h"
+#include "dbsuggest/command_failure.h"
+
+#include <QProcess>
+#include <QSaveFile>
+#include <QStandardPaths>
+
+namespace dbapi::tool {
+namespace {
+const char* terminal_command(const std::string& file)
+{
+    return file.ends_with(".png")
+               ? "set terminal pngcairo size 1200,750 noenhanced background 'white' font 'sans,13'\n"
+               : "set terminal svg size 960,600 dynamic noenhanced background 'white' font 'sans,13'\n";
+}
+
+void write_file(const QByteArray& bytes, const std::string& file)
+{
+    QSaveFile out(dbif::to_qt(file));
+    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit()) {
+        throw CommandFailure(
+            ExitCode::File, "the file " + dbapi::quoted(file) +
+                                " cannot be written: " + dbif::to_utf8(out.errorString()) + ".");
+    }
+}
+
+/// gnuplot's complaint, without the script that it repeats.
+std::string complaint(const QByteArray& talk)
+{
+    const std::string text = dbif::trimmed(talk.toStdString());
+    const std::size_t line = text.rfind('\n');
+    return line == std::string::npos ? text : text.substr(line + 1);
+}
+} // namespace
+
+void require_gnuplot()
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("gnuplot")).isEmpty()) {
+        throw CommandFailure(
+            ExitCode::File,
+            "pictures are drawn by gnuplot, which is not installed. Install Debian's package "
+            "gnuplot-nox, or keep the script for elsewhere with --plot FILE.gp.");
+    }
+}
+
+void draw_with_gnuplot(const std::string& script, const std::string& file)
+{
+    require_gnuplot();
+    QProcess gnuplot;
+    // Nobody's own settings; the image comes over standard output, so that no file name is read as
+    // a command.
+    gnuplot.start(
+        QStringLiteral("gnuplot"), {QStringLiteral("--default-settings"), QStringLiteral("-")});
+    gnuplot.write(QByteArray::fromStdString(terminal_command(file) + script));
+    gnuplot.closeWriteChannel();
+    const bool isDone = gnuplot.waitForFinished(-1);
+    const QByteArray image = gnuplot.readAllStandardOutput();
+    if (!isDone || gnuplot.exitStatus() != QProcess::NormalExit || gnuplot.exitCode() != 0 ||
+        image.isEmpty()) {
+        throw CommandFailure(
+            ExitCode::File,
+            "gnuplot could not draw the picture: " + complaint(gnuplot.readAllStandardError()) +
+                "\nTo look into it, keep the script with --plot FILE.gp.");
+    }
+    write_file(image, file);
+}
+
+void keep_script(const std::string& script, const std::string& file)
+{
+    const std::string remark =
+        "# A picture by dbapi, with its data. In a window: gnuplot -persist THIS_FILE\n"
+        "# As a file: gnuplot -e \"set terminal svg; set output 'picture.svg'\" THIS_FILE\n";
+    // "reset" would not undo a terminal, so both ways work.
+    write_file(QByteArray::fromStdString(remark + script), file);
+}
+} // namespace dbapi::tool

@@ -1,0 +1,177 @@
+#include "dbapi/dbapi.h"
+#include "dbapi/text_rules.h"
+#include "dbif/host/host_string.h"
+#include "dbsuggest/stored_names.h"
+#include "dbui/diagnosis/connection_diagnosis.h"
+
+#include "tools/dbapi/commands/command_declarations.h"
+#include "tools/dbapi/output/terminal.h"
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <string>
+
+namespace dbapi::tool {
+namespace {
+struct AddOptions
+{
+    std::string name;
+    std::string file;
+    std::string database;
+    std::string host;
+    std::string port;
+    std::string user;
+    bool readsPassword = false;
+};
+
+/// Never from the command line, which every user of the machine can read.
+std::string password_for(const AddOptions& options)
+{
+    if (options.readsPassword) {
+        std::string line;
+        std::getline(std::cin, line);
+        if (line.ends_with('\r')) {
+            line.pop_back();
+        }
+        return line;
+    }
+    return is_terminal(stdin)
+               ? ask_secretly(
+                     "Password of " + options.user + " at " + options.host + " (it is not shown): ")
+               : std::string();
+}
+
+/// Whoever uses the connection later may stand in another folder.
+std::string absolute_path(const std::string& file)
+{
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::absolute(file, error);
+    return error ? file : path.lexically_normal().string();
+}
+
+/// The database is made where there is none, but not the folder that it is to stand in.
+void check_folder(const std::string& file)
+{
+    const std::filesystem::path folder = std::filesystem::path(absolute_path(file)).parent_path();
+    std::error_code ignored;
+    if (!std::filesystem::is_directory(folder, ignored)) {
+        throw CommandFailure(
+            ExitCode::File, "there is no folder " + dbapi::quoted(folder.string()) +
+                                " for the database. Make it first.");
+    }
+}
+
+/// The stored record is text, which a byte that is none could not be read back from.
+void check_is_text(const AddOptions& options)
+{
+    for (const std::string* text :
+         {&options.name, &options.file, &options.database, &options.host, &options.port,
+          &options.user}) {
+        if (!dbif::is_utf8(*text)) {
+            throw CommandFailure(
+                ExitCode::WrongUsage, dbapi::quoted(*text) +
+                                          " is not UTF-8 text, so it cannot be stored. Choose "
+                                          "another name, or rename the file.");
+        }
+    }
+}
+
+void check_options(const AddOptions& options)
+{
+    check_is_text(options);
+    if (dbif::trimmed(options.name).empty()) {
+        throw CommandFailure(ExitCode::WrongUsage, "a connection needs a name");
+    }
+    if (options.file.empty() == options.database.empty()) {
+        throw CommandFailure(ExitCode::WrongUsage, "give either --sqlite FILE or --mysql DATABASE");
+    }
+    if (stored_names().count(dbif::trimmed(options.name)) > 0) {
+        throw CommandFailure(
+            ExitCode::Connection,
+            "there is a connection " + dbapi::quoted(options.name) +
+                " already. Choose another name, or remove it: dbapi connection remove " +
+                options.name);
+    }
+}
+
+/// What to do about a file that SQLite does not open. Where it opens, the error itself says that.
+std::string advice_for_file(const std::string& file)
+{
+    using dbui::DiagnosisStep;
+    if (std::error_code ignored; !std::filesystem::exists(file, ignored)) {
+        return "\nCheck that you may write in its folder, or name a file in another one.";
+    }
+    const DbuiConnection record("", "QSQLITE", "", "", file, "", "");
+    for (const DiagnosisStep& step : dbui::diagnose_connection(record)) {
+        if (step.outcome == DiagnosisStep::Outcome::Failed) {
+            return step.layer == DiagnosisStep::Layer::Schema ? "" : "\n" + step.advice;
+        }
+    }
+    return {};
+}
+
+ExitCode add_connection(const AddOptions& options)
+{
+    check_options(options);
+    if (options.database.empty()) {
+        check_folder(options.file);
+    }
+    std::string errors;
+    const bool isAdded =
+        options.database.empty()
+            ? db_create_sqlite_connection(options.name, absolute_path(options.file), &errors)
+            : db_create_mysql_connection(
+                  options.name, options.database, options.host, options.user, password_for(options),
+                  options.port, &errors);
+    if (!isAdded) {
+        throw CommandFailure(
+            ExitCode::Connection,
+            dbif::trimmed(errors) +
+                (options.database.empty()
+                     ? advice_for_file(absolute_path(options.file))
+                     : "\nCheck the host, port, user and password, and that the server runs."));
+    }
+    const std::string target =
+        options.database.empty()
+            ? "the SQLite file " + dbapi::quoted(absolute_path(options.file))
+            : "the MySQL database " + dbapi::quoted(options.database) + " at " + options.host;
+    talk(
+        "Added the connection " + dbapi::quoted(dbif::trimmed(options.name)) + " to " + target +
+        ".");
+    return ExitCode::Done;
+}
+} // namespace
+
+CommandRunner declare_connection_add(CLI::App& arguments)
+{
+    const auto options = std::make_shared<AddOptions>();
+    arguments.add_option("NAME", options->name, "the name to call it by")->required();
+    CLI::Option* sqlite =
+        arguments.add_option("--sqlite", options->file, "an SQLite file")->type_name("FILE");
+    CLI::Option* mysql =
+        arguments.add_option("--mysql", options->database, "a database of a MySQL server")
+            ->type_name("DATABASE")
+            ->excludes(sqlite);
+    CLI::Option* host =
+        arguments.add_option("--host", options->host, "the server")->type_name("HOST");
+    CLI::Option* user =
+        arguments.add_option("--user", options->user, "its user")->type_name("USER");
+    arguments.add_option("--port", options->port, "its port (3306)")
+        ->type_name("PORT")
+        ->check(CLI::Range(1, 65535).description(""))
+        ->needs(mysql);
+    arguments
+        .add_flag(
+            "--password-stdin", options->readsPassword,
+            "read the password from standard input, not from the terminal")
+        ->needs(mysql);
+    mysql->needs(host)->needs(user);
+    host->needs(mysql);
+    user->needs(mysql);
+    return [options] {
+        return add_connection(*options);
+    };
+}
+} // namespace dbapi::tool

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "dbexplain/explanation.h"
+
+#include <string>
+
+namespace dbapi::tool {
+/// The whole explanation as one JSON object on one line. Times are in seconds.
+std::string explanation_json(const Explanation& explanation);
+} // namespace dbapi::tool

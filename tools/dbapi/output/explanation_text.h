@@ -1,0 +1,11 @@
+#pragma once
+
+#include "dbexplain/explanation.h"
+
+#include <cstddef>
+#include <string>
+
+namespace dbapi::tool {
+/// The explanation for people, in lines of at most `width` columns where words allow it.
+std::string explanation_text(const Explanation& explanation, std::size_t width);
+} // namespace dbapi::tool

@@ -1,0 +1,84 @@
+#include "tools/dbapi/output/table_output.h"
+
+#include "dbif/host/host_number.h"
+#include "dbsuggest/display_text.h"
+
+#include "tools/dbapi/output/terminal.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace dbapi::tool {
+namespace {
+constexpr std::size_t kFewestRows = 10;
+/// The header line, the last line and the prompt.
+constexpr std::size_t kOtherLines = 4;
+/// A value longer than this is cut in a shortened table.
+constexpr std::size_t kWidestValue = 60;
+
+/// A column as it will be shown.
+struct ShownColumn
+{
+    std::vector<std::string> cells; ///< the heading first
+    std::size_t width = 0;
+    bool isNumber = true;
+};
+
+ShownColumn show(const DataColumn& column, std::size_t rows, bool isCut)
+{
+    ShownColumn shown;
+    shown.cells.push_back(display_text(column.heading));
+    for (std::size_t row = 0; row < rows; ++row) {
+        const std::string& value = column.values[row];
+        shown.cells.push_back(isCut ? display_cut(value, kWidestValue) : display_text(value));
+        shown.isNumber =
+            shown.isNumber && (value.empty() || !std::isnan(dbif::read_engineering_number(value)));
+    }
+    for (const std::string& cell : shown.cells) {
+        shown.width = std::max(shown.width, display_width(cell));
+    }
+    return shown;
+}
+
+std::string row_text(const std::vector<ShownColumn>& columns, std::size_t row)
+{
+    std::string line;
+    for (const ShownColumn& column : columns) {
+        const std::string& cell = column.cells[row];
+        const std::string padding(column.width - display_width(cell), ' ');
+        line += &column == columns.data() ? "" : "  ";
+        line += column.isNumber ? padding + cell : cell + padding;
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line;
+}
+} // namespace
+
+std::string table_text(const DataTable& table, bool isShortened)
+{
+    if (table.rows() == 0) {
+        return {};
+    }
+    std::size_t rows = table.rows();
+    if (isShortened) {
+        const std::size_t height = terminal_size(stdout).rows;
+        const std::size_t most =
+            std::max(height > kOtherLines ? height - kOtherLines : 0, kFewestRows);
+        rows = std::min(rows, most);
+    }
+    std::vector<ShownColumn> columns;
+    for (const DataColumn& column : table.columns) {
+        columns.push_back(show(column, rows, isShortened));
+    }
+    std::string text = styled(row_text(columns, 0), Style::Bold, stdout) + "\n";
+    for (std::size_t row = 1; row <= rows; ++row) {
+        text += row_text(columns, row) + "\n";
+    }
+    const std::size_t hidden = table.rows() - rows;
+    if (hidden > 0) {
+        text += "... and " + std::to_string(hidden) + (hidden == 1 ? " more row" : " more rows") +
+                ". See all with --all, or with --format csv.\n";
+    }
+    return text;
+}
+} // namespace dbapi::tool

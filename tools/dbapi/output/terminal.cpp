@@ -1,0 +1,156 @@
+#include "tools/dbapi/output/terminal.h"
+
+#include "dbsuggest/command_failure.h"
+#include "dbsuggest/display_text.h"
+
+#include <QtGlobal>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+#include <utility>
+
+namespace dbapi::tool {
+namespace {
+bool shows_colours(std::FILE* stream)
+{
+    const char* noColour = std::getenv("NO_COLOR");
+    const char* terminal = std::getenv("TERM");
+    return is_terminal(stream) && (noColour == nullptr || *noColour == '\0') &&
+           terminal != nullptr && std::string_view(terminal) != "dumb";
+}
+
+/// Reads keys one by one without echo while it lives. Also takes the keys that would stop the
+/// program, so that it is never left without echo.
+class SilentKeys
+{
+    Q_DISABLE_COPY_MOVE(SilentKeys)
+
+public:
+    SilentKeys()
+    {
+        tcgetattr(STDIN_FILENO, &before_);
+        termios silent = before_;
+        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO | ICANON | ISIG);
+        silent.c_cc[VMIN] = 1;
+        silent.c_cc[VTIME] = 0;
+        tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
+    }
+
+    ~SilentKeys() { tcsetattr(STDIN_FILENO, TCSADRAIN, &before_); }
+
+    /// The next key; that for 'end of input' when there is none.
+    [[nodiscard]] static char next()
+    {
+        char key = kEndOfInput;
+        return read(STDIN_FILENO, &key, 1) == 1 ? key : kEndOfInput;
+    }
+
+    static constexpr char kEndOfInput = '\x04';
+    static constexpr char kInterrupt = '\x03';
+    static constexpr char kEraseLine = '\x15';
+    static constexpr std::string_view kErase = "\b\x7f";
+
+private:
+    termios before_{};
+};
+} // namespace
+
+bool is_terminal(std::FILE* stream)
+{
+    return isatty(fileno(stream)) == 1;
+}
+
+TerminalSize terminal_size(std::FILE* stream)
+{
+    TerminalSize size;
+    winsize window{};
+    if (ioctl(fileno(stream), TIOCGWINSZ, &window) == 0 && window.ws_row > 0 && window.ws_col > 0) {
+        size.rows = window.ws_row;
+        size.columns = window.ws_col;
+    }
+    return size;
+}
+
+std::string styled(const std::string& text, Style style, std::FILE* stream)
+{
+    if (style == Style::Plain || !shows_colours(stream)) {
+        return text;
+    }
+    return (style == Style::Bold ? "\x1b[1m" : "\x1b[1;31m") + text + "\x1b[0m";
+}
+
+void talk(const std::string& line)
+{
+    std::fputs((line + "\n").c_str(), stderr);
+}
+
+void tell_error(const std::string& text)
+{
+    std::string shown = styled("dbapi:", Style::Alert, stderr) + " ";
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const std::size_t end = std::min(text.find('\n', begin), text.size());
+        std::string line = display_text(std::string_view(text).substr(begin, end - begin));
+        line.erase(line.find_last_not_of(' ') + 1);
+        shown += line + "\n";
+        begin = end + 1;
+    }
+    std::fputs(shown.c_str(), stderr);
+}
+
+std::string ask_secretly(const std::string& prompt)
+{
+    std::string line;
+    const SilentKeys keys; // before the prompt, so that no early key is shown or lost
+    std::fputs(prompt.c_str(), stderr);
+    std::fflush(stderr);
+    for (;;) {
+        const char key = SilentKeys::next();
+        if (key == '\n' || key == '\r' || key == SilentKeys::kEndOfInput) {
+            break;
+        }
+        if (key == SilentKeys::kInterrupt) {
+            talk("");
+            throw CommandFailure(ExitCode::WrongUsage, "given up, nothing was changed");
+        }
+        if (key == SilentKeys::kEraseLine) {
+            line.clear();
+        } else if (SilentKeys::kErase.find(key) == std::string_view::npos) {
+            line += key;
+        } else if (!line.empty()) {
+            line.pop_back();
+        }
+    }
+    talk("");
+    return line;
+}
+
+ProgressBar::ProgressBar(std::string what, std::uintmax_t total)
+    : what_(std::move(what)), total_(total), isShown_(total > 0 && is_terminal(stderr))
+{}
+
+ProgressBar::~ProgressBar()
+{
+    if (isShown_) {
+        std::fputs("\r\x1b[K", stderr);
+    }
+}
+
+void ProgressBar::advance(std::uintmax_t amount)
+{
+    done_ = std::min(done_ + amount, total_);
+    const auto percent = isShown_ ? static_cast<std::size_t>(100 * done_ / total_) : shownPercent_;
+    if (percent == shownPercent_) {
+        return;
+    }
+    shownPercent_ = percent;
+    constexpr std::size_t kCells = 30;
+    const std::size_t full = percent * kCells / 100;
+    const std::string bar = std::string(full, '#') + std::string(kCells - full, '.');
+    std::fputs(("\r" + what_ + " [" + bar + "] " + std::to_string(percent) + " %").c_str(), stderr);
+    std::fflush(stderr);
+}
+} // namespace dbapi::tool
