@@ -3,9 +3,10 @@
 
 docs/layers.txt, which explains itself, says which folders the files of a folder may include. Beside that are refused:
 a circle of includes, two files of one stem, an include that is not written from the root of the tree, and a source that
-no CMakeLists.txt lists. Where the build folder BUILD has object files, what they link against is held to the map too, so
-that a private declaration in the place of an include does not get around it.
+no CMakeLists.txt lists. Where the build folder BUILD has object files, what they link against has to stand below them by
+the map, so that a private declaration in the place of an include does not get around it.
 """
+import functools
 import json
 import os
 import re
@@ -49,6 +50,11 @@ class Map:
 
     def allows(self, user, used):
         return user == used or used in self.known[user]
+
+    @functools.lru_cache(maxsize=None)
+    def reaches(self, user, used):
+        """Whether the folders that a folder knows lead to another, as what it includes includes."""
+        return user == used or any(self.reaches(known, used) for known in self.known[user])
 
 
 def tree_files(root):
@@ -148,7 +154,8 @@ def check_objects(root, build, layers, problems):
     with open(os.path.join(build, "compile_commands.json"), encoding="utf8") as file:
         for entry in json.load(file):
             path = os.path.relpath(entry["file"], root)
-            target = os.path.join(build, entry["output"]) if "output" in entry else ""
+            output = re.search(r" -o (\S+)", entry["command"])
+            target = os.path.join(entry["directory"], output[1]) if output else ""
             if os.path.isfile(target) and os.path.dirname(path) in layers.known:
                 source_of[target] = path
     if not source_of:
@@ -158,9 +165,9 @@ def check_objects(root, build, layers, problems):
     for user, name in needed:
         if name in defined:
             path, other = source_of[user], source_of[defined[name]]
-            if not layers.allows(os.path.dirname(path), os.path.dirname(other)) and (path, other) not in found:
+            if not layers.reaches(os.path.dirname(path), os.path.dirname(other)) and (path, other) not in found:
                 found.add((path, other))
-                problems.append(f"{path}: uses {name} of {other}, which {os.path.dirname(path)} does not know")
+                problems.append(f"{path}: uses {name} of {other}, which does not stand below it")
 
 
 def main():
