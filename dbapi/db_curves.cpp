@@ -1,8 +1,8 @@
 #include "dbapi/db_curves.h"
 
-#include "dbapi/builtin_keynames.h"
+#include "dbapi/call/public_call.h"
 #include "dbapi/keyword_query.h"
-#include "dbapi/public_call.h"
+#include "dbapi/words/builtin_keynames.h"
 #include "dbif/condition/compound_condition.h"
 #include "dbif/condition/id_list.h"
 #include "dbif/connection/bulk_cursor.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbapi/curve_grouping.h"
+#include "dbapi/read/curve_grouping.h"
 
 #include <string>
 #include <vector>

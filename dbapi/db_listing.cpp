@@ -1,9 +1,9 @@
 #include "dbapi/db_listing.h"
 
-#include "dbapi/catalogue_reader.h"
-#include "dbapi/condition_builder.h"
-#include "dbapi/connection_access.h"
-#include "dbapi/public_call.h"
+#include "dbapi/call/connection_access.h"
+#include "dbapi/call/public_call.h"
+#include "dbapi/wall/catalogue_reader.h"
+#include "dbapi/wall/condition_builder.h"
 #include "dbif/host/error_text.h"
 #include "dbif/schema/schema_names.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbapi/key_statistics.h"
+#include "dbapi/key/key_statistics.h"
 
 #include <set>
 #include <string>

@@ -1,9 +1,9 @@
 #include "dbapi/db_setup.h"
 
-#include "dbapi/connection_access.h"
-#include "dbapi/keyword_split.h"
-#include "dbapi/public_call.h"
-#include "dbapi/vocabulary.h"
+#include "dbapi/call/connection_access.h"
+#include "dbapi/call/public_call.h"
+#include "dbapi/wall/keyword_split.h"
+#include "dbapi/words/vocabulary.h"
 #include "dbif/engine/sql_text.h"
 #include "dbif/host/error_text.h"
 #include "dbif/host/host_string.h"

@@ -1,8 +1,8 @@
 #include "dbapi/db_values.h"
 
+#include "dbapi/call/public_call.h"
 #include "dbapi/keyword_query.h"
-#include "dbapi/public_call.h"
-#include "dbapi/value_retrieval.h"
+#include "dbapi/wall/value_retrieval.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/host/error_text.h"
 #include "dbif/retrieval/query_run.h"

@@ -1,10 +1,10 @@
 #pragma once
 
 // All public calls of the library.
-#include "dbapi/builtin_keynames.h"
 #include "dbapi/db_connections.h"
 #include "dbapi/db_curves.h"
 #include "dbapi/db_listing.h"
 #include "dbapi/db_records.h"
 #include "dbapi/db_setup.h"
 #include "dbapi/db_values.h"
+#include "dbapi/words/builtin_keynames.h"

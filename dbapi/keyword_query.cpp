@@ -1,8 +1,8 @@
 #include "dbapi/keyword_query.h"
 
-#include "dbapi/call_cache.h"
-#include "dbapi/column_lookup.h"
-#include "dbapi/connection_access.h"
+#include "dbapi/call/call_cache.h"
+#include "dbapi/call/connection_access.h"
+#include "dbapi/wall/column_lookup.h"
 #include "dbif/host/host_string.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "dbapi/query_terms.h"
 
-#include "dbapi/query_syntax.h"
+#include "dbapi/query/query_syntax.h"
 
 namespace dbapi {
 namespace {

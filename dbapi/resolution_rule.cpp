@@ -1,8 +1,8 @@
 #include "dbapi/resolution_rule.h"
 
-#include "dbapi/builtin_keynames.h"
-#include "dbapi/keyword_split.h"
-#include "dbapi/vocabulary.h"
+#include "dbapi/wall/keyword_split.h"
+#include "dbapi/words/builtin_keynames.h"
+#include "dbapi/words/vocabulary.h"
 #include "dbif/connection/column_store.h"
 #include "dbif/host/host_string.h"
 

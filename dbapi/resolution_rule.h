@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbapi/keyword_resolution.h"
+#include "dbapi/wall/keyword_resolution.h"
 
 #include <cstddef>
 #include <string>

@@ -1,6 +1,6 @@
 #include "dbexplain/explanation.h"
 
-#include "dbapi/vocabulary.h"
+#include "dbapi/words/vocabulary.h"
 
 #include <algorithm>
 

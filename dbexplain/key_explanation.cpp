@@ -1,7 +1,7 @@
 #include "dbexplain/key_explanation.h"
 
-#include "dbapi/keyword_split.h"
-#include "dbapi/vocabulary.h"
+#include "dbapi/wall/keyword_split.h"
+#include "dbapi/words/vocabulary.h"
 
 #include <algorithm>
 

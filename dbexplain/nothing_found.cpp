@@ -1,6 +1,6 @@
 #include "dbexplain/nothing_found.h"
 
-#include "dbapi/text_rules.h"
+#include "dbapi/words/text_rules.h"
 #include "dbexplain/query_explanation.h"
 #include "dbexplain/stored_values.h"
 #include "dbsuggest/display_text.h"

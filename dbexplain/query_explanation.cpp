@@ -1,9 +1,9 @@
 #include "dbexplain/query_explanation.h"
 
-#include "dbapi/alldata_command.h"
-#include "dbapi/keyword_resolution.h"
-#include "dbapi/query_parser.h"
 #include "dbapi/query_terms.h"
+#include "dbapi/wall/alldata_command.h"
+#include "dbapi/wall/keyword_resolution.h"
+#include "dbapi/wall/query_parser.h"
 #include "dbexplain/term_text.h"
 #include "dbif/condition/compound_condition.h"
 #include "dbif/connection/traced_connection.h"

@@ -1,6 +1,6 @@
 #include "dbexplain/stored_values.h"
 
-#include "dbapi/value_list.h"
+#include "dbapi/query/value_list.h"
 #include "dbexplain/value_reading.h"
 #include "dbif/host/exception.h"
 #include "dbif/host/host_number.h"

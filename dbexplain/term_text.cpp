@@ -1,7 +1,7 @@
 #include "dbexplain/term_text.h"
 
-#include "dbapi/value_conversion.h"
-#include "dbapi/value_list.h"
+#include "dbapi/query/value_list.h"
+#include "dbapi/wall/value_conversion.h"
 #include "dbif/host/host_string.h"
 
 namespace dbapi::tool {

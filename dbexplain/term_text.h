@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbapi/query_syntax.h"
+#include "dbapi/query/query_syntax.h"
 
 #include <string>
 

@@ -1,9 +1,9 @@
 #include "dbimport/annotations.h"
 
-#include "dbapi/builtin_keynames.h"
-#include "dbapi/keyword_split.h"
-#include "dbapi/text_rules.h"
-#include "dbapi/vocabulary.h"
+#include "dbapi/wall/keyword_split.h"
+#include "dbapi/words/builtin_keynames.h"
+#include "dbapi/words/text_rules.h"
+#include "dbapi/words/vocabulary.h"
 #include "dbif/host/host_string.h"
 #include "dbif/query/dynamic_column.h"
 #include "dbimport/sweep_values.h"

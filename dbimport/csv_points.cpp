@@ -1,6 +1,6 @@
 #include "dbimport/csv_points.h"
 
-#include "dbapi/text_rules.h"
+#include "dbapi/words/text_rules.h"
 #include "dbif/connection/column_store.h"
 #include "dbif/host/host_string.h"
 #include "dbimport/sweep_values.h"

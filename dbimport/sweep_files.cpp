@@ -1,6 +1,6 @@
 #include "dbimport/sweep_files.h"
 
-#include "dbapi/text_rules.h"
+#include "dbapi/words/text_rules.h"
 #include "dbif/host/host_string.h"
 
 #include <algorithm>

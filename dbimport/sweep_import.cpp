@@ -1,7 +1,7 @@
 #include "dbimport/sweep_import.h"
 
-#include "dbapi/builtin_keynames.h"
-#include "dbapi/text_rules.h"
+#include "dbapi/words/builtin_keynames.h"
+#include "dbapi/words/text_rules.h"
 #include "dbif/connection/write_retry.h"
 #include "dbif/host/error_text.h"
 #include "dbif/host/host_number.h"

@@ -1,8 +1,8 @@
 #include "dbimport/sweep_values.h"
 
-#include "dbapi/keyword_split.h"
-#include "dbapi/text_rules.h"
-#include "dbapi/vocabulary.h"
+#include "dbapi/wall/keyword_split.h"
+#include "dbapi/words/text_rules.h"
+#include "dbapi/words/vocabulary.h"
 #include "dbif/host/host_number.h"
 #include "dbif/host/host_string.h"
 #include "dbif/value/complex_values.h"

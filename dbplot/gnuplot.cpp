@@ -1,6 +1,6 @@
 #include "dbplot/gnuplot.h"
 
-#include "dbapi/text_rules.h"
+#include "dbapi/words/text_rules.h"
 #include "dbif/host/host_string.h"
 #include "dbsuggest/command_failure.h"
 

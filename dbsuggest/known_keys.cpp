@@ -1,9 +1,9 @@
 #include "dbsuggest/known_keys.h"
 
-#include "dbapi/builtin_keynames.h"
-#include "dbapi/keyword_resolution.h"
-#include "dbapi/keyword_split.h"
-#include "dbapi/vocabulary.h"
+#include "dbapi/wall/keyword_resolution.h"
+#include "dbapi/wall/keyword_split.h"
+#include "dbapi/words/builtin_keynames.h"
+#include "dbapi/words/vocabulary.h"
 #include "dbif/connection/column_store.h"
 #include "dbif/host/host_string.h"
 #include "dbsuggest/nearest_text.h"

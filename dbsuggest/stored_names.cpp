@@ -1,6 +1,6 @@
 #include "dbsuggest/stored_names.h"
 
-#include "dbapi/text_rules.h"
+#include "dbapi/words/text_rules.h"
 #include "dbif/host/error_text.h"
 #include "dbif/host/host_string.h"
 #include "dbsuggest/command_failure.h"

@@ -1,5 +1,5 @@
-#include "dbapi/builtin_keynames.h"
-#include "dbapi/text_rules.h"
+#include "dbapi/words/builtin_keynames.h"
+#include "dbapi/words/text_rules.h"
 
 #include "tests/support/case_table.h"
 

@@ -1,7 +1,7 @@
-#include "dbapi/cache_refresh.h"
-#include "dbapi/condition_builder.h"
+#include "dbapi/call/cache_refresh.h"
 #include "dbapi/db_values.h"
 #include "dbapi/dbapi.h"
+#include "dbapi/wall/condition_builder.h"
 #include "dbui/connection_registry.h"
 
 #include "tests/support/lab_database.h"

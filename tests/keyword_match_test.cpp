@@ -1,9 +1,9 @@
-#include "dbapi/key_term.h"
-#include "dbapi/keyword_map.h"
-#include "dbapi/keyword_match.h"
-#include "dbapi/keyword_resolution_stages.h"
-#include "dbapi/keyword_split.h"
-#include "dbapi/text_rules.h"
+#include "dbapi/key/key_term.h"
+#include "dbapi/wall/keyword_map.h"
+#include "dbapi/wall/keyword_match.h"
+#include "dbapi/wall/keyword_resolution_stages.h"
+#include "dbapi/wall/keyword_split.h"
+#include "dbapi/words/text_rules.h"
 
 #include "tests/support/case_table.h"
 

@@ -1,4 +1,4 @@
-#include "dbapi/keyword_split.h"
+#include "dbapi/wall/keyword_split.h"
 
 #include "tests/support/case_table.h"
 

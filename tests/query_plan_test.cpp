@@ -1,4 +1,4 @@
-#include "dbapi/cache_refresh.h"
+#include "dbapi/call/cache_refresh.h"
 #include "dbapi/dbapi.h"
 #include "dbif/connection/bulk_cursor.h"
 #include "dbif/connection/newest_time.h"

@@ -1,6 +1,6 @@
-#include "dbapi/alldata_command.h"
-#include "dbapi/query_syntax.h"
+#include "dbapi/query/query_syntax.h"
 #include "dbapi/query_terms.h"
+#include "dbapi/wall/alldata_command.h"
 
 #include "tests/support/case_table.h"
 

@@ -1,4 +1,4 @@
-#include "dbapi/condition_builder.h"
+#include "dbapi/wall/condition_builder.h"
 #include "dbif/condition/constant_condition.h"
 #include "dbif/connection/newest_time.h"
 #include "dbif/connection/transaction_guard.h"

@@ -1,4 +1,4 @@
-#include "dbapi/call_cache.h"
+#include "dbapi/call/call_cache.h"
 #include "dbapi/dbapi.h"
 #include "dbui/connection_check.h"
 #include "dbui/connection_open.h"

@@ -1,5 +1,5 @@
-#include "dbapi/value_conversion.h"
-#include "dbapi/value_list.h"
+#include "dbapi/query/value_list.h"
+#include "dbapi/wall/value_conversion.h"
 
 #include "tests/support/case_table.h"
 

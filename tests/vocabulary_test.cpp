@@ -1,4 +1,4 @@
-#include "dbapi/vocabulary.h"
+#include "dbapi/words/vocabulary.h"
 
 #include "tests/support/case_table.h"
 

@@ -1,6 +1,6 @@
 #include "tools/dbapi/command_line.h"
 
-#include "dbapi/text_rules.h"
+#include "dbapi/words/text_rules.h"
 #include "dbif/host/error_text.h"
 #include "dbif/host/host_string.h"
 #include "dbsuggest/nearest_text.h"

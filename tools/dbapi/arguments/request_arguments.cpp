@@ -1,7 +1,7 @@
 #include "tools/dbapi/arguments/request_arguments.h"
 
-#include "dbapi/text_rules.h"
-#include "dbapi/vocabulary.h"
+#include "dbapi/words/text_rules.h"
+#include "dbapi/words/vocabulary.h"
 #include "dbsuggest/display_text.h"
 
 #include <CLI/CLI.hpp>

@@ -1,4 +1,4 @@
-#include "dbapi/builtin_keynames.h"
+#include "dbapi/words/builtin_keynames.h"
 
 #include "tools/dbapi/commands/command_declarations.h"
 #include "tools/dbapi/output/data_output.h"

@@ -1,5 +1,5 @@
 #include "dbapi/dbapi.h"
-#include "dbapi/text_rules.h"
+#include "dbapi/words/text_rules.h"
 #include "dbif/host/host_string.h"
 #include "dbsuggest/stored_names.h"
 #include "dbui/diagnosis/connection_diagnosis.h"

@@ -1,5 +1,5 @@
-#include "dbapi/condition_builder.h"
-#include "dbapi/text_rules.h"
+#include "dbapi/wall/condition_builder.h"
+#include "dbapi/words/text_rules.h"
 #include "dbif/connection/transaction_guard.h"
 #include "dbif/copy/copy_verification.h"
 #include "dbsuggest/call_failure.h"

@@ -1,4 +1,4 @@
-#include "dbapi/text_rules.h"
+#include "dbapi/words/text_rules.h"
 #include "dbif/host/error_text.h"
 #include "dbif/host/host_string.h"
 #include "dbimport/sweep_files.h"

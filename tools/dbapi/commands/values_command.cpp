@@ -1,4 +1,4 @@
-#include "dbapi/text_rules.h"
+#include "dbapi/words/text_rules.h"
 #include "dbexplain/value_reading.h"
 #include "dbsuggest/call_failure.h"
 #include "dbsuggest/display_text.h"

@@ -1,8 +1,8 @@
 #include "tools/dbapi/help/completion.h"
 
-#include "dbapi/builtin_keynames.h"
 #include "dbapi/db_listing.h"
-#include "dbapi/vocabulary.h"
+#include "dbapi/words/builtin_keynames.h"
+#include "dbapi/words/vocabulary.h"
 #include "dbsuggest/known_keys.h"
 #include "dbsuggest/stored_names.h"
 

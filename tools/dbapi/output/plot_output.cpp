@@ -1,7 +1,7 @@
 #include "tools/dbapi/output/plot_output.h"
 
 #include "dbapi/db_curves.h"
-#include "dbapi/text_rules.h"
+#include "dbapi/words/text_rules.h"
 #include "dbif/host/host_string.h"
 #include "dbplot/curve_picture.h"
 #include "dbplot/gnuplot.h"

@@ -1,0 +1,208 @@
+#include "dbapi/call/cache_refresh.h"
+
+#include "dbapi/call/connection_access.h"
+#include "dbapi/wall/condition_builder.h"
+#include "dbif/connection/column_store.h"
+#include "dbif/connection/newest_time.h"
+#include "dbif/engine/read_trace.h"
+#include "dbif/host/error_text.h"
+#include "dbui/connections_path.h"
+
+#include <QtGlobal>
+
+#include <sys/stat.h>
+
+namespace {
+/// A text that changes with every change of the connections file; empty when there is none. The
+/// file is replaced as a whole, so a new one has another inode.
+std::string connections_file_stamp()
+{
+    const std::string path = dbui_connections_file();
+
+    struct stat status
+    {};
+
+    if (stat(path.c_str(), &status) != 0) {
+        return {};
+    }
+    return path + ":" + std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino) + ":" +
+           std::to_string(status.st_size) + ":" + std::to_string(status.st_mtim.tv_sec) + "." +
+           std::to_string(status.st_mtim.tv_nsec) + ":" + std::to_string(status.st_ctim.tv_sec) +
+           "." + std::to_string(status.st_ctim.tv_nsec);
+}
+
+/// The stored record of the name, read anew only when the file may have changed.
+bool find_record(DbapiCache& cache, const std::string& name, DbuiConnection* record)
+{
+    const std::string stamp = connections_file_stamp();
+    if (cache.record != nullptr && !stamp.empty() && stamp == cache.fileStamp &&
+        cache.record->get_connectionName() == name) {
+        *record = *cache.record;
+        return true;
+    }
+    cache.fileStamp = stamp;
+    return dbapi_get_connection_info(name, record);
+}
+
+/// The connection leads where it led when it was opened, and still answers.
+bool is_connection_usable(DbapiCache& cache)
+{
+    return cache.connection != nullptr && cache.connection->isValid() &&
+           cache.connection->isSameFile();
+}
+
+class UpdateMark
+{
+    Q_DISABLE_COPY_MOVE(UpdateMark)
+
+public:
+    explicit UpdateMark(DbapiCache& cache) : cache_(cache) { cache_.inUpdate = true; }
+
+    ~UpdateMark() { cache_.inUpdate = false; }
+
+private:
+    DbapiCache& cache_;
+};
+
+enum class Freshness { Same, Newer, Unknown };
+
+Freshness compare_with_database(DbapiCache& cache)
+{
+    const dbif::TraceStep step(cache.connection->trace(), dbif::kFreshnessStep);
+    try {
+        const dbif::ChangeToken token = cache.connection->changeToken();
+        if (token == cache.changeToken) {
+            return Freshness::Same;
+        }
+        const QDateTime time = dbif::newest_time(*cache.connection);
+        const bool isNewer =
+            time.isValid() && (!cache.modifiedTime.isValid() || cache.modifiedTime < time);
+        if (!isNewer) {
+            cache.changeToken = token;
+        }
+        return isNewer ? Freshness::Newer : Freshness::Same;
+    } catch (const DBIF_Exception&) {
+        return Freshness::Unknown;
+    }
+}
+} // namespace
+
+bool dbapi_get_latest_modified_time(
+    DBIF_Connection& connection,
+    QDateTime* time,
+    std::string* error)
+{
+    dbif::clear_error(error);
+    try {
+        *time = dbif::newest_time(connection);
+        return true;
+    } catch (const DBIF_Exception& exception) {
+        std::string text;
+        dbapi_build_error_string_from_dbif_exception(exception, &text);
+        dbif::deliver_error(error, text);
+        return false;
+    }
+}
+
+bool is_database_modified_time_newer(DbapiCache& cache)
+{
+    return compare_with_database(cache) == Freshness::Newer;
+}
+
+void update_database_modified_time(DbapiCache& cache)
+{
+    cache.clear_database_modified_time();
+    const dbif::TraceStep step(cache.connection->trace(), dbif::kFreshnessStep);
+    try {
+        // The token first: a change in between then makes the next check look again.
+        const dbif::ChangeToken token = cache.connection->changeToken();
+        cache.modifiedTime = dbif::newest_time(*cache.connection);
+        cache.changeToken = token;
+    } catch (const DBIF_Exception&) {
+        cache.clear_database_modified_time();
+    }
+}
+
+bool update_query_data(DbapiCache& cache, const std::string& query)
+{
+    cache.clearQueryData();
+    cache.query = query;
+    DBIF_QueryCondition* condition = nullptr;
+    if (!dbapi_get_query_str_dbif_query_condition_ptr(
+            *cache.connection, query, &condition, &cache.latestOnly, &cache.lastErrors)) {
+        cache.clearQueryData();
+        return false;
+    }
+    cache.condition.reset(condition);
+    return true;
+}
+
+bool update_data_connection(DbapiCache& cache, const DbuiConnection& record)
+{
+    const std::string stamp = cache.fileStamp;
+    cache.clearQueryData();
+    cache.clearDataConnection();
+    DBIF_Connection* connection = nullptr;
+    if (!dbapi::open_stored_connection(
+            record.get_connectionName(), &connection, &cache.lastErrors)) {
+        return false;
+    }
+    cache.connection.reset(connection);
+    cache.record = std::make_unique<DbuiConnection>(record);
+    cache.fileStamp = stamp;
+    return true;
+}
+
+bool check_and_do_update_to_cache(
+    DbapiCache& cache,
+    const std::string& name,
+    const std::string& query)
+{
+    const UpdateMark mark(cache);
+    cache.clear_last_errors();
+    DbuiConnection record;
+    if (!find_record(cache, name, &record)) {
+        cache.clearQueryData();
+        cache.clearDataConnection();
+        cache.clear_database_modified_time();
+        cache.lastErrors = "Error: Database connection name \"" + name +
+                           "\" was not found.\n"
+                           "Failed to create a valid open database connection.\n";
+        return false;
+    }
+    bool isSameConnection =
+        cache.record != nullptr && *cache.record == record && is_connection_usable(cache);
+    if (isSameConnection) {
+        const Freshness freshness = compare_with_database(cache);
+        if (freshness == Freshness::Same && cache.condition != nullptr && cache.query == query) {
+            return true;
+        }
+        if (freshness == Freshness::Newer) {
+            cache.resolvedKeywords.clear();
+            dbif::ColumnStore::of(*cache.connection).refresh();
+        }
+        // A connection that no longer answers is opened anew.
+        isSameConnection = freshness != Freshness::Unknown;
+    }
+    if (!isSameConnection && !update_data_connection(cache, record)) {
+        return true;
+    }
+    // Before the condition is built: what changes meanwhile then counts as newer.
+    update_database_modified_time(cache);
+    update_query_data(cache, query);
+    return true;
+}
+
+bool dbapi_initialize_global_cache(
+    const std::string& name,
+    const std::string& query,
+    std::string* error)
+{
+    dbif::clear_error(error);
+    DbapiCache& cache = dbapi::make_cache();
+    if (check_and_do_update_to_cache(cache, name, query)) {
+        return true;
+    }
+    dbif::deliver_error(error, cache.last_errors());
+    return false;
+}

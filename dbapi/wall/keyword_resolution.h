@@ -1,0 +1,68 @@
+#pragma once
+
+#include "dbapi/wall/keyword_map.h"
+#include "dbapi/wall/keyword_match.h"
+#include "dbapi/wall/keyword_resolution_stages.h"
+#include "dbif/condition/condition.h"
+#include "dbif/connection/connection.h"
+
+#include <map>
+#include <set>
+#include <string>
+
+// Resolution turns a keyword into the one database key that it denotes: key name, table name and
+// attribute string (see vocabulary.h). Outputs stay empty on failure; the error text goes to
+// `error`, or to the standard error stream when that is null.
+
+/// Resolves one keyword against the catalogue of the keys that the records have which satisfy
+/// `condition` (none: all records). `flag` is the latest-only flag.
+bool dbapi_extract_db_names_from_keyword(
+    DBIF_Connection& connection,
+    const std::string& keyword,
+    std::string* keyname,
+    std::string* tablename,
+    std::string* attributes,
+    const DBIF_QueryCondition* condition,
+    bool flag,
+    std::string* error);
+
+/// Builds the preprocessed map (see keyword_map.h) of all keys that could be meant by the keywords,
+/// from that catalogue.
+bool dbapi_resolve_set_of_keywords(
+    DBIF_Connection& connection,
+    const std::set<std::string>& keywords,
+    std::map<std::string, std::set<std::string>>* map,
+    const DBIF_QueryCondition* condition,
+    bool flag,
+    std::string* error);
+
+namespace dbapi {
+// The same two, but from the definitions of keys, which are kept with the connection, so that
+// mostly no statement runs: a key counts also when no selected record has it. Only where several
+// keys fit a keyword is the catalogue asked which of them the selected records have.
+
+bool resolve_set_of_keywords_by_definition(
+    DBIF_Connection& connection,
+    const std::set<std::string>& keywords,
+    std::map<std::string, std::set<std::string>>* map,
+    const DBIF_QueryCondition* condition,
+    bool flag,
+    std::string* error);
+
+struct ResolvedKey
+{
+    std::string keyname;
+    std::string tablename;
+    std::string attributes;
+};
+
+/// `isByDefinition`, when given, tells whether the answer holds under every condition.
+bool resolve_keyword_by_definition(
+    DBIF_Connection& connection,
+    const std::string& keyword,
+    ResolvedKey* key,
+    const DBIF_QueryCondition* condition,
+    bool flag,
+    bool* isByDefinition,
+    std::string* error);
+} // namespace dbapi
