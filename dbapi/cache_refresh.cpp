@@ -64,7 +64,7 @@ private:
     DbapiCache& cache_;
 };
 
-enum class Freshness { Same, Newer, Unknown };
+enum class Freshness { Same, Changed, Unknown };
 
 Freshness compare_with_database(DbapiCache& cache)
 {
@@ -74,13 +74,12 @@ Freshness compare_with_database(DbapiCache& cache)
         if (token == cache.changeToken) {
             return Freshness::Same;
         }
-        const QDateTime time = dbif::newest_time(*cache.connection);
-        const bool isNewer =
-            time.isValid() && (!cache.modifiedTime.isValid() || cache.modifiedTime < time);
-        if (!isNewer) {
-            cache.changeToken = token;
+        // An older time is a change as well: a backup was put back.
+        if (dbif::newest_time(*cache.connection) != cache.modifiedTime) {
+            return Freshness::Changed;
         }
-        return isNewer ? Freshness::Newer : Freshness::Same;
+        cache.changeToken = token;
+        return Freshness::Same;
     } catch (const DBIF_Exception&) {
         return Freshness::Unknown;
     }
@@ -106,7 +105,7 @@ bool dbapi_get_latest_modified_time(
 
 bool is_database_modified_time_newer(DbapiCache& cache)
 {
-    return compare_with_database(cache) == Freshness::Newer;
+    return compare_with_database(cache) == Freshness::Changed;
 }
 
 void update_database_modified_time(DbapiCache& cache)
@@ -177,7 +176,7 @@ bool check_and_do_update_to_cache(
         if (freshness == Freshness::Same && cache.condition != nullptr && cache.query == query) {
             return true;
         }
-        if (freshness == Freshness::Newer) {
+        if (freshness == Freshness::Changed) {
             cache.resolvedKeywords.clear();
             dbif::ColumnStore::of(*cache.connection).refresh();
         }

@@ -126,6 +126,47 @@ TEST(StayingConnected, SurvivesARestartOfTheServer)
     EXPECT_EQ(devices(), "");
 }
 
+std::string value_of(const std::string& keyword)
+{
+    std::vector<std::string> values;
+    std::string errors;
+    return dbapi::db_get_values_for_keyword_as_text("lab", keyword, &values, "", &errors)
+               ? test_support::joined(values)
+               : errors;
+}
+
+/// A database of one device with these keys, in this order.
+class OneDevice : public test_support::MeasurementDatabase
+{
+public:
+    explicit OneDevice(const std::vector<dbif::KeyValue>& keys)
+        : MeasurementDatabase(Engine::Sqlite)
+    {
+        write([&keys](dbif::RecordWriter& writer) {
+            writer.findOrAddDevice(writer.findOrAddDie({{"lot", "A"}}), {{"name", "n1"}}, keys);
+        });
+    }
+};
+
+TEST(StayingConnected, SeesAnOlderStatePutBackIntoTheFile)
+{
+    const auto key = [](const std::string& name, double number) {
+        return test_support::number_key(name, number, "PHYSICAL");
+    };
+    const OneDevice older({key("L", 2), key("W", 1)});
+    OneDevice lab({key("W", 10), key("L", 20), key("area", 30)});
+    test_support::store_connection(lab, "lab");
+    EXPECT_EQ(value_of("W") + value_of("L") + value_of("area"), "10;20;30;");
+
+    test_support::copy_content(older.path(), lab.path());
+    EXPECT_EQ(value_of("W") + value_of("L"), "1;2;");
+    EXPECT_THAT(value_of("area"), HasSubstr("Error: "));
+    for (const char* table : {"device_data", "device_column", "device", "die"}) {
+        lab.execute(std::string("DELETE FROM ") + table);
+    }
+    EXPECT_THAT(value_of("W"), HasSubstr("Error: "));
+}
+
 TEST(StayingConnected, SeesAnSqliteFileReplacedAndRemoved)
 {
     test_support::LabDatabase lab(Engine::Sqlite);
@@ -148,4 +189,5 @@ TEST(StayingConnected, SeesAnSqliteFileReplacedAndRemoved)
     std::filesystem::rename(other, path);
     EXPECT_EQ(devices(), "d3;lonely;n2;other;");
 }
+
 } // namespace
