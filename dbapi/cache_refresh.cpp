@@ -6,44 +6,10 @@
 #include "dbif/error_text.h"
 #include "dbif/newest_time.h"
 #include "dbif/read_trace.h"
-#include "dbui/connections_path.h"
 
 #include <QtGlobal>
 
-#include <sys/stat.h>
-
 namespace {
-/// A text that changes with every change of the connections file; empty when there is none. The
-/// file is replaced as a whole, so a new one has another inode.
-std::string connections_file_stamp()
-{
-    const std::string path = dbui_connections_file();
-
-    struct stat status
-    {};
-
-    if (stat(path.c_str(), &status) != 0) {
-        return {};
-    }
-    return path + ":" + std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino) + ":" +
-           std::to_string(status.st_size) + ":" + std::to_string(status.st_mtim.tv_sec) + "." +
-           std::to_string(status.st_mtim.tv_nsec) + ":" + std::to_string(status.st_ctim.tv_sec) +
-           "." + std::to_string(status.st_ctim.tv_nsec);
-}
-
-/// The stored record of the name, read anew only when the file may have changed.
-bool find_record(DbapiCache& cache, const std::string& name, DbuiConnection* record)
-{
-    const std::string stamp = connections_file_stamp();
-    if (cache.record != nullptr && !stamp.empty() && stamp == cache.fileStamp &&
-        cache.record->get_connectionName() == name) {
-        *record = *cache.record;
-        return true;
-    }
-    cache.fileStamp = stamp;
-    return dbapi_get_connection_info(name, record);
-}
-
 /// The connection leads where it led when it was opened, and still answers.
 bool is_connection_usable(DbapiCache& cache)
 {
@@ -138,17 +104,14 @@ bool update_query_data(DbapiCache& cache, const std::string& query)
 
 bool update_data_connection(DbapiCache& cache, const DbuiConnection& record)
 {
-    const std::string stamp = cache.fileStamp;
     cache.clearQueryData();
     cache.clearDataConnection();
     DBIF_Connection* connection = nullptr;
-    if (!dbapi::open_stored_connection(
-            record.get_connectionName(), &connection, &cache.lastErrors)) {
+    if (!dbapi::open_connection_of(record, &connection, &cache.lastErrors)) {
         return false;
     }
     cache.connection.reset(connection);
     cache.record = std::make_unique<DbuiConnection>(record);
-    cache.fileStamp = stamp;
     return true;
 }
 
@@ -160,7 +123,7 @@ bool check_and_do_update_to_cache(
     const UpdateMark mark(cache);
     cache.clear_last_errors();
     DbuiConnection record;
-    if (!find_record(cache, name, &record)) {
+    if (!dbapi_get_connection_info(name, &record)) {
         cache.clearQueryData();
         cache.clearDataConnection();
         cache.clear_database_modified_time();

@@ -32,7 +32,6 @@ void DbapiCache::clearDataConnection()
 {
     connection.reset();
     record.reset();
-    fileStamp.clear();
     resolvedKeywords.clear();
 }
 

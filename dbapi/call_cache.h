@@ -54,7 +54,8 @@ public:
     bool inUpdate = false;
     /// Proves that the database has not changed since `modifiedTime` was read.
     dbif::ChangeToken changeToken;
-    /// The state of the connections file when the record was read from it.
+    /// The record that was last read from the connections file, and the state of the file then.
+    DbuiConnection storedRecord;
     std::string fileStamp;
     /// Keywords that were resolved without regard to a condition; they hold while the data does.
     std::map<std::string, dbapi::ResolvedKey> resolvedKeywords;

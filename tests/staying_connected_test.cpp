@@ -3,6 +3,7 @@
 #include "dbui/connection_check.h"
 #include "dbui/connection_open.h"
 #include "dbui/connection_registry.h"
+#include "dbui/connections_path.h"
 
 #include "tests/support/lab_database.h"
 #include "tests/support/sqlite_file.h"
@@ -12,8 +13,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
+#include <sys/inotify.h>
 #include <unistd.h>
 
 namespace {
@@ -147,6 +151,59 @@ public:
         });
     }
 };
+
+/// Counts how often a file is opened.
+class OpeningCount
+{
+public:
+    explicit OpeningCount(const std::string& path) : queue_(inotify_init1(IN_NONBLOCK))
+    {
+        EXPECT_GE(inotify_add_watch(queue_, path.c_str(), IN_OPEN | IN_CLOSE), 0) << path;
+    }
+
+    ~OpeningCount() { close(queue_); }
+
+    OpeningCount(const OpeningCount&) = delete;
+    OpeningCount& operator=(const OpeningCount&) = delete;
+
+    /// Since the last call. Equal events in a row come as one, so closing is watched as well.
+    int take()
+    {
+        int count = 0;
+        alignas(inotify_event) std::array<char, 4096> bytes{};
+        const ssize_t size = read(queue_, bytes.data(), bytes.size());
+        for (ssize_t i = 0; i < size; i += static_cast<ssize_t>(sizeof(inotify_event))) {
+            inotify_event event{};
+            std::memcpy(&event, &bytes.at(static_cast<std::size_t>(i)), sizeof event);
+            count += (event.mask & IN_OPEN) != 0 ? 1 : 0;
+        }
+        return count;
+    }
+
+private:
+    int queue_;
+};
+
+TEST(StayingConnected, ReadsTheConnectionsFileOnceForACall)
+{
+    const test_support::LabDatabase lab(Engine::Sqlite);
+    const auto values = [](const std::string& name, const std::string& query) {
+        std::vector<std::string> names;
+        std::string errors;
+        return dbapi::db_get_values_for_keyword_as_text(name, "$DEVNAME", &names, query, &errors);
+    };
+    dbui_add_connection({"gone", "QSQLITE", "", "", "/no/such/file", "", ""}, false);
+    OpeningCount openings(dbui_connections_file());
+    EXPECT_TRUE(values("lab", ""));
+    EXPECT_EQ(openings.take(), 1);
+    EXPECT_TRUE(values("lab", "$LOT=A"));
+    EXPECT_FALSE(values("lab", "{{"));
+    EXPECT_EQ(openings.take(), 0);
+    for (const char* name : {"gone", "unknown"}) {
+        EXPECT_FALSE(values(name, ""));
+        EXPECT_EQ(openings.take(), 1) << name;
+    }
+}
 
 TEST(StayingConnected, SeesAnOlderStatePutBackIntoTheFile)
 {

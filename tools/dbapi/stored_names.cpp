@@ -1,5 +1,6 @@
 #include "tools/dbapi/stored_names.h"
 
+#include "dbapi/connection_access.h"
 #include "dbapi/text_rules.h"
 #include "dbif/error_text.h"
 #include "dbif/host_string.h"
@@ -32,7 +33,7 @@ std::set<std::string> stored_names()
 DbuiConnection stored_connection(const std::string& name)
 {
     DbuiConnection record;
-    if (dbui_find_connection_by_name(name, &record)) {
+    if (dbapi_get_connection_info(name, &record)) {
         return record;
     }
     const std::set<std::string> names = stored_names();
@@ -51,10 +52,10 @@ DbuiConnection stored_connection(const std::string& name)
 
 DBIF_Connection open_stored(const std::string& name)
 {
-    stored_connection(name);
+    const DbuiConnection record = stored_connection(name);
     DBIF_Connection connection = dbui::blank_connection();
     std::string error;
-    if (!dbui_make_dbif_connection_object_by_name(name, &connection, &error)) {
+    if (!dbui::open_connection(record, dbif::MissingFile::Fail, &connection, &error)) {
         throw CommandFailure(
             ExitCode::Data, "the connection " + dbapi::quoted(name) +
                                 " opens, but its database cannot be used. " + dbif::trimmed(error));
