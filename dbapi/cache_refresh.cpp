@@ -10,11 +10,35 @@
 #include <QtGlobal>
 
 namespace {
-/// The connection leads where it led when it was opened, and still answers.
-bool is_connection_usable(DbapiCache& cache)
+/// What became of the file behind the cache's connection; one that does not answer has to be opened
+/// anew like one whose file was replaced.
+dbif::FileState file_state(const DbapiCache& cache)
 {
-    return cache.connection != nullptr && cache.connection->isValid() &&
-           cache.connection->isSameFile();
+    return cache.connection != nullptr && cache.connection->isValid()
+               ? cache.connection->fileState()
+               : dbif::FileState::Replaced;
+}
+
+/// The call in progress gets this instead of the connection.
+void fail_to_open(DbapiCache& cache, const std::string& detail)
+{
+    const std::string name = cache.get_connection_name();
+    cache.clearQueryData();
+    cache.lastErrors = dbapi::not_opened(name, detail);
+    cache.rememberFailedOpening(name, cache.lastErrors);
+}
+
+/// Nothing is read through a log that belongs to another database. The connection stays, because
+/// only it knows.
+void refuse_overwritten_file(DbapiCache& cache)
+{
+    const std::string file = cache.record->get_databaseName();
+    fail_to_open(
+        cache,
+        "The SQLite file \"" + file + "\" was overwritten while it was open, and \"" + file +
+            "-wal\" still holds changes of the old one. End the programs that have it open, remove "
+            "\"" +
+            file + "-wal\", and put the file in place again.");
 }
 
 class UpdateMark
@@ -49,6 +73,35 @@ Freshness compare_with_database(DbapiCache& cache)
     } catch (const DBIF_Exception&) {
         return Freshness::Unknown;
     }
+}
+
+/// `Impossible`: the call fails, with the text that is noted.
+enum class Reuse { Everything, Connection, Nothing, Impossible };
+
+/// What of the cache serves a query string on the connection that it holds.
+Reuse reusable_part(DbapiCache& cache, const std::string& query)
+{
+    const dbif::FileState file = file_state(cache);
+    if (file == dbif::FileState::Overwritten) {
+        refuse_overwritten_file(cache);
+        return Reuse::Impossible;
+    }
+    if (file == dbif::FileState::Replaced) {
+        return Reuse::Nothing;
+    }
+    switch (compare_with_database(cache)) {
+    case Freshness::Same:
+        return cache.condition != nullptr && cache.query == query ? Reuse::Everything
+                                                                  : Reuse::Connection;
+    case Freshness::Changed:
+        cache.resolvedKeywords.clear();
+        dbif::ColumnStore::of(*cache.connection).refresh();
+        return Reuse::Connection;
+    case Freshness::Unknown:
+        break;
+    }
+    // A connection that no longer answers is opened anew.
+    return Reuse::Nothing;
 }
 } // namespace
 
@@ -108,6 +161,7 @@ bool update_data_connection(DbapiCache& cache, const DbuiConnection& record)
     cache.clearDataConnection();
     DBIF_Connection* connection = nullptr;
     if (!dbapi::open_connection_of(record, &connection, &cache.lastErrors)) {
+        cache.rememberFailedOpening(record.get_connectionName(), cache.lastErrors);
         return false;
     }
     cache.connection.reset(connection);
@@ -132,21 +186,13 @@ bool check_and_do_update_to_cache(
                            "Failed to create a valid open database connection.\n";
         return false;
     }
-    bool isSameConnection =
-        cache.record != nullptr && *cache.record == record && is_connection_usable(cache);
-    if (isSameConnection) {
-        const Freshness freshness = compare_with_database(cache);
-        if (freshness == Freshness::Same && cache.condition != nullptr && cache.query == query) {
-            return true;
-        }
-        if (freshness == Freshness::Changed) {
-            cache.resolvedKeywords.clear();
-            dbif::ColumnStore::of(*cache.connection).refresh();
-        }
-        // A connection that no longer answers is opened anew.
-        isSameConnection = freshness != Freshness::Unknown;
+    const Reuse reuse = cache.record != nullptr && *cache.record == record
+                            ? reusable_part(cache, query)
+                            : Reuse::Nothing;
+    if (reuse == Reuse::Everything || reuse == Reuse::Impossible) {
+        return true;
     }
-    if (!isSameConnection && !update_data_connection(cache, record)) {
+    if (reuse == Reuse::Nothing && !update_data_connection(cache, record)) {
         return true;
     }
     // Before the condition is built: what changes meanwhile then counts as newer.

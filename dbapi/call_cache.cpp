@@ -53,6 +53,13 @@ void DbapiCache::clear_last_errors()
     lastErrors.clear();
 }
 
+void DbapiCache::rememberFailedOpening(const std::string& connectionName, const std::string& reason)
+{
+    if (isCallInProgress) {
+        failedOpening.emplace(connectionName, reason);
+    }
+}
+
 DbapiCacheHelper::DbapiCacheHelper() : isTopLevel_(!isCallInProgress)
 {
     isCallInProgress = true;
@@ -62,6 +69,9 @@ DbapiCacheHelper::~DbapiCacheHelper()
 {
     if (isTopLevel_) {
         isCallInProgress = false;
+        if (globalCache != nullptr) {
+            globalCache->failedOpening.reset();
+        }
     }
 }
 

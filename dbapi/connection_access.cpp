@@ -34,15 +34,6 @@ bool fail(std::string* error, const std::string& message)
     return false;
 }
 
-std::string not_opened(const std::string& name, const std::string& detail)
-{
-    return "Error: Database connection name \"" + name +
-           "\" failed to create a valid open database connection.\n" +
-           (detail.empty()
-                ? std::string("Failed to create a valid open database connection.\n")
-                : "The database connection reported the following error(s): \n" + detail);
-}
-
 } // namespace
 
 bool dbapi_get_connection_info(const std::string& name, DbuiConnection* record)
@@ -69,6 +60,10 @@ bool dbapi_get_connection_object_by_name(
     dbif::clear_error(error);
     *connection = nullptr;
     DbapiCache* cache = dbapi::cache();
+    if (cache != nullptr && cache->failedOpening.has_value() &&
+        cache->failedOpening->first == name) {
+        return fail(error, cache->failedOpening->second);
+    }
     if (cache != nullptr && !cache->in_update() && cache->connection != nullptr &&
         cache->get_connection_name() == name) {
         *connection = cache->connection.get();
@@ -82,6 +77,15 @@ bool dbapi_get_connection_object_by_name(
 }
 
 namespace dbapi {
+std::string not_opened(const std::string& name, const std::string& detail)
+{
+    return "Error: Database connection name \"" + name +
+           "\" failed to create a valid open database connection.\n" +
+           (detail.empty()
+                ? std::string("Failed to create a valid open database connection.\n")
+                : "The database connection reported the following error(s): \n" + detail);
+}
+
 bool open_connection_of(
     const DbuiConnection& record,
     DBIF_Connection** connection,

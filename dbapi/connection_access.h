@@ -24,4 +24,7 @@ bool open_connection_of(
     const DbuiConnection& record,
     DBIF_Connection** connection,
     std::string* error);
+
+/// The text for a connection that does not open; `detail` may be empty.
+std::string not_opened(const std::string& name, const std::string& detail);
 } // namespace dbapi

@@ -79,7 +79,6 @@ public:
             database.close();
             return;
         }
-        fileIdentity_ = dialect_->fileIdentity(parameters_.database);
         database_ = database;
     }
 
@@ -122,7 +121,6 @@ public:
     QString name_;
     QSqlDatabase database_;
     QSqlError lastError_;
-    std::string fileIdentity_;
     std::unique_ptr<dbif::SqlSession> session_;
     std::unique_ptr<dbif::ConnectionAttachment> attachment_;
     dbif::ReadTrace* trace_ = nullptr;
@@ -356,11 +354,9 @@ dbif::ChangeToken DBIF_Connection::changeToken() const
     return session().changeToken();
 }
 
-bool DBIF_Connection::isSameFile() const
+dbif::FileState DBIF_Connection::fileState() const
 {
-    return managed_->dialect_ == nullptr ||
-           managed_->dialect_->fileIdentity(managed_->parameters_.database) ==
-               managed_->fileIdentity_;
+    return session().fileState();
 }
 
 dbif::ConnectionAttachment& DBIF_Connection::attachment(

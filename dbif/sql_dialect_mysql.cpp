@@ -66,11 +66,6 @@ public:
         return hasCode(error, kCodes);
     }
 
-    [[nodiscard]] std::string fileIdentity(const std::string& /*database*/) const override
-    {
-        return {};
-    }
-
     [[nodiscard]] SqlText beginRead() const override
     {
         return "START TRANSACTION WITH CONSISTENT SNAPSHOT";

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -247,4 +248,76 @@ TEST(StayingConnected, SeesAnSqliteFileReplacedAndRemoved)
     EXPECT_EQ(devices(), "d3;lonely;n2;other;");
 }
 
+/// Writes one file over another, as `cp` does; a second later than now, so that it cannot share the
+/// instant of an earlier change.
+void copy_over(const std::string& from, const std::string& to)
+{
+    namespace fs = std::filesystem;
+    fs::copy_file(from, to, fs::copy_options::overwrite_existing);
+    fs::last_write_time(to, fs::file_time_type::clock::now() + std::chrono::seconds(1));
+}
+
+TEST(StayingConnected, SeesAnSqliteFileOverwritten)
+{
+    test_support::LabDatabase lab(Engine::Sqlite);
+    const std::string path = lab.path();
+    lab.connection = dbui::blank_connection();
+    EXPECT_EQ(devices(), "d3;lonely;n1;n2;");
+    const std::string other = lab.folder().file("other.db");
+    test_support::run_on_file(path, "VACUUM INTO '" + other + "'");
+    test_support::run_on_file(other, "UPDATE device SET name = 'other' WHERE name = 'n1'");
+
+    copy_over(other, path);
+    EXPECT_EQ(devices(), "d3;lonely;n2;other;");
+
+    // What SQLite writes itself, into the log and from there into the file, opens nothing anew.
+    const DBIF_Connection kept = *dbapi_get_cached_connection();
+    for (const char* sql :
+         {"UPDATE device SET modified_time = NULL; PRAGMA journal_mode = WAL",
+          "UPDATE device SET name = 'new' WHERE name = 'other'", "PRAGMA wal_checkpoint",
+          "UPDATE device SET name = 'other' WHERE name = 'new'"}) {
+        test_support::run_on_file(path, sql);
+        EXPECT_THAT(devices(), HasSubstr("d3;lonely;n2;"));
+    }
+    EXPECT_TRUE(kept == *dbapi_get_cached_connection());
+}
+
+TEST(StayingConnected, SeesAnSqliteFileOverwrittenBesideItsLog)
+{
+    test_support::LabDatabase lab(Engine::Sqlite);
+    const std::string path = lab.path();
+    const std::string other = lab.folder().file("other.db");
+    const std::string third = lab.folder().file("third.db");
+    for (const std::string& copy : {other, third}) {
+        test_support::run_on_file(path, "VACUUM INTO '" + copy + "'");
+    }
+    const std::string rename = "UPDATE device SET name = 'other' WHERE name = 'n1';";
+    test_support::run_on_file(other, rename + "PRAGMA journal_mode = WAL");
+    test_support::run_on_file(
+        third, rename + "UPDATE device SET name = name; PRAGMA journal_mode = WAL");
+    lab.connection = dbui::blank_connection();
+    const auto write = [&path](const std::string& more) {
+        test_support::run_on_file(path, "UPDATE device SET name = 'new' WHERE name = 'n2'" + more);
+    };
+
+    // The whole log stands in the file: it goes with the old connection.
+    EXPECT_EQ(devices(), "d3;lonely;n1;n2;");
+    write("; PRAGMA wal_checkpoint");
+    EXPECT_EQ(devices(), "d3;lonely;n1;new;");
+    copy_over(other, path);
+    EXPECT_EQ(devices(), "d3;lonely;n2;other;");
+
+    // It does not: whoever opens the file reads both, also when this process saw only the result.
+    for (const bool isSeen : {true, false}) {
+        write("");
+        EXPECT_TRUE(!isSeen || devices() == "d3;lonely;new;other;");
+        copy_over(third, path);
+        for (int call = 0; call < 2; ++call) {
+            EXPECT_THAT(devices(), HasSubstr("was overwritten while it was open")) << isSeen;
+        }
+        std::filesystem::remove(path + "-wal");
+        copy_over(other, path);
+        EXPECT_EQ(devices(), "d3;lonely;n2;other;") << isSeen;
+    }
+}
 } // namespace
