@@ -141,7 +141,7 @@ void update_database_modified_time(DbapiCache& cache)
     }
 }
 
-bool update_query_data(DbapiCache& cache, const std::string& query)
+bool updateQueryData(DbapiCache& cache, const std::string& query)
 {
     cache.clearQueryData();
     cache.query = query;
@@ -155,7 +155,7 @@ bool update_query_data(DbapiCache& cache, const std::string& query)
     return true;
 }
 
-bool update_data_connection(DbapiCache& cache, const DbuiConnection& record)
+bool updateDataConnection(DbapiCache& cache, const DbuiConnection& record)
 {
     cache.clearQueryData();
     cache.clearDataConnection();
@@ -192,12 +192,12 @@ bool check_and_do_update_to_cache(
     if (reuse == Reuse::Everything || reuse == Reuse::Impossible) {
         return true;
     }
-    if (reuse == Reuse::Nothing && !update_data_connection(cache, record)) {
+    if (reuse == Reuse::Nothing && !updateDataConnection(cache, record)) {
         return true;
     }
     // Before the condition is built: what changes meanwhile then counts as newer.
     update_database_modified_time(cache);
-    update_query_data(cache, query);
+    updateQueryData(cache, query);
     return true;
 }
 
