@@ -41,6 +41,15 @@ void refuse_overwritten_file(DbapiCache& cache)
             file + "-wal\", and put the file in place again.");
 }
 
+/// A server that went away was called once already, when the connection noticed.
+void give_up_lost_server(DbapiCache& cache)
+{
+    std::string reason;
+    dbapi_build_error_string_from_qsqlerror(cache.connection->lastError(), &reason);
+    fail_to_open(cache, reason);
+    cache.clearDataConnection();
+}
+
 class UpdateMark
 {
     Q_DISABLE_COPY_MOVE(UpdateMark)
@@ -100,8 +109,11 @@ Reuse reusable_part(DbapiCache& cache, const std::string& query)
     case Freshness::Unknown:
         break;
     }
-    // A connection that no longer answers is opened anew.
-    return Reuse::Nothing;
+    if (cache.connection->isValid()) {
+        return Reuse::Nothing;
+    }
+    give_up_lost_server(cache);
+    return Reuse::Impossible;
 }
 } // namespace
 

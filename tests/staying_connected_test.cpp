@@ -13,12 +13,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <arpa/inet.h>
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <sys/inotify.h>
+#include <sys/socket.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -318,6 +322,60 @@ TEST(StayingConnected, SeesAnSqliteFileOverwrittenBesideItsLog)
         std::filesystem::remove(path + "-wal");
         copy_over(other, path);
         EXPECT_EQ(devices(), "d3;lonely;n2;other;") << isSeen;
+    }
+}
+
+/// A server that ends each connection at once, and counts them.
+class UnwillingServer
+{
+public:
+    UnwillingServer() : socket_(::socket(AF_INET, SOCK_STREAM, 0))
+    {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        auto* any = reinterpret_cast<sockaddr*>(&address);
+        EXPECT_EQ(bind(socket_, any, size) + listen(socket_, 8), 0);
+        getsockname(socket_, any, &size);
+        port = std::to_string(ntohs(address.sin_port));
+        thread_ = std::thread([this] {
+            for (int caller = 0; (caller = accept(socket_, nullptr, nullptr)) >= 0; close(caller)) {
+                ++connections;
+            }
+        });
+    }
+
+    ~UnwillingServer()
+    {
+        shutdown(socket_, SHUT_RDWR);
+        thread_.join();
+        close(socket_);
+    }
+
+    UnwillingServer(const UnwillingServer&) = delete;
+    UnwillingServer& operator=(const UnwillingServer&) = delete;
+
+    std::string port;
+    std::atomic<int> connections = 0;
+
+private:
+    int socket_;
+    std::thread thread_;
+};
+
+TEST(StayingConnected, TriesOnceInACallToReachAServer)
+{
+    const test_support::TempDirectory folder;
+    UnwillingServer server;
+    const DbuiConnection record("lab", "QMYSQL", "127.0.0.1", server.port, "meas", "u", "p");
+    std::string error;
+    EXPECT_FALSE(dbui_validate_connection_opens(record, false, &error));
+    EXPECT_EQ(server.connections.exchange(0), 1);
+    dbui_add_connection(record, false);
+    for (int call = 1; call <= 2; ++call) {
+        EXPECT_THAT(devices(), HasSubstr("failed to create a valid open database connection"));
+        EXPECT_EQ(server.connections, call);
     }
 }
 } // namespace
