@@ -163,6 +163,14 @@ private:
         } else if (file.isDir()) {
             lastError_ = connection_error(
                 QStringLiteral("\"%1\" is a folder, not an SQLite file.").arg(file.filePath()));
+        } else if (file.exists() && !file.isFile()) {
+            // Opening a pipe waits for whoever writes into it, and a device takes everything.
+            lastError_ = connection_error(
+                QStringLiteral("\"%1\" is no regular file, so it is no SQLite file.")
+                    .arg(file.filePath()));
+        } else if (missingFile == dbif::MissingFile::Fail && file.size() == 0) {
+            lastError_ = connection_error(
+                QStringLiteral("The SQLite file \"%1\" is empty (0 bytes).").arg(file.filePath()));
         } else {
             return true;
         }

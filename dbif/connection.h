@@ -16,7 +16,7 @@
 namespace dbif {
 class ReadTrace;
 
-/// What opening a connection does when its SQLite file does not exist.
+/// What opening a connection does when its SQLite file does not exist, or has no content at all.
 enum class MissingFile { Create, Fail };
 
 /// State that an upper floor keeps with one open connection, for as long as it is open.

@@ -22,6 +22,7 @@
 #include <fstream>
 #include <sys/inotify.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
@@ -322,6 +323,22 @@ TEST(StayingConnected, SeesAnSqliteFileOverwrittenBesideItsLog)
         std::filesystem::remove(path + "-wal");
         copy_over(other, path);
         EXPECT_EQ(devices(), "d3;lonely;n2;other;") << isSeen;
+    }
+}
+
+TEST(StayingConnected, TakesNoEmptyOrSpecialFileForADatabase)
+{
+    const test_support::TempDirectory folder;
+    test_support::write_file(folder.file("data"), "");
+    dbui_add_connection({"lab", "QSQLITE", "", "", folder.file("data"), "", ""}, false);
+    EXPECT_THAT(devices(), HasSubstr("data\" is empty (0 bytes)."));
+    EXPECT_EQ(test_support::read_file(folder.file("data")), "");
+
+    ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
+    for (const std::string& path : {folder.file("pipe"), std::string("/dev/null")}) {
+        std::string error;
+        EXPECT_FALSE(dbapi::db_create_sqlite_connection("special", path, &error));
+        EXPECT_THAT(error, HasSubstr("is no regular file"));
     }
 }
 
