@@ -1,23 +1,25 @@
 #include "dbsuggest/stored_names.h"
 
+#include "dbapi/call/connection_access.h"
 #include "dbapi/words/text_rules.h"
 #include "dbif/host/error_text.h"
 #include "dbif/host/host_string.h"
 #include "dbsuggest/command_failure.h"
 #include "dbsuggest/nearest_text.h"
 #include "dbui/connection_open.h"
-#include "dbui/connection_registry.h"
+#include "dbui/connections_file.h"
 #include "dbui/connections_path.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
 namespace dbapi::tool {
-std::set<std::string> stored_names()
+std::vector<DbuiConnection> stored_connections()
 {
-    std::set<std::string> names;
+    std::vector<DbuiConnection> connections;
     std::string error;
-    dbui_get_connection_names(&names, &error);
+    dbui_get_connections_from_file(&connections, &error);
     std::error_code ignored;
     if (!error.empty() && std::filesystem::exists(dbui_connections_file(), ignored)) {
         throw CommandFailure(
@@ -25,13 +27,27 @@ std::set<std::string> stored_names()
             dbif::trimmed(error) + "\nMake it readable for you, or correct it: it has to be XML. "
                                    "Moved away, it is begun anew by dbapi connection add.");
     }
+    std::stable_sort(
+        connections.begin(), connections.end(),
+        [](const DbuiConnection& a, const DbuiConnection& b) {
+            return a.get_connectionName() < b.get_connectionName();
+        });
+    return connections;
+}
+
+std::set<std::string> stored_names()
+{
+    std::set<std::string> names;
+    for (const DbuiConnection& connection : stored_connections()) {
+        names.insert(connection.get_connectionName());
+    }
     return names;
 }
 
 DbuiConnection stored_connection(const std::string& name)
 {
     DbuiConnection record;
-    if (dbui_find_connection_by_name(name, &record)) {
+    if (dbapi_get_connection_info(name, &record)) {
         return record;
     }
     const std::set<std::string> names = stored_names();
@@ -50,10 +66,10 @@ DbuiConnection stored_connection(const std::string& name)
 
 DBIF_Connection open_stored(const std::string& name)
 {
-    stored_connection(name);
+    const DbuiConnection record = stored_connection(name);
     DBIF_Connection connection = dbui::blank_connection();
     std::string error;
-    if (!dbui_make_dbif_connection_object_by_name(name, &connection, &error)) {
+    if (!dbui::open_connection(record, dbif::MissingFile::Fail, &connection, &error)) {
         throw CommandFailure(
             ExitCode::Data, "the connection " + dbapi::quoted(name) +
                                 " opens, but its database cannot be used. " + dbif::trimmed(error));

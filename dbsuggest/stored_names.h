@@ -5,11 +5,15 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 namespace dbapi::tool {
 /// The names of the stored connections; none when no connection was ever stored. Throws
 /// `CommandFailure` when their file cannot be read.
 std::set<std::string> stored_names();
+
+/// All stored connections, sorted by name; fails like `stored_names`.
+std::vector<DbuiConnection> stored_connections();
 
 /// The stored connection of that name. Throws `CommandFailure`, which suggests other names, when
 /// there is none.

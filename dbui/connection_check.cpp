@@ -41,15 +41,28 @@ bool create_database(const DbuiConnection& record, bool interactive, std::string
     }
     return created;
 }
+
+/// Opens the record's database; empty when it opened, otherwise the message that says why not.
+std::string try_to_open(const DbuiConnection& record, DBIF_Connection* connection)
+{
+    std::string detail;
+    const bool made = dbui_make_dbif_connection_object(record, connection, &detail);
+    if (connection->isValid()) {
+        return {};
+    }
+    if (made) {
+        detail = convert_sql_error_to_string(connection->lastError()).str();
+    }
+    return "Check Database Connection Error: Failed to open valid database connection.\n" + detail;
+}
 } // namespace
 
 bool dbui_test_connection(const DbuiConnection& record, bool interactive, std::string* error)
 {
     dbif::clear_error(error);
     DBIF_Connection connection = dbui::blank_connection();
-    std::string detail;
-    const bool made = dbui_make_dbif_connection_object(record, &connection, &detail);
-    if (connection.isValid()) {
+    const std::string message = try_to_open(record, &connection);
+    if (message.empty()) {
         if (dbui::shows_boxes(interactive)) {
             dbui::show_information(
                 "Check Database Connection Success",
@@ -57,11 +70,6 @@ bool dbui_test_connection(const DbuiConnection& record, bool interactive, std::s
         }
         return true;
     }
-    if (made) {
-        detail = convert_sql_error_to_string(connection.lastError()).str();
-    }
-    const std::string message =
-        "Check Database Connection Error: Failed to open valid database connection.\n" + detail;
     warn(interactive, message, message, error);
     return false;
 }
@@ -84,11 +92,13 @@ bool dbui_validate_connection_opens(
     std::string* error)
 {
     dbif::clear_error(error);
-    std::string message;
-    if (dbui_test_connection(record, false, &message)) {
+    DBIF_Connection connection = dbui::blank_connection();
+    std::string message = try_to_open(record, &connection);
+    if (message.empty()) {
         return true;
     }
-    if (dbui_is_connection_invalid_due_to_mysql_database_unknown(record)) {
+    // By the error of the one attempt: a server that does not answer is waited for once.
+    if (dbui::is_database_unknown(record, connection)) {
         if (dbui::shows_boxes(interactive) && !is_creation_wanted(record)) {
             return false;
         }

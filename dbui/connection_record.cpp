@@ -1,6 +1,7 @@
 #include "dbui/connection_record.h"
 
 #include "dbif/host/host_string.h"
+#include "dbui/password_scramble.h"
 
 #include <optional>
 
@@ -33,6 +34,12 @@ DbuiConnection::DbuiConnection(
 
 // NOLINTEND(modernize-pass-by-value)
 
+void DbuiConnection::setScrambledPassword(const std::string& text)
+{
+    databasePassword_.clear();
+    scrambledPassword_ = text;
+}
+
 void DbuiConnection::clear()
 {
     connectionName_.clear();
@@ -42,6 +49,19 @@ void DbuiConnection::clear()
     databaseName_.clear();
     databaseUsername_.clear();
     databasePassword_.clear();
+    scrambledPassword_.clear();
+}
+
+std::string DbuiConnection::get_databasePassword() const
+{
+    if (scrambledPassword_.empty()) {
+        return databasePassword_;
+    }
+    std::string password;
+    decode_pwd_from_hex_string(
+        scrambledPassword_, &password, databaseUsername_, connectionName_, databaseName_, hostname_,
+        port_);
+    return password;
 }
 
 int DbuiConnection::get_port() const
@@ -56,8 +76,14 @@ bool DbuiConnection::port_is_a_number() const
 
 bool operator==(const DbuiConnection& a, const DbuiConnection& b)
 {
+    // The port's text is part of what a password is scrambled with.
+    const auto hasSamePassword = [&a, &b] {
+        return (a.scrambledPassword_ == b.scrambledPassword_ && a.port_ == b.port_ &&
+                a.databasePassword_ == b.databasePassword_) ||
+               a.get_databasePassword() == b.get_databasePassword();
+    };
     return a.connectionName_ == b.connectionName_ && a.dbDriverName_ == b.dbDriverName_ &&
            a.hostname_ == b.hostname_ && a.get_port() == b.get_port() &&
            a.databaseName_ == b.databaseName_ && a.databaseUsername_ == b.databaseUsername_ &&
-           a.databasePassword_ == b.databasePassword_;
+           hasSamePassword();
 }

@@ -17,6 +17,10 @@ public:
         const std::string& databaseUsername,
         const std::string& databasePassword);
 
+    /// Sets the password in the form that stands in the connections file. It is turned back only
+    /// where somebody asks for it.
+    void setScrambledPassword(const std::string& text);
+
     /// Empties every field but the leading one, which stays, and sets the driver to "QSQLITE".
     void clear();
 
@@ -46,7 +50,7 @@ public:
     [[nodiscard]] std::string get_databaseUsername() const { return databaseUsername_; }
 
     /// The password as typed; it is scrambled in the connections file only.
-    [[nodiscard]] std::string get_databasePassword() const { return databasePassword_; }
+    [[nodiscard]] std::string get_databasePassword() const;
 
     // NOLINTEND(readability-identifier-naming)
 
@@ -64,5 +68,6 @@ private:
     std::string port_;
     std::string databaseName_;
     std::string databaseUsername_;
-    std::string databasePassword_;
+    std::string databasePassword_; // empty while the scrambled one stands for it
+    std::string scrambledPassword_;
 };

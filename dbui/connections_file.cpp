@@ -9,6 +9,7 @@
 #include <tinyxml2.h>
 
 #include <algorithm>
+#include <set>
 
 namespace {
 constexpr const char* kRoot = "DB_Connections";
@@ -25,15 +26,12 @@ std::string attribute(const tinyxml2::XMLElement& element, const char* name)
 
 DbuiConnection read_element(const tinyxml2::XMLElement& element)
 {
-    const std::string name = attribute(element, "ConnectionName");
-    const std::string host = attribute(element, "Hostname");
-    const std::string port = attribute(element, "Port");
-    const std::string database = attribute(element, "DatabaseName");
-    const std::string user = attribute(element, "User");
-    std::string password;
-    decode_pwd_from_hex_string(
-        attribute(element, "Pwd"), &password, user, name, database, host, port);
-    return {name, attribute(element, "DbDriverName"), host, port, database, user, password};
+    DbuiConnection record(
+        attribute(element, "ConnectionName"), attribute(element, "DbDriverName"),
+        attribute(element, "Hostname"), attribute(element, "Port"),
+        attribute(element, "DatabaseName"), attribute(element, "User"), "");
+    record.setScrambledPassword(attribute(element, "Pwd"));
+    return record;
 }
 
 /// False, with an empty list, when the bytes are no XML document.
@@ -46,11 +44,16 @@ bool read_document(const std::string& bytes, Connections* connections)
     const tinyxml2::XMLElement* root = document.FirstChildElement(kRoot);
     const tinyxml2::XMLElement* element =
         root == nullptr ? nullptr : root->FirstChildElement(kConnection);
+    std::set<std::string> names;
     for (; element != nullptr; element = element->NextSiblingElement()) {
-        const DbuiConnection connection = read_element(*element);
-        if (!connection.get_connectionName().empty() &&
-            std::find(connections->begin(), connections->end(), connection) == connections->end()) {
-            connections->push_back(connection);
+        DbuiConnection connection = read_element(*element);
+        const std::string name = connection.get_connectionName();
+        // Records are equal only where their names are.
+        const bool isNew =
+            names.insert(name).second ||
+            std::find(connections->begin(), connections->end(), connection) == connections->end();
+        if (!name.empty() && isNew) {
+            connections->push_back(std::move(connection));
         }
     }
     return true;

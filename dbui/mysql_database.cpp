@@ -50,11 +50,19 @@ bool dbui_is_connection_invalid_due_to_mysql_database_unknown(const DbuiConnecti
     DBIF_Connection connection = dbui::blank_connection();
     std::string unused;
     dbui_make_dbif_connection_object(record, &connection, &unused);
+    return dbui::is_database_unknown(record, connection);
+}
+
+namespace dbui {
+bool is_database_unknown(const DbuiConnection& record, const DBIF_Connection& connection)
+{
     const QSqlError error = connection.lastError();
-    return !connection.isValid() && error.isValid() && error.type() == QSqlError::ConnectionError &&
+    return record.get_dbDriverName() == kDriver && !connection.isValid() && error.isValid() &&
+           error.type() == QSqlError::ConnectionError &&
            error.databaseText().trimmed().startsWith(
                QLatin1String("Unknown database"), Qt::CaseInsensitive);
 }
+} // namespace dbui
 
 bool dbui_create_mysql_database_for_connection(const DbuiConnection& record, std::string* error)
 {

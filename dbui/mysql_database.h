@@ -1,5 +1,6 @@
 #pragma once
 
+#include "dbif/connection/connection.h"
 #include "dbui/connection_record.h"
 
 #include <string>
@@ -15,3 +16,8 @@ bool dbui_is_connection_invalid_due_to_mysql_database_unknown(const DbuiConnecti
 bool dbui_create_mysql_database_for_connection(
     const DbuiConnection& record,
     std::string* error = nullptr);
+
+namespace dbui {
+/// The same of a connection that was made from the record already.
+bool is_database_unknown(const DbuiConnection& record, const DBIF_Connection& connection);
+} // namespace dbui

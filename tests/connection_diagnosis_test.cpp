@@ -73,7 +73,9 @@ TEST_F(ConnectionDiagnosis, FindsTheFaultOfAFile)
 
     const std::pair<const char*, std::string> files[] = {
         {"good", "oooooooo"},
-        {"empty", "ooooooso"},
+        {"empty", "oofsssss\nfile: \"" + folder.file("empty") +
+                      "\" is empty (0 bytes)\nPut the file back from a backup. Adding a "
+                      "connection to an empty file makes an empty database."},
         {"no/file", "ofssssss\nfolder: there is no folder \"" + folder.file("no") +
                         "\"\nCorrect the path, or connect the drive that holds it."},
         {"none", "oofsssss\nfile: there is no file \"" + folder.file("none") +

@@ -6,49 +6,48 @@
 #include "dbif/connection/newest_time.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/host/error_text.h"
-#include "dbui/connections_path.h"
 
 #include <QtGlobal>
 
-#include <sys/stat.h>
-
 namespace {
-/// A text that changes with every change of the connections file; empty when there is none. The
-/// file is replaced as a whole, so a new one has another inode.
-std::string connections_file_stamp()
+/// What became of the file behind the cache's connection; one that does not answer has to be opened
+/// anew like one whose file was replaced.
+dbif::FileState file_state(const DbapiCache& cache)
 {
-    const std::string path = dbui_connections_file();
-
-    struct stat status
-    {};
-
-    if (stat(path.c_str(), &status) != 0) {
-        return {};
-    }
-    return path + ":" + std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino) + ":" +
-           std::to_string(status.st_size) + ":" + std::to_string(status.st_mtim.tv_sec) + "." +
-           std::to_string(status.st_mtim.tv_nsec) + ":" + std::to_string(status.st_ctim.tv_sec) +
-           "." + std::to_string(status.st_ctim.tv_nsec);
+    return cache.connection != nullptr && cache.connection->isValid()
+               ? cache.connection->fileState()
+               : dbif::FileState::Replaced;
 }
 
-/// The stored record of the name, read anew only when the file may have changed.
-bool find_record(DbapiCache& cache, const std::string& name, DbuiConnection* record)
+/// The call in progress gets this instead of the connection.
+void fail_to_open(DbapiCache& cache, const std::string& detail)
 {
-    const std::string stamp = connections_file_stamp();
-    if (cache.record != nullptr && !stamp.empty() && stamp == cache.fileStamp &&
-        cache.record->get_connectionName() == name) {
-        *record = *cache.record;
-        return true;
-    }
-    cache.fileStamp = stamp;
-    return dbapi_get_connection_info(name, record);
+    const std::string name = cache.get_connection_name();
+    cache.clearQueryData();
+    cache.lastErrors = dbapi::not_opened(name, detail);
+    cache.rememberFailedOpening(name, cache.lastErrors);
 }
 
-/// The connection leads where it led when it was opened, and still answers.
-bool is_connection_usable(DbapiCache& cache)
+/// Nothing is read through a log that belongs to another database. The connection stays, because
+/// only it knows.
+void refuse_overwritten_file(DbapiCache& cache)
 {
-    return cache.connection != nullptr && cache.connection->isValid() &&
-           cache.connection->isSameFile();
+    const std::string file = cache.record->get_databaseName();
+    fail_to_open(
+        cache,
+        "The SQLite file \"" + file + "\" was overwritten while it was open, and \"" + file +
+            "-wal\" still holds changes of the old one. End the programs that have it open, remove "
+            "\"" +
+            file + "-wal\", and put the file in place again.");
+}
+
+/// A server that went away was called once already, when the connection noticed.
+void give_up_lost_server(DbapiCache& cache)
+{
+    std::string reason;
+    dbapi_build_error_string_from_qsqlerror(cache.connection->lastError(), &reason);
+    fail_to_open(cache, reason);
+    cache.clearDataConnection();
 }
 
 class UpdateMark
@@ -64,7 +63,7 @@ private:
     DbapiCache& cache_;
 };
 
-enum class Freshness { Same, Newer, Unknown };
+enum class Freshness { Same, Changed, Unknown };
 
 Freshness compare_with_database(DbapiCache& cache)
 {
@@ -74,16 +73,47 @@ Freshness compare_with_database(DbapiCache& cache)
         if (token == cache.changeToken) {
             return Freshness::Same;
         }
-        const QDateTime time = dbif::newest_time(*cache.connection);
-        const bool isNewer =
-            time.isValid() && (!cache.modifiedTime.isValid() || cache.modifiedTime < time);
-        if (!isNewer) {
-            cache.changeToken = token;
+        // An older time is a change as well: a backup was put back.
+        if (dbif::newest_time(*cache.connection) != cache.modifiedTime) {
+            return Freshness::Changed;
         }
-        return isNewer ? Freshness::Newer : Freshness::Same;
+        cache.changeToken = token;
+        return Freshness::Same;
     } catch (const DBIF_Exception&) {
         return Freshness::Unknown;
     }
+}
+
+/// `Impossible`: the call fails, with the text that is noted.
+enum class Reuse { Everything, Connection, Nothing, Impossible };
+
+/// What of the cache serves a query string on the connection that it holds.
+Reuse reusable_part(DbapiCache& cache, const std::string& query)
+{
+    const dbif::FileState file = file_state(cache);
+    if (file == dbif::FileState::Overwritten) {
+        refuse_overwritten_file(cache);
+        return Reuse::Impossible;
+    }
+    if (file == dbif::FileState::Replaced) {
+        return Reuse::Nothing;
+    }
+    switch (compare_with_database(cache)) {
+    case Freshness::Same:
+        return cache.condition != nullptr && cache.query == query ? Reuse::Everything
+                                                                  : Reuse::Connection;
+    case Freshness::Changed:
+        cache.resolvedKeywords.clear();
+        dbif::ColumnStore::of(*cache.connection).refresh();
+        return Reuse::Connection;
+    case Freshness::Unknown:
+        break;
+    }
+    if (cache.connection->isValid()) {
+        return Reuse::Nothing;
+    }
+    give_up_lost_server(cache);
+    return Reuse::Impossible;
 }
 } // namespace
 
@@ -106,7 +136,7 @@ bool dbapi_get_latest_modified_time(
 
 bool is_database_modified_time_newer(DbapiCache& cache)
 {
-    return compare_with_database(cache) == Freshness::Newer;
+    return compare_with_database(cache) == Freshness::Changed;
 }
 
 void update_database_modified_time(DbapiCache& cache)
@@ -123,7 +153,7 @@ void update_database_modified_time(DbapiCache& cache)
     }
 }
 
-bool update_query_data(DbapiCache& cache, const std::string& query)
+bool updateQueryData(DbapiCache& cache, const std::string& query)
 {
     cache.clearQueryData();
     cache.query = query;
@@ -137,19 +167,17 @@ bool update_query_data(DbapiCache& cache, const std::string& query)
     return true;
 }
 
-bool update_data_connection(DbapiCache& cache, const DbuiConnection& record)
+bool updateDataConnection(DbapiCache& cache, const DbuiConnection& record)
 {
-    const std::string stamp = cache.fileStamp;
     cache.clearQueryData();
     cache.clearDataConnection();
     DBIF_Connection* connection = nullptr;
-    if (!dbapi::open_stored_connection(
-            record.get_connectionName(), &connection, &cache.lastErrors)) {
+    if (!dbapi::open_connection_of(record, &connection, &cache.lastErrors)) {
+        cache.rememberFailedOpening(record.get_connectionName(), cache.lastErrors);
         return false;
     }
     cache.connection.reset(connection);
     cache.record = std::make_unique<DbuiConnection>(record);
-    cache.fileStamp = stamp;
     return true;
 }
 
@@ -161,7 +189,7 @@ bool check_and_do_update_to_cache(
     const UpdateMark mark(cache);
     cache.clear_last_errors();
     DbuiConnection record;
-    if (!find_record(cache, name, &record)) {
+    if (!dbapi_get_connection_info(name, &record)) {
         cache.clearQueryData();
         cache.clearDataConnection();
         cache.clear_database_modified_time();
@@ -170,26 +198,18 @@ bool check_and_do_update_to_cache(
                            "Failed to create a valid open database connection.\n";
         return false;
     }
-    bool isSameConnection =
-        cache.record != nullptr && *cache.record == record && is_connection_usable(cache);
-    if (isSameConnection) {
-        const Freshness freshness = compare_with_database(cache);
-        if (freshness == Freshness::Same && cache.condition != nullptr && cache.query == query) {
-            return true;
-        }
-        if (freshness == Freshness::Newer) {
-            cache.resolvedKeywords.clear();
-            dbif::ColumnStore::of(*cache.connection).refresh();
-        }
-        // A connection that no longer answers is opened anew.
-        isSameConnection = freshness != Freshness::Unknown;
+    const Reuse reuse = cache.record != nullptr && *cache.record == record
+                            ? reusable_part(cache, query)
+                            : Reuse::Nothing;
+    if (reuse == Reuse::Everything || reuse == Reuse::Impossible) {
+        return true;
     }
-    if (!isSameConnection && !update_data_connection(cache, record)) {
+    if (reuse == Reuse::Nothing && !updateDataConnection(cache, record)) {
         return true;
     }
     // Before the condition is built: what changes meanwhile then counts as newer.
     update_database_modified_time(cache);
-    update_query_data(cache, query);
+    updateQueryData(cache, query);
     return true;
 }
 

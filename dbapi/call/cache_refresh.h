@@ -29,11 +29,17 @@ bool check_and_do_update_to_cache(
     DbapiCache& cache,
     const std::string& name,
     const std::string& query);
-/// Whether the database has data that is newer than what the cache knows. A time that cannot be
-/// read counts as not newer.
+/// Whether the newest time of the database is another than the one the cache knows: a later one, an
+/// earlier one after a backup was put back, or none. A time that cannot be read counts as not
+/// newer.
 bool is_database_modified_time_newer(DbapiCache& cache);
 void update_database_modified_time(DbapiCache& cache);
+
+// NOLINTBEGIN(readability-identifier-naming): published names.
+
 /// Builds the condition of a query into the cache; on failure the query data is cleared.
-bool update_query_data(DbapiCache& cache, const std::string& query);
+bool updateQueryData(DbapiCache& cache, const std::string& query);
 /// Opens the connection of a record into the cache; on failure the connection data is cleared.
-bool update_data_connection(DbapiCache& cache, const DbuiConnection& record);
+bool updateDataConnection(DbapiCache& cache, const DbuiConnection& record);
+
+// NOLINTEND(readability-identifier-naming)

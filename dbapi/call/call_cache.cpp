@@ -32,7 +32,6 @@ void DbapiCache::clearDataConnection()
 {
     connection.reset();
     record.reset();
-    fileStamp.clear();
     resolvedKeywords.clear();
 }
 
@@ -54,6 +53,13 @@ void DbapiCache::clear_last_errors()
     lastErrors.clear();
 }
 
+void DbapiCache::rememberFailedOpening(const std::string& connectionName, const std::string& reason)
+{
+    if (isCallInProgress) {
+        failedOpening.emplace(connectionName, reason);
+    }
+}
+
 DbapiCacheHelper::DbapiCacheHelper() : isTopLevel_(!isCallInProgress)
 {
     isCallInProgress = true;
@@ -63,6 +69,9 @@ DbapiCacheHelper::~DbapiCacheHelper()
 {
     if (isTopLevel_) {
         isCallInProgress = false;
+        if (globalCache != nullptr) {
+            globalCache->failedOpening.reset();
+        }
     }
 }
 

@@ -9,7 +9,9 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
 /// What the last public call leaves to the next one: the open connection with the record that it
 /// was made from, the query string with its condition, and how new the data was. Owns all of it.
@@ -41,6 +43,8 @@ public:
     void clearQueryData();
     void clear_database_modified_time();
     void clear_last_errors();
+    /// Notes, until the public call in progress ends, that a connection does not open and why.
+    void rememberFailedOpening(const std::string& connectionName, const std::string& reason);
 
     // What cache_refresh.h works on; everybody else reads through the members above.
 
@@ -52,9 +56,12 @@ public:
     std::string lastErrors;
     bool latestOnly = true;
     bool inUpdate = false;
+    /// The connection that did not open in this call, and the text that told why.
+    std::optional<std::pair<std::string, std::string>> failedOpening;
     /// Proves that the database has not changed since `modifiedTime` was read.
     dbif::ChangeToken changeToken;
-    /// The state of the connections file when the record was read from it.
+    /// The record that was last read from the connections file, and the state of the file then.
+    DbuiConnection storedRecord;
     std::string fileStamp;
     /// Keywords that were resolved without regard to a condition; they hold while the data does.
     std::map<std::string, dbapi::ResolvedKey> resolvedKeywords;

@@ -4,29 +4,52 @@
 #include "dbif/host/error_text.h"
 #include "dbui/connection_open.h"
 #include "dbui/connection_registry.h"
+#include "dbui/connections_path.h"
 
 #include <memory>
+#include <sys/stat.h>
 
 namespace {
+/// A text that changes with every change of the connections file; empty when there is none. The
+/// file is replaced as a whole, so a new one has another inode.
+std::string connections_file_stamp()
+{
+    const std::string path = dbui_connections_file();
+
+    struct stat status
+    {};
+
+    if (stat(path.c_str(), &status) != 0) {
+        return {};
+    }
+    return path + ":" + std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino) + ":" +
+           std::to_string(status.st_size) + ":" + std::to_string(status.st_mtim.tv_sec) + "." +
+           std::to_string(status.st_mtim.tv_nsec) + ":" + std::to_string(status.st_ctim.tv_sec) +
+           "." + std::to_string(status.st_ctim.tv_nsec);
+}
+
 bool fail(std::string* error, const std::string& message)
 {
     dbif::deliver_error(error, message);
     return false;
 }
 
-std::string not_opened(const std::string& name, const std::string& detail)
-{
-    return "Error: Database connection name \"" + name +
-           "\" failed to create a valid open database connection.\n" +
-           (detail.empty()
-                ? std::string("Failed to create a valid open database connection.\n")
-                : "The database connection reported the following error(s): \n" + detail);
-}
 } // namespace
 
 bool dbapi_get_connection_info(const std::string& name, DbuiConnection* record)
 {
-    return dbui_find_connection_by_name(name, record);
+    DbapiCache& cache = dbapi::make_cache();
+    const std::string stamp = connections_file_stamp();
+    if (stamp.empty() || stamp != cache.fileStamp || name.empty() ||
+        cache.storedRecord.get_connectionName() != name) {
+        cache.fileStamp = stamp;
+        if (!dbui_find_connection_by_name(name, &cache.storedRecord)) {
+            record->clear();
+            return false;
+        }
+    }
+    *record = cache.storedRecord;
+    return true;
 }
 
 bool dbapi_get_connection_object_by_name(
@@ -36,28 +59,44 @@ bool dbapi_get_connection_object_by_name(
 {
     dbif::clear_error(error);
     *connection = nullptr;
-    if (!dbapi_cache_updating_self() && dbapi_cache_is_valid() &&
-        dbapi_get_cached_connection_name() == name) {
-        *connection = dbapi_get_cached_connection();
+    DbapiCache* cache = dbapi::cache();
+    if (cache != nullptr && cache->failedOpening.has_value() &&
+        cache->failedOpening->first == name) {
+        return fail(error, cache->failedOpening->second);
+    }
+    if (cache != nullptr && !cache->in_update() && cache->connection != nullptr &&
+        cache->get_connection_name() == name) {
+        *connection = cache->connection.get();
         return true;
     }
-    return dbapi::open_stored_connection(name, connection, error);
-}
-
-namespace dbapi {
-bool open_stored_connection(
-    const std::string& name,
-    DBIF_Connection** connection,
-    std::string* error)
-{
     DbuiConnection record;
     if (!dbapi_get_connection_info(name, &record)) {
         return fail(error, "Error: Database connection name \"" + name + "\" was not found.\n");
     }
+    return dbapi::open_connection_of(record, connection, error);
+}
+
+namespace dbapi {
+std::string not_opened(const std::string& name, const std::string& detail)
+{
+    return "Error: Database connection name \"" + name +
+           "\" failed to create a valid open database connection.\n" +
+           (detail.empty()
+                ? std::string("Failed to create a valid open database connection.\n")
+                : "The database connection reported the following error(s): \n" + detail);
+}
+
+bool open_connection_of(
+    const DbuiConnection& record,
+    DBIF_Connection** connection,
+    std::string* error)
+{
+    *connection = nullptr;
+    const std::string name = record.get_connectionName();
     try {
         auto handle = std::make_unique<DBIF_Connection>(dbui::blank_connection());
         std::string reason;
-        if (!dbui_make_dbif_connection_object_by_name(name, handle.get(), &reason)) {
+        if (!dbui::open_connection(record, dbif::MissingFile::Fail, handle.get(), &reason)) {
             return fail(error, not_opened(name, reason));
         }
         if (!handle->isValid()) {

@@ -5,7 +5,8 @@
 
 #include <string>
 
-/// The stored record of exactly this name.
+/// The stored record of exactly this name; the file is read only when it may have changed since the
+/// last call. When there is none, `record` is cleared.
 bool dbapi_get_connection_info(const std::string& name, DbuiConnection* record);
 
 /// An open connection to the stored database of this name: the cache's own when it holds that one,
@@ -17,9 +18,13 @@ bool dbapi_get_connection_object_by_name(
     std::string* error);
 
 namespace dbapi {
-/// Opens it anew, whatever the cache holds.
-bool open_stored_connection(
-    const std::string& name,
+/// Opens the database of a record anew, whatever the cache holds. A missing SQLite file stays
+/// missing. The caller owns `connection`, which is null on failure.
+bool open_connection_of(
+    const DbuiConnection& record,
     DBIF_Connection** connection,
     std::string* error);
+
+/// The text for a connection that does not open; `detail` may be empty.
+std::string not_opened(const std::string& name, const std::string& detail);
 } // namespace dbapi

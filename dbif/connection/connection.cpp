@@ -79,7 +79,6 @@ public:
             database.close();
             return;
         }
-        fileIdentity_ = dialect_->fileIdentity(parameters_.database);
         database_ = database;
     }
 
@@ -122,7 +121,6 @@ public:
     QString name_;
     QSqlDatabase database_;
     QSqlError lastError_;
-    std::string fileIdentity_;
     std::unique_ptr<dbif::SqlSession> session_;
     std::unique_ptr<dbif::ConnectionAttachment> attachment_;
     dbif::ReadTrace* trace_ = nullptr;
@@ -165,6 +163,14 @@ private:
         } else if (file.isDir()) {
             lastError_ = connection_error(
                 QStringLiteral("\"%1\" is a folder, not an SQLite file.").arg(file.filePath()));
+        } else if (file.exists() && !file.isFile()) {
+            // Opening a pipe waits for whoever writes into it, and a device takes everything.
+            lastError_ = connection_error(
+                QStringLiteral("\"%1\" is no regular file, so it is no SQLite file.")
+                    .arg(file.filePath()));
+        } else if (missingFile == dbif::MissingFile::Fail && file.size() == 0) {
+            lastError_ = connection_error(
+                QStringLiteral("The SQLite file \"%1\" is empty (0 bytes).").arg(file.filePath()));
         } else {
             return true;
         }
@@ -356,11 +362,9 @@ dbif::ChangeToken DBIF_Connection::changeToken() const
     return session().changeToken();
 }
 
-bool DBIF_Connection::isSameFile() const
+dbif::FileState DBIF_Connection::fileState() const
 {
-    return managed_->dialect_ == nullptr ||
-           managed_->dialect_->fileIdentity(managed_->parameters_.database) ==
-               managed_->fileIdentity_;
+    return session().fileState();
 }
 
 dbif::ConnectionAttachment& DBIF_Connection::attachment(

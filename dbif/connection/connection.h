@@ -16,7 +16,7 @@
 namespace dbif {
 class ReadTrace;
 
-/// What opening a connection does when its SQLite file does not exist.
+/// What opening a connection does when its SQLite file does not exist, or has no content at all.
 enum class MissingFile { Create, Fail };
 
 /// State that an upper floor keeps with one open connection, for as long as it is open.
@@ -91,8 +91,8 @@ public:
     void execute(const dbif::SqlText& sql, const char* file, int line);
     /// See `ChangeToken`. Costs a microsecond on SQLite; unknown on a server.
     [[nodiscard]] dbif::ChangeToken changeToken() const;
-    /// Whether the SQLite file that was opened still stands at its path; true for a server.
-    [[nodiscard]] bool isSameFile() const;
+    /// Whether the SQLite file at the path is still the one that was opened. Costs about as much.
+    [[nodiscard]] dbif::FileState fileState() const;
     /// The state that a floor above keeps with this connection, made by `make` on first use.
     dbif::ConnectionAttachment&
     attachment(const std::function<std::unique_ptr<dbif::ConnectionAttachment>()>& make);

@@ -371,6 +371,8 @@ public:
 
     ChangeToken changeToken() override { return {}; }
 
+    FileState fileState() override { return FileState::Same; }
+
     /// Only the nodes of a cluster bound what they replicate at once.
     TransactionLimit transactionLimit() override
     {

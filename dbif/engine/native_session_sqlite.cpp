@@ -2,6 +2,7 @@
 
 #include "dbif/host/exception.h"
 #include "dbif/host/host_string.h"
+#include "dbif/sqlite_file_watch.h"
 
 #include <QSqlDriver>
 #include <QVariant>
@@ -160,7 +161,9 @@ private:
 class SqliteSession final : public SqlSession
 {
 public:
-    explicit SqliteSession(sqlite3* handle) : handle_(handle) {}
+    SqliteSession(sqlite3* handle, const std::string& path)
+        : handle_(handle), watch_(handle, path, *this)
+    {}
 
     std::unique_ptr<NativeStatement> prepare(const SqlText& sql) override
     {
@@ -187,6 +190,8 @@ public:
         return token;
     }
 
+    FileState fileState() override { return watch_.state(); }
+
     TransactionLimit transactionLimit() override { return {}; }
 
     std::string version() override { return sqlite3_libversion(); }
@@ -194,6 +199,7 @@ public:
 private:
     sqlite3* handle_;
     std::unique_ptr<SqliteStatement> dataVersion_;
+    SqliteFileWatch watch_; // asks for the token when it begins
 };
 } // namespace
 
@@ -203,6 +209,7 @@ std::unique_ptr<SqlSession> open_sqlite_session(const QSqlDatabase& database)
     if (qstrcmp(handle.typeName(), "sqlite3*") != 0) {
         throw_error("The Qt driver QSQLITE gives no sqlite3 handle.", __FILE__, __LINE__);
     }
-    return std::make_unique<SqliteSession>(*static_cast<sqlite3* const*>(handle.constData()));
+    return std::make_unique<SqliteSession>(
+        *static_cast<sqlite3* const*>(handle.constData()), to_utf8(database.databaseName()));
 }
 } // namespace dbif

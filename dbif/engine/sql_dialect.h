@@ -37,6 +37,17 @@ struct ChangeToken
     }
 };
 
+/// What became of the file behind an open connection.
+enum class FileState {
+    /// Changed at most by its own engine; a server has no file that could be anything else.
+    Same,
+    /// Another file stands there, or none, or somebody wrote into it: to be opened anew.
+    Replaced,
+    /// Somebody wrote into it, and beside it stands a log of the old one with changes that whoever
+    /// opens the file will read on top of it.
+    Overwritten
+};
+
 /// The most that one transaction may write; 0 where there is no limit.
 struct TransactionLimit
 {
@@ -57,6 +68,7 @@ public:
     virtual std::unique_ptr<RowInserter>
     inserter(const SqlName& table, const std::vector<SqlName>& columns) = 0;
     virtual ChangeToken changeToken() = 0;
+    virtual FileState fileState() = 0;
     virtual TransactionLimit transactionLimit() = 0;
     /// The version of the database engine, for people.
     virtual std::string version() = 0;
@@ -124,8 +136,6 @@ public:
     /// Whether the error ended a transaction that may succeed when it is run again: a deadlock, a
     /// lock that was not had in time, a conflict between the nodes of a cluster.
     [[nodiscard]] virtual bool isTransient(const QSqlError& error) const = 0;
-    /// A text that identifies the file behind the connection; empty for a server or a missing file.
-    [[nodiscard]] virtual std::string fileIdentity(const std::string& database) const = 0;
 
     [[nodiscard]] virtual SqlText beginRead() const = 0;
     [[nodiscard]] virtual SqlText beginWrite() const = 0;

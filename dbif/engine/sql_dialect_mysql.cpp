@@ -12,6 +12,8 @@
 namespace dbif {
 namespace {
 constexpr int kConnectSeconds = 10;
+/// A server that is alive answers the longest statement sooner, one that was stopped never does.
+constexpr int kAnswerSeconds = 600;
 
 class MysqlDialect final : public SqlDialect
 {
@@ -28,7 +30,10 @@ public:
         database.setPassword(to_qt(parameters.password));
         database.setPort(parameters.port);
         database.setConnectOptions(
-            QStringLiteral("MYSQL_OPT_CONNECT_TIMEOUT=%1").arg(kConnectSeconds));
+            QStringLiteral("MYSQL_OPT_CONNECT_TIMEOUT=%1;MYSQL_OPT_READ_TIMEOUT=%2;"
+                           "MYSQL_OPT_WRITE_TIMEOUT=%2")
+                .arg(kConnectSeconds)
+                .arg(kAnswerSeconds));
     }
 
     [[nodiscard]] QSqlError startSession(QSqlDatabase& database) const override
@@ -64,11 +69,6 @@ public:
         // node of a cluster is not ready, an id that another node took meanwhile.
         constexpr std::array kCodes{"1205", "1213", "1020", "1047", "1062"};
         return hasCode(error, kCodes);
-    }
-
-    [[nodiscard]] std::string fileIdentity(const std::string& /*database*/) const override
-    {
-        return {};
     }
 
     [[nodiscard]] SqlText beginRead() const override

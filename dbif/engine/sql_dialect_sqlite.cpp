@@ -9,7 +9,6 @@
 
 #include <array>
 #include <map>
-#include <sys/stat.h>
 #include <sys/vfs.h>
 
 namespace dbif {
@@ -75,17 +74,6 @@ public:
         // SQLITE_BUSY in the low byte, whatever the kind.
         constexpr int kBusy = 5;
         return (error.nativeErrorCode().toInt() & 0xFF) == kBusy;
-    }
-
-    [[nodiscard]] std::string fileIdentity(const std::string& database) const override
-    {
-        struct stat status
-        {};
-
-        if (stat(database.c_str(), &status) != 0) {
-            return {};
-        }
-        return std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
     }
 
     [[nodiscard]] SqlText beginRead() const override { return "BEGIN"; }

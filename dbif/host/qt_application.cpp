@@ -9,7 +9,10 @@ void make_application_if_missing()
         static int argumentCount = 1;
         static char name[] = "dbapi";
         static char* arguments[] = {name};
-        static QCoreApplication application(argumentCount, arguments);
+        // Never destroyed: the thread that made it may have ended by then, and Qt would reach for
+        // it.
+        static const auto* const application = new QCoreApplication(argumentCount, arguments);
+        Q_UNUSED(application)
     }
 }
 } // namespace dbif

@@ -69,6 +69,11 @@ void diagnose_file_itself(const QFileInfo& file, DiagnosisReport* report)
         report->fail(
             Layer::File, quoted(file.absoluteFilePath()) + " is no ordinary file",
             "Name the database file itself.");
+    } else if (file.size() == 0) {
+        report->fail(
+            Layer::File, quoted(file.absoluteFilePath()) + " is empty (0 bytes)",
+            "Put the file back from a backup. Adding a connection to an empty file makes an empty "
+            "database.");
     } else if (!file.isReadable()) {
         report->fail(
             Layer::File, "you may not read the file (its owner is " + quoted(file.owner()) + ")",

@@ -2,6 +2,7 @@
 #include <iostream>
 #include <set>
 #include <string>
+#include <thread>
 
 // Makes a connection to a new SQLite file, lists it and asks the empty database a question.
 int main(int argc, char** argv)
@@ -9,7 +10,12 @@ int main(int argc, char** argv)
     if (argc != 2)
         return 2;
     std::string errors;
-    if (!dbapi::db_create_sqlite_connection("consumer", argv[1], &errors)) {
+    bool isCreated = false;
+    // The library's first call may be made in a thread that has ended when the program does.
+    std::thread([&] {
+        isCreated = dbapi::db_create_sqlite_connection("consumer", argv[1], &errors);
+    }).join();
+    if (!isCreated) {
         std::cerr << errors;
         return 1;
     }

@@ -19,12 +19,11 @@ ExitCode list_connections(const OutputOptions& output)
     for (const char* heading : {"name", "driver", "database", "host", "port", "user"}) {
         table.columns.push_back({heading, {}});
     }
-    for (const std::string& name : stored_names()) {
-        const DbuiConnection record = stored_connection(name);
+    for (const DbuiConnection& record : stored_connections()) {
         std::size_t column = 0;
         for (std::string text :
-             {name, record.get_dbDriverName(), record.get_databaseName(), record.get_hostname(),
-              record.get_port_as_string(), record.get_databaseUsername()}) {
+             {record.get_connectionName(), record.get_dbDriverName(), record.get_databaseName(),
+              record.get_hostname(), record.get_port_as_string(), record.get_databaseUsername()}) {
             table.columns[column++].values.push_back(std::move(text));
         }
     }
