@@ -1,4 +1,5 @@
 #include "dbif/condition/constant_condition.h"
+#include "dbif/condition/id_list.h"
 #include "dbif/connection/transaction_guard.h"
 #include "dbif/record/record_tables.h"
 #include "dbif/retrieval/query_run.h"
@@ -6,6 +7,8 @@
 #include "tests/support/measurement_database.h"
 
 #include <gmock/gmock.h>
+
+#include <numeric>
 
 using namespace test_support; // NOLINT(google-build-using-namespace)
 using testing::HasSubstr;
@@ -23,7 +26,7 @@ protected:
             for (int i = 1; i <= kDevices; ++i) {
                 const double w = i;
                 const int device = writer.findOrAddDevice(
-                    0, {{"name", "d" + std::to_string(i)}}, {number_key("W", w, "ID")});
+                    0, {.name = "d" + std::to_string(i)}, {number_key("W", w, "ID")});
                 const int measurement = writer.addMeasurement({0, device, 0, 25, {}});
                 writer.addSetup(
                     writer.addCondition(measurement, {}), {},
@@ -92,6 +95,57 @@ TEST_P(ManyRecords, AreFoundByTheirPoints)
 }
 
 // Whoever holds a transaction open sees one state of the database, whatever is asked in between.
+TEST_P(ManyRecords, LeaveNoListBehindThatIsStillRead)
+{
+    std::vector<int> ids(600);
+    std::iota(ids.begin(), ids.end(), 1);
+    QSqlQuery reading;
+    for (int round = 0; round < 3; ++round) {
+        const dbif::IdList list(database.connection, dbif::RecordTable::Device, ids);
+        const dbif::TreeCondition picked(list.condition());
+        DBIF_VantoQuery query(database.connection);
+        query.addColumn(QStringLiteral("device"), QStringLiteral("name"), false);
+        query.setCondition(&picked);
+        reading = database.connection.query(query.generateSql(false), 0, __FILE__, __LINE__);
+        EXPECT_TRUE(reading.next());
+    }
+    reading.clear();
+    database.connection.beginTransaction();
+    database.connection.endTransaction();
+    if (GetParam() == Engine::Sqlite) {
+        EXPECT_EQ(database.rows("SELECT count(*) FROM sqlite_temp_master"), "0;");
+    }
+}
+
+TEST_P(ManyRecords, AreCountedAndOrderedBySqlToo)
+{
+    const auto key = DBIF_DeviceColumn::get(database.connection, QStringLiteral("ID|DOUBLE|W"));
+    const auto fewW = key->singleColumnCondition(LESS, QStringLiteral("4"));
+    DBIF_VantoQuery query(database.connection);
+    query.addColumn(QStringLiteral("device"), QStringLiteral("id"), true);
+    const auto counted = [this](DBIF_Query& of) {
+        return database.rows(dbif::to_utf8(of.generateCountSql()));
+    };
+    EXPECT_EQ(query.generateSql(false), QString());
+    EXPECT_EQ(counted(query), "1100;");
+    query.addColumn(QStringLiteral("setup"), QStringLiteral("id"), false);
+    query.setCondition(fewW);
+    EXPECT_EQ(counted(query), "3;");
+    query.setLimit(2);
+    EXPECT_EQ(counted(query), "2;");
+    query.addOrder(QStringLiteral("device_data"), QStringLiteral("ID|DOUBLE|W"), false);
+    EXPECT_EQ(
+        database.rows(dbif::to_utf8(
+            query.generateSql(false) + query.generateOrder() + query.generateLimit())),
+        "3|3;2|2;");
+
+    DBIF_Query plain(database.connection);
+    plain.addColumn(QStringLiteral("device"), QStringLiteral("id"), false);
+    plain.setCondition(fewW);
+    EXPECT_EQ(database.rows(dbif::to_utf8(plain.generateSql(false))), "1;2;3;");
+    EXPECT_EQ(counted(plain), "3;");
+}
+
 TEST_P(ManyRecords, AreReadFromOneState)
 {
     database.connection.beginTransaction();
@@ -101,13 +155,41 @@ TEST_P(ManyRecords, AreReadFromOneState)
     const std::string before = rows({{"device", "id"}}, all);
     DBIF_Connection other = database.open();
     dbif::RecordWriter writer(other);
-    writer.findOrAddDevice(0, {{"name", "later"}});
+    writer.findOrAddDevice(0, {.name = "later"});
     writer.commit();
     EXPECT_EQ(rows({{"device", "id"}}, DBIF_TrueCondition()), before);
 }
 
+TEST_P(ManyRecords, DoNotTrustTheNumberOfTheirPoints)
+{
+    database.write([](dbif::RecordWriter& writer) {
+        const int device = writer.findOrAddDevice(0, {.name = "other"});
+        const int measurement = writer.addMeasurement({0, device, 0, 25, {}});
+        writer.addSetup(writer.addCondition(measurement, {}), {}, {sweep("x", {1})}, "");
+    });
+    const auto isFirst = DBIF_Device::NAME.singleColumnCondition(EQUAL, QStringLiteral("d1"));
+    const auto hasX = point("x", EQUAL, 1);
+    const DBIF_CompoundQueryCondition either(&hasX, OR, &isFirst);
+    const auto found = [&] {
+        return dbif::matching_ids(database.connection, dbif::RecordTable::Device, &either, false);
+    };
+    // The setup has no point of the key, and all its points are alike.
+    database.execute("UPDATE setup_association SET points = 2000000000 WHERE setup_id = 1");
+    EXPECT_EQ(found(), (std::vector<int>{1, kDevices + 1}));
+    database.execute("UPDATE setup_association SET points = -1 WHERE setup_id = 1");
+    EXPECT_THAT(thrown_by(found), HasSubstr("Setup 1 is damaged (it has -1 points)."));
+}
+
 TEST_P(ManyRecords, SayWhichKeyIsDamaged)
 {
+    if (GetParam() == Engine::Sqlite) {
+        database.execute("UPDATE device_data SET number = 'abc' WHERE device_id = 9");
+        EXPECT_THAT(
+            thrown_by([this] {
+                return rows({{"device_data", "ID|DOUBLE|W"}}, DBIF_TrueCondition());
+            }),
+            HasSubstr("its column \"number\" holds \"abc\" where a number belongs."));
+    }
     database.execute(
         "UPDATE setup_data SET payload = X'00' WHERE setup_id = 7 AND setup_column_id = 2");
     EXPECT_THAT(

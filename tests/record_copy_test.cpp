@@ -97,20 +97,20 @@ void add_measurement(
     double value)
 {
     const int entry =
-        writer.addCatalogEntry({{"application", "test"}}, {text_key("operator", "Zo\xC3\xAB ")});
-    const int die = writer.findOrAddDie({{"lot", "A"}, {"wafer", ""}});
+        writer.addCatalogEntry({.application = "test"}, {text_key("operator", "Zo\xC3\xAB ")});
+    const int die = writer.findOrAddDie({.lot = "A", .wafer = ""});
     const int deviceId = writer.findOrAddDevice(
-        die, {{"name", device}, {"device_type", "n"}},
+        die, {.name = device, .device_type = "n"},
         {number_key("W", 1.3000000000000003e-07, "PHYSICAL"),
          text_key("process", "it's; \"x\" \\", "TECHNOLOGY"),
          text_key("s11", "1.5-2j", "NODE", dbif::ValueKind::Complex)});
-    const int routine = writer.findOrAddRoutine({{"name", "r"}, {"definition", ""}});
+    const int routine = writer.findOrAddRoutine({.name = "r", .definition = ""});
     const int measurement = writer.addMeasurement(
         {entry, deviceId, routine, temperature, {text_key("DataOrigin", "MEASURED")}});
     const int condition =
-        writer.addCondition(measurement, {{"name", "dc"}}, {number_key("VS", -1e300)});
+        writer.addCondition(measurement, {.name = "dc"}, {number_key("VS", -1e300)});
     if (!setup.empty()) {
-        writer.addSetup(condition, {{"name", setup}}, all_kinds(value), "file");
+        writer.addSetup(condition, {.name = setup}, all_kinds(value), "file");
     }
 }
 
@@ -126,7 +126,7 @@ protected:
                 add_measurement(writer, "a", 25, "IDVG", value);
                 add_measurement(writer, "b", 25 + value, "IDVG", value);
                 add_measurement(writer, "c", 25, "", value);
-                writer.findOrAddDevice(0, {{"name", "lonely" + std::to_string(value)}});
+                writer.findOrAddDevice(0, {.name = "lonely" + std::to_string(value)});
             });
         }
         from.execute("UPDATE measurement SET \"user\" = NULL WHERE id = 1");
@@ -216,6 +216,38 @@ TEST_P(RecordCopy, IsCompletedAfterAKill)
     }
 }
 
+TEST_P(RecordCopy, MakesNoDoublesBesideAnother)
+{
+    fill();
+    // The other copy runs as a whole between two measurements of this one.
+    DBIF_Connection source = from.open();
+    DBIF_Connection own = to.open();
+    const DBIF_TrueCondition all;
+    const dbif::CopySelection selection = dbif::select_for_copy(source, &all, false);
+    const dbif::CopyOutcome outcome =
+        dbif::copy_records(source, own, selection, [this](std::size_t done) {
+            if (done == 2) {
+                EXPECT_EQ(copy(from, to).copied, 7);
+            }
+        });
+    EXPECT_EQ(outcome.copied, 2);
+    EXPECT_EQ(outcome.present, 7);
+    EXPECT_EQ(dump(to), dump(from));
+
+    // What is stored twice all the same is told.
+    to.execute("UPDATE measurement_condition SET name = 'other' WHERE measurement_id <= 2");
+    const dbif::CopyOutcome again = dbif::copy_records(source, own, selection);
+    EXPECT_EQ(again.copied, 2);
+    to.execute("UPDATE measurement_condition SET name = 'dc'");
+    for (const dbif::CopiedTable& table :
+         dbif::compare_copies(source, own, selection, again.places)) {
+        if (table.name == "measurement") {
+            EXPECT_EQ(table.sourceRows, 9U);
+            EXPECT_EQ(table.targetRows, 11U);
+        }
+    }
+}
+
 TEST_P(RecordCopy, TakesWhatAQuerySelectsWithItsHistory)
 {
     fill();
@@ -249,7 +281,7 @@ TEST_P(RecordCopy, MergesWithWhatTheTargetHas)
     fill();
     const auto other = [](RecordWriter& writer) {
         add_measurement(writer, "a", 25, "IDVG", 9);
-        writer.findOrAddDevice(1, {{"name", "a"}}, {number_key("more", 1, "ID")});
+        writer.findOrAddDevice(1, {.name = "a"}, {number_key("more", 1, "ID")});
     };
     to.write(other);
     const QDateTime before = dbif::newest_time(to.connection);
@@ -267,7 +299,7 @@ TEST_P(RecordCopy, MergesWithWhatTheTargetHas)
     MeasurementDatabase conflicting(GetParam().to);
     conflicting.write([](RecordWriter& writer) {
         writer.findOrAddDevice(
-            writer.findOrAddDie({{"lot", "A"}, {"wafer", ""}}), {{"name", "b"}},
+            writer.findOrAddDie({.lot = "A", .wafer = ""}), {.name = "b"},
             {number_key("W", 7, "PHYSICAL")});
     });
     EXPECT_THAT(

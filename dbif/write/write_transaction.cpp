@@ -69,11 +69,15 @@ bool WriteTransaction::isStoredAfter(
     const std::string& table,
     int id)
 {
-    if (!connection_.dialect().isConnectionLost(failure.error()) || table.empty()) {
+    // What a file or a server refuses for such a reason is taken back. After any other error of a
+    // server, such as a line that broke in the middle of the answer, it may have been stored.
+    const SqlDialect& dialect = connection_.dialect();
+    if (!dialect.isServer() || dialect.isTransient(failure.error()) || table.empty()) {
         return false;
     }
     connection_.rollbackTransaction();
     isOpen_ = false;
+    ColumnStore::of(connection_).refresh();
     try {
         // No other transaction has our stamp.
         SqlText sql;
@@ -88,5 +92,11 @@ bool WriteTransaction::isStoredAfter(
                 stamp_ + ".",
             __FILE__, __LINE__, QSqlError::TransactionError);
     }
+}
+
+long long writes_so_far(DBIF_Connection& connection)
+{
+    const auto row = connection.prepare(SqlText("SELECT writes FROM database_info WHERE id = 1"));
+    return row->step() ? row->integer(0) : 0;
 }
 } // namespace dbif
