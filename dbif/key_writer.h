@@ -41,9 +41,13 @@ public:
         const std::string& what,
         StoredKeys* stored);
 
+    /// The keys that were defined, in that order.
+    [[nodiscard]] const std::vector<NewKey>& newKeys() const { return newKeys_; }
+
 private:
     RowStore& rows_;
     std::array<std::map<std::string, int>, kRecordTables.size()> ids_;
+    std::vector<NewKey> newKeys_;
 };
 
 /// Whether the key says that there is no value.

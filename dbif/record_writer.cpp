@@ -7,7 +7,6 @@
 #include "dbif/record_identity.h"
 #include "dbif/schema_names.h"
 #include "dbif/shared_records.h"
-#include "dbif/superseding.h"
 #include "dbif/write_transaction.h"
 
 #include <QtGlobal>
@@ -232,7 +231,7 @@ public:
     void commit()
     {
         rows_.flush();
-        supersede_setups(connection_, firstSetup_);
+        superseded_ = supersede_setups(connection_, firstSetup_);
         for (const auto& [id, context] : measurements_) {
             if (context.setups == 0) {
                 supersede_measurements(connection_, id, context.digest);
@@ -257,6 +256,7 @@ public:
     /// The setups of this transaction: identity to the label of its source.
     std::map<std::string, std::string> setups_;
     int firstSetup_ = 0;
+    std::vector<SupersededSetup> superseded_;
 
 private:
     [[noreturn]] static void throwMissing(RecordTable table, int id)
@@ -404,5 +404,15 @@ int RecordWriter::addPackedSetup(
 void RecordWriter::commit()
 {
     work_->commit();
+}
+
+const std::vector<NewKey>& RecordWriter::newKeys() const
+{
+    return work_->keys_.newKeys();
+}
+
+const std::vector<SupersededSetup>& RecordWriter::supersededSetups() const
+{
+    return work_->superseded_;
 }
 } // namespace dbif

@@ -3,6 +3,7 @@
 #include "dbif/connection.h"
 #include "dbif/packed_sweep.h"
 #include "dbif/record_values.h"
+#include "dbif/superseding.h"
 
 #include <QtGlobal>
 
@@ -57,6 +58,11 @@ public:
     /// Makes everything durable; collects statistics for the planner after many records. The writer
     /// is of no further use.
     void commit();
+
+    /// The keys that the database did not have, in the order in which they were written.
+    [[nodiscard]] const std::vector<NewKey>& newKeys() const;
+    /// The setups that were the latest of their identity until `commit`; none before it.
+    [[nodiscard]] const std::vector<SupersededSetup>& supersededSetups() const;
 
 private:
     class Work;

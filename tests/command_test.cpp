@@ -153,7 +153,8 @@ TEST_F(Command, WritesEveryFormat)
         sweep("a.csv", "# $DEVNAME = d\nIND.n,OUTS.t\n10,\"a, \"\"b\"\"\"\n9,\"x\ty\nz\"\n-1.5,\n");
     EXPECT_EQ(
         dbapi({"import", "lab", path, path}).talk,
-        "Imported 1 file into \"lab\": 1 setup, 3 points, 1 device.\n");
+        "Imported 1 file into \"lab\": 1 setup, 3 points, 1 device.\n"
+        "New keys: IND.n and OUTS.t (setup).\n");
     const Arguments both{"values", "lab", "n", "t", "-q", "$DEVNAME=d", "--format"};
     const auto written = [&both](const std::string& format) {
         Arguments arguments = both;
@@ -179,7 +180,7 @@ TEST_F(Command, PointsAtTheFault)
     dbapi(
         {"import", "lab",
          sweep(
-             "a.csv", "# DEVD.W = 5u\n# TECHS.process = p\n# CED.W = 1\n"
+             "a.csv", "# $DEVNAME = d\n# DEVD.W = 5u\n# TECHS.process = p\n# CED.W = 1\n"
                       "# Key(S11,measurement,COMPLEX) = 1j\n"
                       "# MED.length = 1\nOUTD.ID\n1\n")});
 
@@ -232,11 +233,11 @@ TEST_F(Command, PointsAtTheFault)
 
 TEST_F(Command, NamesTheConnectionWhoseDatabaseRefusesAnImport)
 {
-    dbapi({"import", "lab", sweep("a.csv", "# $APP = t\nOUTD.a\n1\n")});
+    dbapi({"import", "lab", sweep("a.csv", "# $DEVNAME = d\nOUTD.a\n1\n")});
     run_on_file(
         database,
         "CREATE TRIGGER refuses BEFORE INSERT ON setup BEGIN SELECT RAISE(ABORT, 'closed'); END");
-    const Outcome outcome = dbapi({"import", "lab", sweep("b.csv", "# $APP = t\nOUTD.a\n1\n")});
+    const Outcome outcome = dbapi({"import", "lab", sweep("b.csv", "# $DEVNAME = d\nOUTD.a\n1\n")});
     EXPECT_EQ(outcome.code, 4);
     EXPECT_EQ(
         outcome.talk,
@@ -248,7 +249,7 @@ TEST_F(Command, ImportsAllOrNothing)
 {
     const std::string good = sweep("a.csv", "# $LOT = x\n# $DEVNAME = d\n# $APP = t\nOUTD.a\n1\n");
     const std::string bad = sweep("b.csv", "# $APP = t\nOUTD.a\nx\n1,2\n");
-    const std::string other = sweep("c.csv", "# $APP = u\nOUTD.a\n1\n");
+    const std::string other = sweep("c.csv", "# $DEVNAME = c\n# $APP = u\nOUTD.a\n1\n");
     const std::string same = sweep("d.csv", test_support::read_file(good));
     const Outcome failed = dbapi({"import", "lab", folder.file("sweeps")});
     EXPECT_EQ(failed.code, 4);
@@ -286,9 +287,41 @@ TEST_F(Command, ImportsAllOrNothing)
                   "leave it empty for 'no value'.\ndbapi: ... and 180 more faults.\n"));
 }
 
+TEST_F(Command, TellsWhatAnImportSupersedes)
+{
+    const std::string first = sweep("first.csv", "IND.Vg,OUTD.Id\n0,1\n");
+    const std::string second = sweep("second.csv", "IND.Vg,OUTD.Id\n0,2\n");
+    const Outcome refused = dbapi({"import", "lab", first});
+    EXPECT_EQ(refused.code, 4);
+    EXPECT_THAT(
+        refused.talk,
+        StartsWith(
+            "dbapi: " + first +
+            ": It names no device, so it would supersede any other such sweep of the same routine, "
+            "condition and name. Add a line above the header row, like \"# $DEVNAME = nmos1\".\n"));
+    EXPECT_THAT(refused.talk, HasSubstr("With --allow-anonymous, files need not name a device."));
+    const std::string imported = "Imported 1 file into \"lab\": 1 setup, 1 point, 0 devices.\n";
+    EXPECT_EQ(
+        dbapi({"import", "lab", first, "--allow-anonymous"}).talk,
+        imported + "New keys: IND.Vg and OUTD.Id (setup).\n");
+    EXPECT_EQ(
+        dbapi({"import", "lab", second, "--allow-anonymous"}).talk,
+        imported + "This supersedes 1 earlier setup: no device (" + second +
+            "). Queries find it with \"ALLDATA:\" only.\n");
+
+    const std::string named = "# $DEVNAME = d\n# DEVD.W = 1\nIND.Vg,OUTD.Id,OUTX.s\n0,3,1j\n";
+    EXPECT_THAT(
+        dbapi({"import", "lab", sweep("a.csv", named)}).talk,
+        HasSubstr("1 device.\nNew keys: W (device); OUTX.s (setup).\n"));
+    const std::string repeated = sweep("b.csv", named);
+    EXPECT_THAT(
+        dbapi({"import", "lab", repeated}).talk,
+        HasSubstr("1 device.\nThis supersedes 1 earlier setup: d (" + repeated + ")."));
+}
+
 TEST_F(Command, ShortensTablesAndColoursOnATerminalOnly)
 {
-    std::string rows = "IND.n\n";
+    std::string rows = "# $DEVNAME = d\nIND.n\n";
     for (int row = 1; row <= 100; ++row) {
         rows += std::to_string(row) + "\n";
     }

@@ -20,7 +20,7 @@ protected:
         dbapi(
             {"import", "lab",
              sweep(
-                 "a.csv", "# DEVD.W = 5u\n# CED.W = 1\n# DEVD.L = 1u\n# MED.vth = 1\n"
+                 "a.csv", "# $DEVNAME = d\n# DEVD.W = 5u\n# CED.W = 1\n# DEVD.L = 1u\n# MED.vth = 1\n"
                           "\"Key(it's $x,setup,DOUBLE,INPUT)\",OUTD.ID\n1,2\n")});
     }
 

@@ -94,7 +94,7 @@ TEST_F(PlotOutput, DrawsImagesWithGnuplot)
 
 TEST_F(PlotOutput, ExplainsWhatItCannotDraw)
 {
-    dbapi({"import", "lab", sweep("a.csv", "IND.v,OUTD.i,OUTS.t\n0,1,a\n")});
+    dbapi({"import", "lab", sweep("a.csv", "# $DEVNAME = d\nIND.v,OUTD.i,OUTS.t\n0,1,a\n")});
     const auto talkOf = [&](Arguments arguments) {
         arguments.insert(arguments.begin(), {"values", "lab"});
         const Outcome outcome = dbapi(arguments);
