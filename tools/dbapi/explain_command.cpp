@@ -4,8 +4,10 @@
 #include "dbapi/query_terms.h"
 #include "dbapi/text_rules.h"
 #include "dbif/column_store.h"
+#include "dbif/host_string.h"
 #include "dbif/table_graph.h"
 
+#include "tools/dbapi/call_failure.h"
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/data_output.h"
 #include "tools/dbapi/explanation_json.h"
@@ -130,7 +132,10 @@ Explanation explain(const DataRequest& request)
 
     // The read finds nothing prepared: neither condition nor keys.
     dbif::ColumnStore::of(connection).refresh();
-    explanation.read = explain_read(connection, request, explanation.table);
+    std::string errors;
+    if (!explain_read(connection, request, explanation.table, &explanation.read, &errors)) {
+        throw_call_failure(request, errors);
+    }
 
     RecordCounter counter(connection, explanation.table, explanation.latestOnly);
     explanation.records = counter.count(nullptr).records;
@@ -140,7 +145,10 @@ Explanation explain(const DataRequest& request)
             : explanation.records;
     if (!query.empty()) {
         explanation.tree =
-            explain_tree(connection, query, explanation.keys, explanation.latestOnly);
+            explain_tree(connection, query, explanation.keys, explanation.latestOnly, &errors);
+        if (!explanation.tree.has_value()) {
+            throw CommandFailure(ExitCode::WrongUsage, dbif::trimmed(errors));
+        }
         counter.countTree(&*explanation.tree);
     }
     explanation.whyLatest = why_latest(explanation);
@@ -161,7 +169,8 @@ ExitCode show_explanation(const ExplainOptions& options)
         options.format == ExplainFormat::Json
             ? explanation_json(explanation)
             : explanation_text(
-                  explanation, is_terminal(stdout) ? terminal_size(stdout).columns : kUsualWidth));
+                  explanation, is_terminal(stdout) ? terminal_size(stdout).columns : kUsualWidth,
+                  shows_colours(stdout)));
     return ExitCode::Done;
 }
 } // namespace

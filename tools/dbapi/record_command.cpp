@@ -1,6 +1,7 @@
 #include "dbapi/db_records.h"
 
 #include "tools/dbapi/call_failure.h"
+#include "tools/dbapi/column_contents.h"
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/data_output.h"
 #include "tools/dbapi/request_arguments.h"
@@ -36,14 +37,15 @@ ExitCode show_record(RecordOptions options)
     }
     const bool isEmpty = values.empty();
     const std::string id = std::to_string(options.id);
-    write_data(
-        {{{"connection", request.connection},
-          {"table", options.table},
-          {"id", id},
-          {"query", request.query}},
-         "",
-         {{options.keyword, std::move(values)}}},
-        options.output);
+    DataTable table{
+        {{"connection", request.connection},
+         {"table", options.table},
+         {"id", id},
+         {"query", request.query}},
+        "",
+        {{options.keyword, std::move(values)}}};
+    set_contents(request.connection, options.output, &table);
+    write_data(table, options.output);
     if (isEmpty) {
         tell_error(
             "nothing found: the " + options.table + " with id " + id + " has no value of " +

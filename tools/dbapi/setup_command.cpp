@@ -2,6 +2,7 @@
 #include "dbapi/db_setup.h"
 
 #include "tools/dbapi/call_failure.h"
+#include "tools/dbapi/column_contents.h"
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/data_output.h"
 #include "tools/dbapi/request_arguments.h"
@@ -60,6 +61,7 @@ ExitCode show_setup(const SetupOptions& options)
     for (std::size_t i = 0; i < keys.size(); ++i) {
         table.columns.push_back({keys[i], std::move(values[i])});
     }
+    set_contents(options.connection, options.output, &table);
     write_data(table, options.output);
     return ExitCode::Done;
 }

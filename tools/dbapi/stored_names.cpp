@@ -7,7 +7,6 @@
 #include "dbui/connection_registry.h"
 #include "dbui/connections_path.h"
 
-#include "tools/dbapi/command_failure.h"
 #include "tools/dbapi/nearest_text.h"
 
 #include <filesystem>
@@ -21,8 +20,8 @@ std::set<std::string> stored_names()
     dbui_get_connection_names(&names, &error);
     std::error_code ignored;
     if (!error.empty() && std::filesystem::exists(dbui_connections_file(), ignored)) {
-        throw CommandFailure(
-            ExitCode::Connection,
+        throw ConnectionFailure(
+            ConnectionFailure::Reason::NoConnection,
             dbif::trimmed(error) + "\nMake it readable for you, or correct it: it has to be XML. "
                                    "Moved away, it is begun anew by dbapi connection add.");
     }
@@ -46,7 +45,7 @@ DbuiConnection stored_connection(const std::string& name)
             text += "\n  " + stored;
         }
     }
-    throw CommandFailure(ExitCode::Connection, text);
+    throw ConnectionFailure(ConnectionFailure::Reason::NoConnection, text);
 }
 
 DBIF_Connection open_stored(const std::string& name)
@@ -55,13 +54,14 @@ DBIF_Connection open_stored(const std::string& name)
     DBIF_Connection connection = dbui::blank_connection();
     std::string error;
     if (!dbui_make_dbif_connection_object_by_name(name, &connection, &error)) {
-        throw CommandFailure(
-            ExitCode::Data, "the connection " + dbapi::quoted(name) +
-                                " opens, but its database cannot be used. " + dbif::trimmed(error));
+        throw ConnectionFailure(
+            ConnectionFailure::Reason::NoDatabase, "the connection " + dbapi::quoted(name) +
+                                                       " opens, but its database cannot be used. " +
+                                                       dbif::trimmed(error));
     }
     if (!connection.isValid()) {
-        throw CommandFailure(
-            ExitCode::Connection,
+        throw ConnectionFailure(
+            ConnectionFailure::Reason::NoConnection,
             "the connection " + dbapi::quoted(name) + " does not open. " +
                 dbif::trimmed(convert_sql_error_to_string(connection.lastError()).str()) +
                 "\nWhat keeps it from opening: dbapi connection test " + name);

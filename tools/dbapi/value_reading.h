@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/dbapi/call_failure.h"
+#include "tools/dbapi/data_request.h"
 
 #include <string>
 #include <vector>

@@ -1,0 +1,22 @@
+#include "tools/dbapi/column_contents.h"
+
+#include "tools/dbapi/data_output.h"
+#include "tools/dbapi/known_keys.h"
+#include "tools/dbapi/stored_names.h"
+
+namespace dbapi::tool {
+void set_contents(const std::string& connection, const OutputOptions& options, DataTable* table)
+{
+    if (!is_typed(chosen_format(options))) {
+        return;
+    }
+    KnownKeys keys(open_stored(connection));
+    for (DataColumn& column : table->columns) {
+        const std::optional<dbif::ValueKind> kind = keys.kindOf(column.heading);
+        if (kind.has_value()) {
+            column.content = *kind == dbif::ValueKind::Double ? DataColumn::Content::Numbers
+                                                              : DataColumn::Content::Texts;
+        }
+    }
+}
+} // namespace dbapi::tool

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace dbapi::tool {
+/// One column of data, as text.
+struct DataColumn
+{
+    /// What the texts are: words of the program, texts of a database, or its numbers, of both of
+    /// which an empty one is 'no value'.
+    enum class Content { Words, Texts, Numbers };
+
+    std::string heading;
+    std::vector<std::string> values;
+    Content content = Content::Words;
+};
+
+/// Data in columns of equal length.
+struct DataTable
+{
+    /// Written into JSON before the data: what was asked.
+    std::vector<std::pair<std::string, std::string>> asked;
+    /// In JSON the data is one list of columns, {"columns": [{"keyword": ..., "values": [...]}]},
+    /// or, where this is given, a list of that name with an object per row.
+    std::string rowsName;
+    std::vector<DataColumn> columns;
+
+    [[nodiscard]] std::size_t rows() const
+    {
+        return columns.empty() ? 0 : columns.front().values.size();
+    }
+};
+} // namespace dbapi::tool
