@@ -9,7 +9,6 @@
 #include "dbif/connection/traced_connection.h"
 #include "dbif/host/host_string.h"
 #include "dbif/retrieval/query_run.h"
-#include "dbsuggest/command_failure.h"
 
 #include <algorithm>
 
@@ -43,12 +42,16 @@ public:
         KTString error;
         explained.condition = condition_of(connection_, node, resolved_, &error);
         if (explained.condition == nullptr) {
-            throw CommandFailure(ExitCode::WrongUsage, dbif::trimmed(error.str()));
+            error_ = error_.value_or(dbif::trimmed(error.str()));
+            return explained;
         }
         explained.isOnPoints = dbif::is_decided_on_points(explained.condition.get());
         explained.text = textOf(node);
         return explained;
     }
+
+    /// Why the first term that no condition can be made of is wrong; nothing when all are right.
+    [[nodiscard]] const std::optional<std::string>& error() const { return error_; }
 
 private:
     [[nodiscard]] std::string textOf(const QueryNode& node) const
@@ -81,6 +84,7 @@ private:
     DBIF_Connection& connection_;
     const std::map<std::string, std::set<std::string>>& resolved_;
     const std::vector<KeyExplanation>& keys_;
+    std::optional<std::string> error_;
 };
 
 std::size_t count_nodes(const NodeExplanation& tree)
@@ -102,22 +106,28 @@ std::string query_without_command(const std::string& query)
                : dbif::trimmed(query);
 }
 
-NodeExplanation explain_tree(
+std::optional<NodeExplanation> explain_tree(
     DBIF_Connection& connection,
     const std::string& query,
     const std::vector<KeyExplanation>& keys,
-    bool latestOnly)
+    bool latestOnly,
+    std::string* error)
 {
     const auto tree = parse_query_syntax(query, false);
     std::set<std::string> terms;
-    std::string error;
     std::map<std::string, std::set<std::string>> resolved;
-    if (!collect_term_keywords(*tree, &terms, &error) ||
+    if (!collect_term_keywords(*tree, &terms, error) ||
         !resolve_set_of_keywords_by_definition(
-            connection, terms, &resolved, nullptr, latestOnly, &error)) {
-        throw CommandFailure(ExitCode::WrongUsage, dbif::trimmed(error));
+            connection, terms, &resolved, nullptr, latestOnly, error)) {
+        return std::nullopt;
     }
-    return TreeExplainer(connection, resolved, keys).explain(*tree);
+    TreeExplainer explainer(connection, resolved, keys);
+    NodeExplanation explained = explainer.explain(*tree);
+    if (explainer.error().has_value()) {
+        *error = *explainer.error();
+        return std::nullopt;
+    }
+    return explained;
 }
 
 KeptCount RecordCounter::count(const DBIF_QueryCondition* condition)

@@ -3,6 +3,7 @@
 #include "dbexplain/explanation.h"
 #include "dbif/connection/connection.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,12 +12,14 @@ namespace dbapi::tool {
 std::string query_without_command(const std::string& query);
 
 /// Explains the tree of a query (not an empty one) that the library has accepted, without what it
-/// keeps. `keys` has the keywords of its terms.
-NodeExplanation explain_tree(
+/// keeps. `keys` has the keywords of its terms. Nothing, with the library's error text, for a query
+/// that the library refuses.
+std::optional<NodeExplanation> explain_tree(
     DBIF_Connection& connection,
     const std::string& query,
     const std::vector<KeyExplanation>& keys,
-    bool latestOnly);
+    bool latestOnly,
+    std::string* error);
 
 /// Counts what conditions keep of one table.
 class RecordCounter

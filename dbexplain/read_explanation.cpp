@@ -28,29 +28,31 @@ bool read(
 }
 } // namespace
 
-ReadExplanation
-explain_read(const DBIF_Connection& connection, const DataRequest& request, dbif::RecordTable table)
+bool explain_read(
+    const DBIF_Connection& connection,
+    const DataRequest& request,
+    dbif::RecordTable table,
+    ReadExplanation* explanation,
+    std::string* errors)
 {
-    ReadExplanation explanation;
     dbif::ReadTrace trace(dbif::ReadTrace::Plans::Read);
-    std::string errors;
     bool isRead = false;
     {
         const dbif::TracedConnection traced(connection, &trace);
         const dbif::TraceStep whole(&trace, "everything else");
-        isRead = read(request, table, &explanation.rows, &errors);
+        isRead = read(request, table, &explanation->rows, errors);
     }
     if (!isRead) {
-        throw_call_failure(request, errors);
+        return false;
     }
-    explanation.steps = trace.steps();
-    explanation.statements = trace.statements();
+    explanation->steps = trace.steps();
+    explanation->statements = trace.statements();
     if (trace.pointDecisions() > 0) {
-        explanation.points = trace.points();
+        explanation->points = trace.points();
     }
-    for (const dbif::TracedStep& step : explanation.steps) {
-        explanation.seconds += step.seconds;
+    for (const dbif::TracedStep& step : explanation->steps) {
+        explanation->seconds += step.seconds;
     }
-    return explanation;
+    return true;
 }
 } // namespace dbapi::tool

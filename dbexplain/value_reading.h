@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbsuggest/call_failure.h"
+#include "dbsuggest/data_request.h"
 
 #include <string>
 #include <vector>

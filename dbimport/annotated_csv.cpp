@@ -24,6 +24,8 @@ constexpr std::size_t kCellBytes = 1U << 12U;
 /// A row that is longer is no part of a sweep; most likely a quote is open.
 constexpr std::size_t kLongestRow = 1U << 26U;
 constexpr std::size_t kLongestAnnotation = 1U << 20U;
+/// What is no text shows in so many bytes.
+constexpr std::size_t kTellingBytes = 16;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 /// The length of the first line of a text, with its line end; 0 when the text may not hold all of
@@ -41,14 +43,14 @@ std::size_t line_length(std::string_view text, bool isLast)
     return end + (text.substr(end, 2) == "\r\n" ? 2 : 1);
 }
 
-/// An open file, which is read without a buffer in between.
+/// An open file, which is read without a buffer in between. To open a pipe waits for nobody.
 class InputFile
 {
     Q_DISABLE_COPY_MOVE(InputFile)
 
 public:
     explicit InputFile(const std::string& path)
-        : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) // NOLINT(*-vararg)
+        : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) // NOLINT(*-vararg)
     {}
 
     ~InputFile()
@@ -105,6 +107,8 @@ private:
 
     /// Takes complete lines from the head of `pending_`, as long as they are annotations or blank.
     void readAnnotations(bool isLast);
+    /// Whether a file that begins like this may be text; stops when it is none.
+    bool isText(std::string_view begin);
     void startRows();
     void addRows(std::string_view block);
     void stop(std::size_t line, std::string reason);
@@ -139,8 +143,23 @@ void* FileReader::grow(void* room, std::size_t size)
     return std::realloc(room, std::bit_ceil(size)); // NOLINT(*-no-malloc): as the parser frees it
 }
 
+bool FileReader::isText(std::string_view begin)
+{
+    if (begin.substr(0, kTellingBytes).find('\0') == std::string_view::npos) {
+        return true;
+    }
+    stop(
+        0, begin.starts_with("\xFF\xFE") || begin.starts_with("\xFE\xFF")
+               ? "The file is UTF-16. Save it as UTF-8."
+               : "The file is no text, so no annotated CSV either.");
+    return false;
+}
+
 void FileReader::add(std::string_view block)
 {
+    if (isAtStart_ && pending_.empty() && !isText(block)) {
+        return;
+    }
     if (rows_ != nullptr) {
         addRows(block);
         return;
@@ -268,6 +287,12 @@ AnnotatedCsv read_annotated_csv(const std::string& path, const ReadProgress& pro
     }
     if (S_ISDIR(status.st_mode)) {
         return giveUp(EISDIR);
+    }
+    if (!S_ISREG(status.st_mode)) {
+        csv.isUnreadable = true;
+        csv.faults.add(
+            0, "This is no regular file but a pipe or device, which cannot be imported.");
+        return csv;
     }
     const std::size_t blockBytes = block_bytes(status.st_size);
     // NOLINTNEXTLINE(modernize-avoid-c-arrays)

@@ -115,8 +115,8 @@ void AnnotationReader::addLine(std::size_t line, const std::string& text)
     const std::string keyword = dbif::trimmed(content.substr(0, equals));
     if (equals == std::string::npos || keyword.empty()) {
         faults_->add(
-            line, dbapi::quoted(text) + " is no annotation. Write \"# KEYWORD = VALUE\", like "
-                                        "\"# $DEVNAME = nmos1\".");
+            line, quoted_beginning(text) + " is no annotation. Write \"# KEYWORD = VALUE\", like "
+                                           "\"# $DEVNAME = nmos1\".");
         return;
     }
     addKeyword(line, keyword, dbif::trimmed(content.substr(equals + 1)));
@@ -135,7 +135,7 @@ void AnnotationReader::addKeyword(
         std::set<std::string> builtins;
         db_get_builtin_keynames(&builtins);
         faults_->add(
-            line, dbapi::quoted(keyword) + " is no builtin keyname." +
+            line, quoted_beginning(keyword) + " is no builtin keyname." +
                       suggestion(nearest_texts(keyword, builtins, 3)));
     } else {
         addKey(line, keyword, value);
@@ -197,15 +197,16 @@ void AnnotationReader::addKey(
     }
     if (db_is_vanto_builtin_keyname(key.name)) {
         faults_->add(
-            line, dbapi::quoted(keyword) + " has a table or attributes, but the builtin keyname " +
-                      key.name + " stands alone. Write it so.");
+            line, quoted_beginning(keyword) +
+                      " has a table or attributes, but the builtin keyname " + key.name +
+                      " stands alone. Write it so.");
         return;
     }
     std::string datatype;
     dbapi_extract_category_datatype_attributes(attributes, &key.category, &datatype);
     const std::string fault = fault_of_key(key.name, table, key.category, datatype);
     if (!fault.empty()) {
-        faults_->add(line, dbapi::quoted(keyword) + " defines no key. " + fault);
+        faults_->add(line, quoted_beginning(keyword) + " defines no key. " + fault);
         return;
     }
     key.kind = *dbif::value_kind(dbif::to_qt(datatype));

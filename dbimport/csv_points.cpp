@@ -128,7 +128,7 @@ void SweepRows::makeColumn(const std::string& keyword)
             dbif::column_key(column.isInput ? "IN" : "OUT", column.values.kind, column.name);
         const auto [first, isNew] = columnOf_.emplace(key, columns_.size() + 1);
         if (!isNew) {
-            reason = dbapi::quoted(keyword) + " is column " + std::to_string(first->second) +
+            reason = quoted_beginning(keyword) + " is column " + std::to_string(first->second) +
                      " already. Leave one out, or rename it.";
         }
     }

@@ -13,16 +13,27 @@ struct FileFault
     std::string text;
 };
 
-/// The faults of one file. All are counted, but only the first ones kept: a file of a million bad
-/// lines must not fill the memory.
+/// The faults of one file. All are counted, but only the first ones are kept, and long ones are
+/// cut: a file of a million bad lines must fill neither the memory nor the screen.
 class FileFaults
 {
 public:
     static constexpr std::size_t kMostKept = 50;
+    /// In bytes, of one fault.
+    static constexpr std::size_t kLongestText = 600;
 
     void add(std::size_t line, std::string text)
     {
         if (wantsNext()) {
+            // A key name out of a file may be of any length.
+            if (text.size() > kLongestText) {
+                std::size_t end = kLongestText;
+                while ((static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U && end > 0) {
+                    --end;
+                }
+                text.resize(end);
+                text += "...";
+            }
             kept_.push_back({line, std::move(text)});
         } else {
             countOnly();

@@ -35,6 +35,14 @@ std::map<std::string, std::string> catalogue_texts(const CatalogEntryParts& entr
     return texts;
 }
 
+/// Whether the file tells its device from others. What it is made on alone does not.
+bool names_device(const Annotations& annotations)
+{
+    const dbif::DeviceFields& device = annotations.device.fields;
+    return device.name.has_value() || device.parent_subsite_name.has_value() ||
+           device.position_within_subsite.has_value();
+}
+
 /// A record that the last file named; the next one often names it again.
 template <typename Fields>
 struct SharedRecord
@@ -51,7 +59,9 @@ struct SharedRecord
 class Import
 {
 public:
-    explicit Import(DBIF_Connection connection) : connection_(std::move(connection)) {}
+    Import(DBIF_Connection connection, const ImportOptions& options)
+        : connection_(std::move(connection)), options_(options)
+    {}
 
     void add(const std::string& file, const ReadSweep& sweep);
     ImportResult finish();
@@ -63,9 +73,13 @@ private:
     int routineOf(const Annotations& annotations);
     /// Whether the file says the same of the catalogue entry as the files before it.
     bool isOneEntry(const std::string& file, const Annotations& annotations);
+    /// Whether the file says which device it belongs to, or need not.
+    bool hasDevice(const std::string& file, const Annotations& annotations);
     void addFault(const std::string& file, std::size_t line, const std::string& text);
+    void noteEffects();
 
     DBIF_Connection connection_;
+    ImportOptions options_;
     /// Made for the first file that is read, so that other writers wait as little as possible.
     std::optional<dbif::RecordWriter> writer_;
     int catalogEntry_ = 0;
@@ -76,6 +90,8 @@ private:
     SharedRecord<dbif::DeviceFields> lastDevice_;
     SharedRecord<dbif::RoutineFields> lastRoutine_;
     std::set<int> devices_;
+    /// The sweep of each new setup.
+    std::map<int, SupersedingSweep> sweeps_;
     ImportResult result_;
 };
 
@@ -89,7 +105,8 @@ void Import::add(const std::string& file, const ReadSweep& sweep)
         addFault(file, fault.line, fault.text);
     }
     result_.faultCount = before + csv.faults.count();
-    if (csv.faults.isEmpty() && isOneEntry(file, csv.annotations)) {
+    if (csv.faults.isEmpty() && hasDevice(file, csv.annotations) &&
+        isOneEntry(file, csv.annotations)) {
         storeUnlessRefused(file, sweep);
     }
     result_.faultyFiles += result_.faultCount > before ? 1 : 0;
@@ -109,6 +126,19 @@ void Import::storeUnlessRefused(const std::string& file, const ReadSweep& sweep)
         }
         addFault(file, 0, dbif::trimmed(convert_sql_error_to_string(exception.error()).str()));
     }
+}
+
+bool Import::hasDevice(const std::string& file, const Annotations& annotations)
+{
+    if (options_.allowsAnonymous || names_device(annotations)) {
+        return true;
+    }
+    ++result_.anonymousFiles;
+    addFault(
+        file, 0,
+        "It names no device, so it would supersede any other such sweep of the same routine, "
+        "condition and name. Add a line above the header row, like \"# $DEVNAME = nmos1\".");
+    return false;
 }
 
 bool Import::isOneEntry(const std::string& file, const Annotations& annotations)
@@ -200,9 +230,23 @@ void Import::store(const std::string& file, const ReadSweep& sweep)
     const int condition = writer_->addCondition(
         writer_->addMeasurement(measurement), annotations.condition.fields,
         annotations.condition.keys);
-    writer_->addPackedSetup(condition, annotations.setup.fields, sweep.columns, file);
+    const int setup =
+        writer_->addPackedSetup(condition, annotations.setup.fields, sweep.columns, file);
+    sweeps_[setup] = {file, annotations.device.fields.name.value_or("")};
     ++result_.setups;
     result_.points += sweep.csv.points;
+}
+
+void Import::noteEffects()
+{
+    result_.newKeys = writer_->newKeys();
+    result_.supersededSetups = writer_->supersededSetups().size();
+    int last = 0;
+    for (const dbif::SupersededSetup& superseded : writer_->supersededSetups()) {
+        if (superseded.newSetup != std::exchange(last, superseded.newSetup)) {
+            result_.superseding.push_back(sweeps_.at(superseded.newSetup));
+        }
+    }
 }
 
 ImportResult Import::finish()
@@ -210,6 +254,7 @@ ImportResult Import::finish()
     result_.devices = devices_.size();
     if (result_.faultCount == 0 && writer_.has_value()) {
         writer_->commit();
+        noteEffects();
     }
     return std::move(result_);
 }
@@ -218,12 +263,13 @@ ImportResult Import::finish()
 ImportResult import_sweeps(
     const DBIF_Connection& connection,
     const std::vector<std::string>& files,
-    const ReadProgress& progress)
+    const ReadProgress& progress,
+    const ImportOptions& options)
 {
     ImportResult result;
     // Repeated from the first file on: a transaction that fails takes all of them with it.
     dbif::write_with_retries(connection, [&] {
-        Import import(connection);
+        Import import(connection, options);
         SweepReadAhead sweeps(files, progress);
         for (const std::string& file : files) {
             import.add(file, sweeps.next());

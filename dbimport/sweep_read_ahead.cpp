@@ -49,11 +49,8 @@ SweepReadAhead::SweepReadAhead(const std::vector<std::string>& files, ReadProgre
         std::generate_n(std::back_inserter(threads_), count, [this] {
             return std::thread(&SweepReadAhead::readFiles, this);
         });
-    } catch (const std::system_error&) {
-        if (threads_.empty()) {
-            throw;
-        }
-        // Fewer do as well.
+    } catch (const std::system_error&) { // NOLINT(bugprone-empty-catch)
+        // The system has no more threads: those that there are read, or `next` itself does.
     }
 }
 
@@ -71,6 +68,9 @@ SweepReadAhead::~SweepReadAhead()
 
 ReadSweep SweepReadAhead::next()
 {
+    if (threads_.empty()) {
+        return read_sweep(files_[toTake_++], progress_);
+    }
     std::unique_lock lock(mutex_);
     bytesAhead_ -= std::exchange(bytesTaken_, 0);
     const auto isRead = [this] {

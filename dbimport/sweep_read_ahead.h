@@ -25,7 +25,8 @@ struct ReadSweep
 
 /// Reads files of annotated CSV in threads of its own, ahead of the thread that stores them, which
 /// takes them in their order. What was read and not taken yet is limited in number and bytes; only
-/// a file that is waited for is read whole whatever its size.
+/// a file that is waited for is read whole whatever its size. Where no thread can be started, each
+/// file is read when it is taken.
 class SweepReadAhead
 {
     Q_DISABLE_COPY_MOVE(SweepReadAhead)

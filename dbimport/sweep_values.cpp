@@ -19,31 +19,19 @@ bool refuse(std::string* reason, std::string text)
     return false;
 }
 
-/// The beginning of a long text is enough to find it in its file.
-std::string shown(std::string_view text)
-{
-    constexpr std::size_t kMostShown = 60;
-    if (text.size() <= kMostShown) {
-        return dbapi::quoted(text);
-    }
-    std::size_t end = kMostShown;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
-        --end;
-    }
-    return dbapi::quoted(std::string(text.substr(0, end)) + "...");
-}
-
 /// What is wrong with a text that is no value of a kind.
 std::string no_value_of(dbif::ValueKind kind, std::string_view text)
 {
     switch (kind) {
     case dbif::ValueKind::Complex:
-        return shown(text) + " is no complex number. Write one like 1.5-2j.";
+        return quoted_beginning(text) + " is no complex number. Write one like 1.5-2j.";
     case dbif::ValueKind::Matrix:
-        return shown(text) + " is no complex matrix. Write one like [[1+0j, 0.5j], [0.5j, 1+0j]].";
+        return quoted_beginning(text) +
+               " is no complex matrix. Write one like [[1+0j, 0.5j], [0.5j, 1+0j]].";
     default:
-        return shown(text) + " is no finite number. Write one like -1.5e-9 or 0.15u, or leave it "
-                             "empty for 'no value'.";
+        return quoted_beginning(text) +
+               " is no finite number. Write one like -1.5e-9 or 0.15u, or leave it "
+               "empty for 'no value'.";
     }
 }
 
@@ -113,6 +101,20 @@ std::string spellings_of(const std::string& name)
 }
 } // namespace
 
+std::string quoted_beginning(std::string_view text)
+{
+    // Enough to find it in its file.
+    constexpr std::size_t kMostShown = 60;
+    if (text.size() <= kMostShown) {
+        return dbapi::quoted(text);
+    }
+    std::size_t end = kMostShown;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
+        --end;
+    }
+    return dbapi::quoted(std::string(text.substr(0, end)) + "...");
+}
+
 bool set_key_value(const std::string& text, dbif::KeyValue* key, std::string* reason)
 {
     std::complex<double> number;
@@ -150,7 +152,7 @@ bool make_sweep_column(const std::string& keyword, dbif::SetupColumn* column, st
     }
     if (name.empty() || name.front() == '$' || (!table.empty() && table != "setup")) {
         return refuse(
-            reason, dbapi::quoted(keyword) +
+            reason, quoted_beginning(keyword) +
                         " is no key of a setup, which is what columns hold. "
                         "Columns are named like IND.VG (an input) or OUTD.ID (an "
                         "output).");
@@ -162,8 +164,8 @@ bool make_sweep_column(const std::string& keyword, dbif::SetupColumn* column, st
     const std::optional<dbif::ValueKind> kind = dbif::value_kind(dbif::to_qt(datatype));
     if (!dbapi_is_category_input(category, &column->isInput, &isOutput) || !kind) {
         return refuse(
-            reason,
-            dbapi::quoted(keyword) + " does not say what the column holds. " + spellings_of(name));
+            reason, quoted_beginning(keyword) + " does not say what the column holds. " +
+                        spellings_of(name));
     }
     column->name = name;
     column->values.kind = *kind;
@@ -213,7 +215,7 @@ bool is_key_name(const std::string& name, std::string* reason)
                           dbif::upper_case(name).find("KEY(") == std::string::npos;
     return (!name.empty() && isTrimmed && isSimple) ||
            refuse(
-               reason, "The key name " + dbapi::quoted(name) +
+               reason, "The key name " + quoted_beginning(name) +
                            (name.empty() ? " is empty. Give the key a name."
                             : !isTrimmed ? " begins or ends with a blank. Remove it."
                                          : " holds a comma or \"KEY(\". Choose another name."));

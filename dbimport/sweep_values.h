@@ -42,6 +42,9 @@ bool make_sweep_column(const std::string& keyword, dbif::SetupColumn* column, st
 bool append_value(std::string_view cell, dbif::SweepArray* values, std::string* reason);
 void append_no_value(dbif::SweepArray* values);
 
+/// The text in quotes for a message, only its beginning when it is long.
+std::string quoted_beginning(std::string_view text);
+
 /// Whether keys can have the name; `reason` says why not.
 bool is_key_name(const std::string& name, std::string* reason);
 

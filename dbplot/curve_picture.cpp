@@ -4,6 +4,7 @@
 #include "dbplot/axis_ticks.h"
 
 #include <algorithm>
+#include <map>
 #include <numeric>
 #include <set>
 #include <tuple>
@@ -17,6 +18,16 @@ constexpr std::size_t kLongName = 24;
 /// Curves differ in their dashes by a parameter with at most so many values.
 constexpr std::size_t kMostDashes = 4;
 
+/// Gives each key its place in the order.
+template <typename Key>
+void number_in_order(std::map<Key, std::size_t>* places)
+{
+    std::size_t next = 0;
+    for (auto& [key, place] : *places) {
+        place = next++;
+    }
+}
+
 /// The values of a parameter, as places in their order: numbers by size, texts by their bytes, none
 /// first.
 std::vector<std::size_t> ranks_of(const CurveSet& set, std::size_t parameter)
@@ -27,14 +38,14 @@ std::vector<std::size_t> ranks_of(const CurveSet& set, std::size_t parameter)
         const bool isNumber = set.parameters[parameter].isNumber && !text.empty();
         return Place{!text.empty(), isNumber ? dbif::read_engineering_number(text) : 0, text};
     };
-    std::set<Place> places;
+    std::map<Place, std::size_t> places;
     for (const Curve& curve : set.curves) {
-        places.insert(placeOf(curve));
+        places[placeOf(curve)];
     }
+    number_in_order(&places);
     std::vector<std::size_t> ranks;
     for (const Curve& curve : set.curves) {
-        ranks.push_back(
-            static_cast<std::size_t>(std::distance(places.begin(), places.find(placeOf(curve)))));
+        ranks.push_back(places[placeOf(curve)]);
     }
     return ranks;
 }
@@ -119,7 +130,7 @@ void style_series(
     std::vector<Picture::Series>* series)
 {
     const std::size_t dashed = dashed_parameter(telling);
-    std::set<std::vector<std::size_t>> colours;
+    std::map<std::vector<std::size_t>, std::size_t> colours;
     const auto colourOf = [&](std::size_t curve) {
         std::vector<std::size_t> ranks = telling.ranksOf(curve);
         if (dashed < ranks.size()) {
@@ -128,11 +139,11 @@ void style_series(
         return ranks;
     };
     for (const std::size_t curve : order) {
-        colours.insert(colourOf(curve));
+        colours[colourOf(curve)];
     }
+    number_in_order(&colours);
     for (std::size_t i = 0; i < order.size(); ++i) {
-        const auto place = std::distance(colours.begin(), colours.find(colourOf(order[i])));
-        (*series)[i].colour = static_cast<double>(place) /
+        (*series)[i].colour = static_cast<double>(colours[colourOf(order[i])]) /
                               static_cast<double>(std::max<std::size_t>(1, colours.size() - 1));
         if (dashed < telling.parameters.size()) {
             (*series)[i].dashes = static_cast<int>(telling.ranks[dashed][order[i]]);

@@ -2,7 +2,6 @@
 
 #include "dbapi/words/text_rules.h"
 #include "dbif/host/host_string.h"
-#include "dbsuggest/command_failure.h"
 
 #include <QProcess>
 #include <QSaveFile>
@@ -17,14 +16,15 @@ const char* terminal_command(const std::string& file)
                : "set terminal svg size 960,600 dynamic noenhanced background 'white' font 'sans,13'\n";
 }
 
-void write_file(const QByteArray& bytes, const std::string& file)
+/// Why the file cannot be written; empty when it is.
+std::string write_file(const QByteArray& bytes, const std::string& file)
 {
     QSaveFile out(dbif::to_qt(file));
     if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit()) {
-        throw CommandFailure(
-            ExitCode::File, "the file " + dbapi::quoted(file) +
-                                " cannot be written: " + dbif::to_utf8(out.errorString()) + ".");
+        return "the file " + dbapi::quoted(file) +
+               " cannot be written: " + dbif::to_utf8(out.errorString()) + ".";
     }
+    return {};
 }
 
 /// gnuplot's complaint, without the script that it repeats.
@@ -36,19 +36,19 @@ std::string complaint(const QByteArray& talk)
 }
 } // namespace
 
-void require_gnuplot()
+std::string missing_gnuplot()
 {
-    if (QStandardPaths::findExecutable(QStringLiteral("gnuplot")).isEmpty()) {
-        throw CommandFailure(
-            ExitCode::File,
-            "pictures are drawn by gnuplot, which is not installed. Install Debian's package "
-            "gnuplot-nox, or keep the script for elsewhere with --plot FILE.gp.");
-    }
+    return QStandardPaths::findExecutable(QStringLiteral("gnuplot")).isEmpty()
+               ? "pictures are drawn by gnuplot, which is not installed. Install Debian's package "
+                 "gnuplot-nox, or keep the script for elsewhere as FILE.gp."
+               : "";
 }
 
-void draw_with_gnuplot(const std::string& script, const std::string& file)
+std::string draw_with_gnuplot(const std::string& script, const std::string& file)
 {
-    require_gnuplot();
+    if (std::string missing = missing_gnuplot(); !missing.empty()) {
+        return missing;
+    }
     QProcess gnuplot;
     // Nobody's own settings; the image comes over standard output, so that no file name is read as
     // a command.
@@ -60,20 +60,18 @@ void draw_with_gnuplot(const std::string& script, const std::string& file)
     const QByteArray image = gnuplot.readAllStandardOutput();
     if (!isDone || gnuplot.exitStatus() != QProcess::NormalExit || gnuplot.exitCode() != 0 ||
         image.isEmpty()) {
-        throw CommandFailure(
-            ExitCode::File,
-            "gnuplot could not draw the picture: " + complaint(gnuplot.readAllStandardError()) +
-                "\nTo look into it, keep the script with --plot FILE.gp.");
+        return "gnuplot could not draw the picture: " + complaint(gnuplot.readAllStandardError()) +
+               "\nTo look into it, keep the script as FILE.gp.";
     }
-    write_file(image, file);
+    return write_file(image, file);
 }
 
-void keep_script(const std::string& script, const std::string& file)
+std::string keep_script(const std::string& script, const std::string& file)
 {
     const std::string remark =
         "# A picture by dbapi, with its data. In a window: gnuplot -persist THIS_FILE\n"
         "# As a file: gnuplot -e \"set terminal svg; set output 'picture.svg'\" THIS_FILE\n";
     // "reset" would not undo a terminal, so both ways work.
-    write_file(QByteArray::fromStdString(remark + script), file);
+    return write_file(QByteArray::fromStdString(remark + script), file);
 }
 } // namespace dbapi::tool

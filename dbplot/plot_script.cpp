@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <string_view>
 
 namespace dbapi::tool {
 namespace {
@@ -21,16 +22,23 @@ constexpr std::size_t kLongLabel = 36;
 /// A curve with at most so many points shows each of them.
 constexpr std::size_t kFewPoints = 25;
 
-/// In single quotes gnuplot replaces nothing, and a quote is written twice. Control characters
-/// appear as escapes, so that a text has one line.
+/// In double quotes, with octal escapes for whatever gnuplot would read as something else there: in
+/// single quotes, it takes two adjacent quotes of a text wrong. Control characters appear as
+/// escapes, so that a text has one line.
 std::string quoted_for_gnuplot(const std::string& text)
 {
-    std::string quoted = "'";
+    constexpr std::string_view kSpecial = "\"\\`'@";
+    std::string quoted = "\"";
     for (const char letter : display_text(text)) {
-        quoted += letter;
-        quoted += letter == '\'' ? "'" : "";
+        if (kSpecial.find(letter) == std::string_view::npos) {
+            quoted += letter;
+            continue;
+        }
+        std::array<char, 8> escape{};
+        std::snprintf(escape.data(), escape.size(), "\\%03o", static_cast<unsigned>(letter));
+        quoted += escape.data();
     }
-    return quoted + "'";
+    return quoted + "\"";
 }
 
 /// A point of the way from dark blue over green to yellow, even in brightness.

@@ -121,6 +121,11 @@ std::string display_text(std::string_view text)
     return shown;
 }
 
+std::string bold_text(const std::string& text)
+{
+    return "\x1b[1m" + text + "\x1b[0m";
+}
+
 std::size_t display_width(std::string_view text)
 {
     std::size_t width = 0;

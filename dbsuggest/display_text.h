@@ -16,6 +16,9 @@ std::string counted(std::size_t count, const std::string& thing);
 /// "a, b, c", or with another word before the last one "a, b or c".
 std::string listed(const std::vector<std::string>& texts, const std::string& beforeLast = ", ");
 
+/// The text between the escapes that make it bold on a terminal.
+std::string bold_text(const std::string& text);
+
 /// How many columns of a terminal the text takes, which has been through `display_text`.
 std::size_t display_width(std::string_view text);
 

@@ -4,7 +4,6 @@
 #include "dbapi/words/text_rules.h"
 #include "dbif/host/error_text.h"
 #include "dbif/host/host_string.h"
-#include "dbsuggest/command_failure.h"
 #include "dbsuggest/nearest_text.h"
 #include "dbui/connection_open.h"
 #include "dbui/connections_file.h"
@@ -22,8 +21,8 @@ std::vector<DbuiConnection> stored_connections()
     dbui_get_connections_from_file(&connections, &error);
     std::error_code ignored;
     if (!error.empty() && std::filesystem::exists(dbui_connections_file(), ignored)) {
-        throw CommandFailure(
-            ExitCode::Connection,
+        throw ConnectionFailure(
+            ConnectionFailure::Reason::NoConnection,
             dbif::trimmed(error) + "\nMake it readable for you, or correct it: it has to be XML. "
                                    "Moved away, it is begun anew by dbapi connection add.");
     }
@@ -61,7 +60,7 @@ DbuiConnection stored_connection(const std::string& name)
             text += "\n  " + stored;
         }
     }
-    throw CommandFailure(ExitCode::Connection, text);
+    throw ConnectionFailure(ConnectionFailure::Reason::NoConnection, text);
 }
 
 DBIF_Connection open_stored(const std::string& name)
@@ -70,13 +69,14 @@ DBIF_Connection open_stored(const std::string& name)
     DBIF_Connection connection = dbui::blank_connection();
     std::string error;
     if (!dbui::open_connection(record, dbif::MissingFile::Fail, &connection, &error)) {
-        throw CommandFailure(
-            ExitCode::Data, "the connection " + dbapi::quoted(name) +
-                                " opens, but its database cannot be used. " + dbif::trimmed(error));
+        throw ConnectionFailure(
+            ConnectionFailure::Reason::NoDatabase, "the connection " + dbapi::quoted(name) +
+                                                       " opens, but its database cannot be used. " +
+                                                       dbif::trimmed(error));
     }
     if (!connection.isValid()) {
-        throw CommandFailure(
-            ExitCode::Connection,
+        throw ConnectionFailure(
+            ConnectionFailure::Reason::NoConnection,
             "the connection " + dbapi::quoted(name) + " does not open. " +
                 dbif::trimmed(convert_sql_error_to_string(connection.lastError()).str()) +
                 "\nWhat keeps it from opening: dbapi connection test " + name);

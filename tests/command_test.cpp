@@ -7,6 +7,8 @@
 
 #include <filesystem>
 #include <string>
+#include <sys/stat.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -47,7 +49,12 @@ TEST_F(Command, KeepsConnectionsFromAddToRemove)
         HasSubstr(
             "The SQLite file \"" + database +
             "\" does not open: file is not a database.\nThe file is something else"));
-    EXPECT_EQ(dbapi({"connection", "remove", "lab"}).code, 0);
+    EXPECT_EQ(dbapi({"connection", "rename", "lab", "lab"}).code, 3);
+    EXPECT_EQ(
+        dbapi({"connection", "rename", "lab", "bench"}).talk,
+        "Renamed the connection \"lab\" to \"bench\".\n");
+    EXPECT_EQ(dbapi({"connection", "remove", "lab"}).code, 3);
+    EXPECT_EQ(dbapi({"connection", "remove", "bench"}).code, 0);
     EXPECT_TRUE(std::filesystem::exists(database));
     const Outcome none = dbapi({"connection", "list"});
     EXPECT_EQ(none.code, 1);
@@ -78,7 +85,35 @@ TEST_F(Command, ExplainsWrongUse)
         {{"values", "lab", "W", "--formt", "csv"},
          2,
          "dbapi: there is no option --formt. Did you mean --format?\nSee: dbapi values --help\n"},
-        {{"values", "lab"}, 2, "dbapi: KEYWORD is required\nSee: dbapi values --help\n"},
+        {{"values", "lab"},
+         2,
+         "dbapi: KEYWORD is missing: a key (W, DEVD.W, \"Key(W,device)\") or builtin keyname "
+         "('$DEVNAME'); several stand side by side.\nSee: dbapi values --help\n"},
+        {{"values", "lab", "W", "-q"},
+         2,
+         "dbapi: the option --query takes a value: --query QUERY.\nSee: dbapi values --help\n"},
+        {{"values", "lab", "W", "-q", "W=1", "--query", "L=1"},
+         2,
+         "dbapi: --query is given more than once. Give it once.\nSee: dbapi values --help\n"},
+        {{"values", "lab", "W", "--count", "--limit", "5"},
+         2,
+         "dbapi: --limit and --count do not go together. Leave one out.\n"
+         "See: dbapi values --help\n"},
+        {{"values", "lab", "W", "--limit", "-1"},
+         2,
+         "dbapi: --limit: \"-1\" is no whole number from 0 up\nSee: dbapi values --help\n"},
+        {{"keys", "lab", "devices"},
+         2,
+         "dbapi: TABLE: there is no table \"devices\". Did you mean device? dbapi tables lists those "
+         "there are\nSee: dbapi keys --help\n"},
+        {{"help", "connection", "lst"},
+         2,
+         "dbapi: there is no command \"lst\". Did you mean list?\n"
+         "See: dbapi connection --help\n"},
+        {{"completion", "tcsh"},
+         2,
+         "dbapi: SHELL: there is no script for \"tcsh\"; choose bash, zsh or fish\n"
+         "See: dbapi completion --help\n"},
         {{"setup", "lab", "x"},
          2,
          "dbapi: ID: \"x\" is no id; dbapi ids lists those there are\nSee: dbapi setup --help\n"},
@@ -90,7 +125,7 @@ TEST_F(Command, ExplainsWrongUse)
          "dbapi: nothing found: there is no setup with id 7. dbapi ids lab setup lists them.\n"},
         {{"values", "lab", "W", "--format", "xml"},
          2,
-         "dbapi: --format: \"xml\" is no format; choose table, csv, json or lines\n"
+         "dbapi: --format: \"xml\" is no format; choose table, csv, tsv, json, jsonl or lines\n"
          "See: dbapi values --help\n"},
         {{"connection", "list", "lab"},
          2,
@@ -120,6 +155,9 @@ TEST_F(Command, ExplainsWrongUse)
         EXPECT_EQ(outcome.data, "");
     }
     EXPECT_THAT(dbapi({"--version"}).data, StartsWith("dbapi "));
+    const std::string help = dbapi({"connection", "add", "--help"}).data;
+    EXPECT_EQ(dbapi({"help", "connection", "add"}).data, help);
+    EXPECT_EQ(dbapi({"help"}).data, dbapi({"--help"}).data);
     EXPECT_THAT(dbapi({"values", "--help"}).data, HasSubstr("\nExample: dbapi values "));
 }
 
@@ -153,7 +191,8 @@ TEST_F(Command, WritesEveryFormat)
         sweep("a.csv", "# $DEVNAME = d\nIND.n,OUTS.t\n10,\"a, \"\"b\"\"\"\n9,\"x\ty\nz\"\n-1.5,\n");
     EXPECT_EQ(
         dbapi({"import", "lab", path, path}).talk,
-        "Imported 1 file into \"lab\": 1 setup, 3 points, 1 device.\n");
+        "Imported 1 file into \"lab\": 1 setup, 3 points, 1 device.\n"
+        "New keys: IND.n and OUTS.t (setup).\n");
     const Arguments both{"values", "lab", "n", "t", "-q", "$DEVNAME=d", "--format"};
     const auto written = [&both](const std::string& format) {
         Arguments arguments = both;
@@ -166,8 +205,31 @@ TEST_F(Command, WritesEveryFormat)
     EXPECT_EQ(
         written("json"),
         "{\"connection\":\"lab\",\"query\":\"$DEVNAME=d\",\"columns\":["
-        "{\"keyword\":\"n\",\"values\":[\"-1.5\",\"9\",\"10\"]},"
-        "{\"keyword\":\"t\",\"values\":[\"\",\"x\\ty\\nz\",\"a, \\\"b\\\"\"]}]}\n");
+        "{\"keyword\":\"n\",\"values\":[-1.5,9,10]},"
+        "{\"keyword\":\"t\",\"values\":[null,\"x\\ty\\nz\",\"a, \\\"b\\\"\"]}]}\n");
+    EXPECT_EQ(
+        written("jsonl"),
+        "{\"n\":-1.5,\"t\":null}\n{\"n\":9,\"t\":\"x\\ty\\nz\"}\n{\"n\":10,\"t\":\"a, \\\"b\\\"\"}\n");
+    EXPECT_EQ(written("tsv"), "n\tt\n-1.5\t\n9\tx\\ty\\nz\n10\ta, \"b\"\n");
+    EXPECT_EQ(dbapi({"values", "lab", "n", "--limit", "2"}).data, "n\n-1.5\n9\n");
+    EXPECT_EQ(dbapi({"values", "lab", "n", "--count"}).data, "3\n");
+    EXPECT_EQ(
+        dbapi({"keys", "lab", "setup", "--format", "jsonl", "--limit", "1"}).data,
+        "{\"key\":\"n\",\"table\":\"setup\",\"category\":\"INPUT\",\"datatype\":\"DOUBLE\",\"records\":1,"
+        "\"points\":3,\"minimum\":-1.5,\"maximum\":10}\n");
+    for (const auto& [name, text] :
+         {std::pair(
+              "a.json",
+              "{\"connection\":\"lab\",\"table\":\"setup\",\"query\":\"\",\"ids\":[{\"id\":1}]}\n"),
+          std::pair("a.txt", "id\n 1\n"), std::pair("a", "id\n1\n")}) {
+        const std::string file = folder.file(name);
+        EXPECT_EQ(dbapi({"ids", "lab", "setup", "-o", file}).data, "");
+        EXPECT_EQ(read_file(file), text);
+    }
+    const Outcome unwritten = dbapi({"ids", "lab", "setup", "-o", "/nowhere/a.csv"});
+    EXPECT_EQ(unwritten.code, 5);
+    EXPECT_THAT(
+        unwritten.talk, StartsWith("dbapi: the file \"/nowhere/a.csv\" cannot be written: "));
     const Outcome nothing = dbapi({"values", "lab", "n", "-q", "$DEVNAME=e"});
     EXPECT_EQ(nothing.code, 1);
     EXPECT_EQ(nothing.data, "n\n");
@@ -179,7 +241,7 @@ TEST_F(Command, PointsAtTheFault)
     dbapi(
         {"import", "lab",
          sweep(
-             "a.csv", "# DEVD.W = 5u\n# TECHS.process = p\n# CED.W = 1\n"
+             "a.csv", "# $DEVNAME = d\n# DEVD.W = 5u\n# TECHS.process = p\n# CED.W = 1\n"
                       "# Key(S11,measurement,COMPLEX) = 1j\n"
                       "# MED.length = 1\nOUTD.ID\n1\n")});
 
@@ -232,11 +294,11 @@ TEST_F(Command, PointsAtTheFault)
 
 TEST_F(Command, NamesTheConnectionWhoseDatabaseRefusesAnImport)
 {
-    dbapi({"import", "lab", sweep("a.csv", "# $APP = t\nOUTD.a\n1\n")});
+    dbapi({"import", "lab", sweep("a.csv", "# $DEVNAME = d\nOUTD.a\n1\n")});
     run_on_file(
         database,
         "CREATE TRIGGER refuses BEFORE INSERT ON setup BEGIN SELECT RAISE(ABORT, 'closed'); END");
-    const Outcome outcome = dbapi({"import", "lab", sweep("b.csv", "# $APP = t\nOUTD.a\n1\n")});
+    const Outcome outcome = dbapi({"import", "lab", sweep("b.csv", "# $DEVNAME = d\nOUTD.a\n1\n")});
     EXPECT_EQ(outcome.code, 4);
     EXPECT_EQ(
         outcome.talk,
@@ -248,7 +310,7 @@ TEST_F(Command, ImportsAllOrNothing)
 {
     const std::string good = sweep("a.csv", "# $LOT = x\n# $DEVNAME = d\n# $APP = t\nOUTD.a\n1\n");
     const std::string bad = sweep("b.csv", "# $APP = t\nOUTD.a\nx\n1,2\n");
-    const std::string other = sweep("c.csv", "# $APP = u\nOUTD.a\n1\n");
+    const std::string other = sweep("c.csv", "# $DEVNAME = c\n# $APP = u\nOUTD.a\n1\n");
     const std::string same = sweep("d.csv", test_support::read_file(good));
     const Outcome failed = dbapi({"import", "lab", folder.file("sweeps")});
     EXPECT_EQ(failed.code, 4);
@@ -286,9 +348,61 @@ TEST_F(Command, ImportsAllOrNothing)
                   "leave it empty for 'no value'.\ndbapi: ... and 180 more faults.\n"));
 }
 
+TEST_F(Command, RefusesToImportWhatIsNoTextFile)
+{
+    const Outcome refused = dbapi({"import", "lab", database});
+    EXPECT_EQ(refused.code, 4);
+    EXPECT_THAT(
+        refused.talk,
+        StartsWith("dbapi: " + database + ": The file is no text, so no annotated CSV either.\n"));
+    const std::string line(300'000, 'x');
+    const Outcome wrong =
+        dbapi({"import", "lab", sweep("a.csv", "#" + line + "\n" + line + "\n1\n")});
+    EXPECT_EQ(wrong.code, 4);
+    EXPECT_LT(wrong.talk.size(), 2000U);
+
+    ASSERT_EQ(mkfifo(folder.file("sweeps/b.csv").c_str(), 0600), 0);
+    const Outcome pipe = dbapi({"import", "lab", folder.file("sweeps")});
+    EXPECT_EQ(pipe.code, 5);
+    EXPECT_THAT(pipe.talk, HasSubstr("b.csv: This is no regular file but a pipe or device"));
+}
+
+TEST_F(Command, TellsWhatAnImportSupersedes)
+{
+    const std::string first = sweep("first.csv", "IND.Vg,OUTD.Id\n0,1\n");
+    const std::string second = sweep("second.csv", "IND.Vg,OUTD.Id\n0,2\n");
+    const Outcome refused = dbapi({"import", "lab", first});
+    EXPECT_EQ(refused.code, 4);
+    EXPECT_THAT(
+        refused.talk,
+        StartsWith(
+            "dbapi: " + first +
+            ": It names no device, so it would supersede any other such sweep of the same routine, "
+            "condition and name. Add a line above the header row, like \"# $DEVNAME = nmos1\".\n"));
+    EXPECT_THAT(refused.talk, HasSubstr("With --allow-anonymous, files need not name a device."));
+    const std::string imported = "Imported 1 file into \"lab\": 1 setup, 1 point, 0 devices.\n";
+    EXPECT_EQ(
+        dbapi({"import", "lab", first, "--allow-anonymous"}).talk,
+        imported + "New keys: IND.Vg and OUTD.Id (setup).\n");
+    EXPECT_EQ(
+        dbapi({"import", "lab", second, "--allow-anonymous"}).talk,
+        imported + "This supersedes 1 earlier setup: no device (" + second +
+            "). Queries find it with \"ALLDATA:\" only.\n");
+
+    const std::string named =
+        "# $DEVNAME = d\x1b[1m\n# DEVD.W = 1\nIND.Vg,OUTD.Id,OUTX.s\n0,3,1j\n";
+    EXPECT_THAT(
+        dbapi({"import", "lab", sweep("a.csv", named)}).talk,
+        HasSubstr("1 device.\nNew keys: W (device); OUTX.s (setup).\n"));
+    const std::string repeated = sweep("b.csv", named);
+    EXPECT_THAT(
+        dbapi({"import", "lab", repeated}).talk,
+        HasSubstr("1 device.\nThis supersedes 1 earlier setup: d\\x1b[1m (" + repeated + ")."));
+}
+
 TEST_F(Command, ShortensTablesAndColoursOnATerminalOnly)
 {
-    std::string rows = "IND.n\n";
+    std::string rows = "# $DEVNAME = d\nIND.n\n";
     for (int row = 1; row <= 100; ++row) {
         rows += std::to_string(row) + "\n";
     }

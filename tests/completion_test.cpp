@@ -20,8 +20,9 @@ protected:
         dbapi(
             {"import", "lab",
              sweep(
-                 "a.csv", "# DEVD.W = 5u\n# CED.W = 1\n# DEVD.L = 1u\n# MED.vth = 1\n"
-                          "\"Key(it's $x,setup,DOUBLE,INPUT)\",OUTD.ID\n1,2\n")});
+                 "a.csv",
+                 "# $DEVNAME = d\n# DEVD.W = 5u\n# CED.W = 1\n# DEVD.L = 1u\n# MED.vth = 1\n"
+                 "\"Key(it's $x,setup,DOUBLE,INPUT)\",OUTD.ID\n1,2\n")});
     }
 
     static std::string offered(const Arguments& typed)
@@ -52,13 +53,16 @@ TEST_F(Completion, OffersWhatFitsThePlace)
 
     const std::vector<Case> cases{
         {{"va"}, "values\n"},
-        {{"connection", ""}, "add\nlist\ntest\nremove\nmanage\n"},
+        {{"connection", ""}, "add\nlist\ntest\nrename\nremove\nmanage\n"},
         {{"connection", "remove", ""}, "lab\n"},
+        {{"help", "conn"}, "connection\n"},
+        {{"help", "connection", "l"}, "list\n"},
+        {{"completion", ""}, "bash\nzsh\nfish\n"},
         {{"connection", "add", ""}, "\n"},
         {{"keys", "l"}, "lab\n"},
         {{"keys", "lab", "me"}, "measurement\nmeasurement_condition\n"},
         {{"keys", "lab", "--s"}, "--short\n"},
-        {{"values", "lab", "L", "--format", "t"}, "table\n"},
+        {{"values", "lab", "L", "--format", "t"}, "table\ntsv\n"},
         {{"explain", "lab", "--format", ""}, "text\njson\n"},
         {{"copy", "lab", "l"}, "lab\n"},
         {{"values", "lab", "-q", "L=1u", "v"}, "vth\n"},

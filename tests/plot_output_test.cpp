@@ -36,26 +36,26 @@ TEST_F(PlotOutput, DrawsTheFamiliesOfTheShippedSweeps)
     const std::string family = script({"IN.VG", "OUTD.ID", "-q", device});
     EXPECT_THAT(talk, StartsWith("Drew 6 curves into"));
     EXPECT_THAT(talk, HasSubstr("\n1 setup left out: it does not sweep IN.VG.\n"));
-    EXPECT_THAT(family, HasSubstr("set xlabel 'IN.VG'\n"));
-    EXPECT_THAT(family, HasSubstr("set xtics ('0' 0, '0.2' 0.2, "));
-    EXPECT_THAT(family, HasSubstr("'160u' 0.00016, '180u' 0.00018)\n"));
+    EXPECT_THAT(family, HasSubstr("set xlabel \"IN.VG\"\n"));
+    EXPECT_THAT(family, HasSubstr("set xtics (\"0\" 0, \"0.2\" 0.2, "));
+    EXPECT_THAT(family, HasSubstr("\"160u\" 0.00016, \"180u\" 0.00018)\n"));
     EXPECT_THAT(family, HasSubstr("$data << END_OF_DATA\n0 "));
     for (const char* label :
          {"VD=0.1, VB=-1.8", "VD=0.1, VB=-0.9", "VD=0.1, VB=0", "VD=1.8, VB=-1.8",
           "VD=1.8, VB=-0.9", "VD=1.8, VB=0"}) {
-        EXPECT_THAT(family, HasSubstr("title '" + std::string(label) + "'"));
+        EXPECT_THAT(family, HasSubstr("title \"" + std::string(label) + "\""));
     }
     const std::string logarithmic = script({"IN.VG", "OUTD.ID", "-q", device, "--logy"});
-    EXPECT_THAT(logarithmic, HasSubstr("set ylabel '|OUTD.ID|'\nset logscale y\n"));
-    EXPECT_THAT(logarithmic, HasSubstr("'100n' 1e-07"));
+    EXPECT_THAT(logarithmic, HasSubstr("set ylabel \"|OUTD.ID|\"\nset logscale y\n"));
+    EXPECT_THAT(logarithmic, HasSubstr("\"100n\" 1e-07"));
     EXPECT_THAT(
         talk, HasSubstr("1 point left out: a logarithmic axis shows only what is above 0."));
     EXPECT_THAT(
         script({"IN.VG", "OUTD.ID", "-q", "$DEVTYPE=pfet_01v8"}),
-        HasSubstr("title 'VD=-1.8, VB=0, pfet_01v8_w0p420u_l0p150u_m1, 2605, 1_10'"));
+        HasSubstr("title \"VD=-1.8, VB=0, pfet_01v8_w0p420u_l0p150u_m1, 2605, 1_10\""));
     EXPECT_THAT(talk, HasSubstr("The legend names one of "));
 
-    EXPECT_THAT(script({"W"}), HasSubstr("set xtics ('360n' 0, '390n' 1, '420n' 2, "));
+    EXPECT_THAT(script({"W"}), HasSubstr("set xtics (\"360n\" 0, \"390n\" 1, \"420n\" 2, "));
     EXPECT_THAT(script({"$DEVTYPE"}), HasSubstr("END_OF_DATA\n0 55\n1 49\n"));
     EXPECT_THAT(script({"ID_absmax", "--logx"}), HasSubstr("set logscale x\n"));
     EXPECT_THAT(script({"W", "ID_absmax"}), HasSubstr("with points"));
@@ -68,7 +68,7 @@ TEST_F(PlotOutput, DrawsImagesWithGnuplot)
     }
     const std::string mark = folder.file("run_by_gnuplot");
     const std::string evil =
-        R"(x'; system("touch )" + mark + R"(") #`touch )" + mark + R"(` @y \"z)";
+        R"(x''; system("touch )" + mark + R"(") #`touch )" + mark + R"(` @y \"z)";
     const std::string path = sweep(
         "a.csv", "# $DEVNAME = " + evil + "\n\"IND.v'`touch " + mark + "`\",OUTD.i\n0,1\n1,2\n");
     sweep("b.csv", "# $DEVNAME = END_OF_DATA\n\"IND.v'`touch " + mark + "`\",OUTD.i\n0,3\n1,5\n");
@@ -94,7 +94,7 @@ TEST_F(PlotOutput, DrawsImagesWithGnuplot)
 
 TEST_F(PlotOutput, ExplainsWhatItCannotDraw)
 {
-    dbapi({"import", "lab", sweep("a.csv", "IND.v,OUTD.i,OUTS.t\n0,1,a\n")});
+    dbapi({"import", "lab", sweep("a.csv", "# $DEVNAME = d\nIND.v,OUTD.i,OUTS.t\n0,1,a\n")});
     const auto talkOf = [&](Arguments arguments) {
         arguments.insert(arguments.begin(), {"values", "lab"});
         const Outcome outcome = dbapi(arguments);
@@ -104,8 +104,16 @@ TEST_F(PlotOutput, ExplainsWhatItCannotDraw)
     EXPECT_THAT(talkOf({"v", "t", "--plot", "x.gp"}), HasSubstr("\"t\" holds texts"));
     EXPECT_THAT(talkOf({"t", "i", "--logx", "--plot", "x.gp"}), HasSubstr("t holds texts"));
     EXPECT_THAT(talkOf({"v", "i", "--plot", "x.pdf"}), HasSubstr("has to end in .svg, .png"));
-    EXPECT_THAT(talkOf({"v", "i", "--logx"}), HasSubstr("--logx requires --plot"));
-    EXPECT_THAT(talkOf({"v", "--distinct", "--plot", "x.gp"}), HasSubstr("--distinct"));
+    EXPECT_THAT(talkOf({"v", "i", "--logx"}), HasSubstr("--logx goes only together with --plot."));
+    EXPECT_THAT(
+        talkOf({"v", "--distinct", "--plot", "x.gp"}),
+        HasSubstr("--distinct and --plot do not go together."));
+    EXPECT_THAT(
+        talkOf({"v", "--limit", "1", "--plot", "x.gp"}), HasSubstr("--limit and --plot do not go"));
+    dbapi({"import", "lab", sweep("b.csv", "# $DEVNAME = e\nIND.u\n1\n")});
+    EXPECT_EQ(
+        dbapi({"values", "lab", "u", "i", "--plot", "x.gp"}).talk,
+        "dbapi: nothing to draw: no sweep or record has values of both u and i.\n");
     const std::string path = qgetenv("PATH").toStdString();
     qputenv("PATH", QByteArray::fromStdString(folder.path()));
     const Outcome outcome = dbapi({"values", "lab", "v", "i", "--plot", folder.file("x.svg")});

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <pthread.h>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -69,6 +70,26 @@ TEST(SweepReadAhead, GivesWhatReadingOneAfterTheOtherGives)
             EXPECT_TRUE(sweep.columns[i].chunks == packed[i].chunks) << file;
         }
     }
+    EXPECT_EQ(told, folder.bytes);
+}
+
+TEST(SweepReadAhead, ReadsWithoutThreadsWhereThereAreNone)
+{
+    const SweepFolder folder;
+    pthread_attr_t usual;
+    pthread_attr_t impossible;
+    ASSERT_EQ(pthread_getattr_default_np(&usual), 0);
+    ASSERT_EQ(pthread_getattr_default_np(&impossible), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&impossible, std::size_t{1} << 50U), 0);
+    ASSERT_EQ(pthread_setattr_default_np(&impossible), 0);
+    std::size_t told = 0;
+    SweepReadAhead sweeps(folder.files, [&told](std::size_t bytes) { told += bytes; });
+    EXPECT_EQ(pthread_setattr_default_np(&usual), 0);
+    std::size_t faults = 0;
+    for (std::size_t i = 0; i < folder.files.size(); ++i) {
+        faults += sweeps.next().csv.faults.count();
+    }
+    EXPECT_EQ(faults, 13U); // 12 wrong numbers and a missing file
     EXPECT_EQ(told, folder.bytes);
 }
 

@@ -312,7 +312,7 @@ public:
                 "A record of " + std::to_string(row_.size()) +
                     " bytes is larger than the server takes (" + std::to_string(limit_) +
                     " bytes): raise the server's max_allowed_packet.",
-                __FILE__, __LINE__);
+                __FILE__, __LINE__, QSqlError::TransactionError);
         }
         if (batch_.size() + row_.size() + 1 > limit_) {
             flush();

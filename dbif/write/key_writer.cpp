@@ -163,6 +163,7 @@ int KeyWriter::define(
         .integer(static_cast<int>(table) + 1)
         .integer(id)
         .endRow();
+    newKeys_.push_back({std::string(f.name), name, kind, category});
     return ids[key] = id;
 }
 

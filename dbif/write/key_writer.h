@@ -48,6 +48,9 @@ public:
         const std::string& what,
         StoredKeys* stored);
 
+    /// The keys that were defined, in that order.
+    [[nodiscard]] const std::vector<NewKey>& newKeys() const { return newKeys_; }
+
 private:
     /// The ids of a table's keys. The stored ones are read once, at first use, because no other
     /// writer adds any meanwhile.
@@ -56,6 +59,7 @@ private:
     RowStore& rows_;
     NewKeyNames names_;
     std::array<std::optional<std::map<std::string, int>>, kRecordTables.size()> ids_;
+    std::vector<NewKey> newKeys_;
 };
 
 /// Whether the key says that there is no value.

@@ -26,6 +26,17 @@ struct KeyValue
     bool operator==(const KeyValue& other) const = default;
 };
 
+/// The definition of a key that a database did not have before.
+struct NewKey
+{
+    /// The record table, "device".
+    std::string table;
+    std::string name;
+    ValueKind kind = ValueKind::Double;
+    /// Of a setup's key "IN" or "OUT"; empty for tables whose keys have none.
+    std::string category;
+};
+
 /// One column of a setup.
 struct SetupColumn
 {

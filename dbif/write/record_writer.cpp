@@ -7,7 +7,6 @@
 #include "dbif/write/key_writer.h"
 #include "dbif/write/record_identity.h"
 #include "dbif/write/shared_records.h"
-#include "dbif/write/superseding.h"
 #include "dbif/write/write_transaction.h"
 
 #include <QtGlobal>
@@ -220,7 +219,7 @@ public:
     void commit()
     {
         rows_.flush();
-        supersede_setups(connection_, firstSetup_);
+        superseded_ = supersede_setups(connection_, firstSetup_);
         for (const auto& [id, context] : measurements_) {
             if (context.setups == 0) {
                 supersede_measurements(connection_, id, context.digest);
@@ -245,6 +244,7 @@ public:
     /// The setups of this transaction: identity to the label of its source.
     std::map<std::string, std::string> setups_;
     int firstSetup_ = 0;
+    std::vector<SupersededSetup> superseded_;
 
 private:
     [[noreturn]] static void throwMissing(RecordTable table, int id)
@@ -393,5 +393,15 @@ int RecordWriter::addPackedSetup(
 void RecordWriter::commit()
 {
     work_->commit();
+}
+
+const std::vector<NewKey>& RecordWriter::newKeys() const
+{
+    return work_->keys_.newKeys();
+}
+
+const std::vector<SupersededSetup>& RecordWriter::supersededSetups() const
+{
+    return work_->superseded_;
 }
 } // namespace dbif

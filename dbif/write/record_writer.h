@@ -4,6 +4,7 @@
 #include "dbif/write/packed_sweep.h"
 #include "dbif/write/record_fields.h"
 #include "dbif/write/record_values.h"
+#include "dbif/write/superseding.h"
 
 #include <QtGlobal>
 
@@ -59,6 +60,11 @@ public:
     /// Makes everything durable; collects statistics for the planner after many records. The writer
     /// is of no further use.
     void commit();
+
+    /// The keys that the database did not have, in the order in which they were written.
+    [[nodiscard]] const std::vector<NewKey>& newKeys() const;
+    /// The setups that were the latest of their identity until `commit`; none before it.
+    [[nodiscard]] const std::vector<SupersededSetup>& supersededSetups() const;
 
 private:
     class Work;

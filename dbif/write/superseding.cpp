@@ -72,10 +72,10 @@ void mark_superseded(DBIF_Connection& connection, const std::vector<SupersededSe
     write_superseding_links(connection, "measurement", links);
 }
 
-void supersede_setups(DBIF_Connection& connection, int firstNew)
+std::vector<SupersededSetup> supersede_setups(DBIF_Connection& connection, int firstNew)
 {
     if (firstNew == 0) {
-        return;
+        return {};
     }
     SqlText sql;
     sql << "SELECT old.id, new.id, old_condition.measurement_id, new_condition.measurement_id FROM setup AS new"
@@ -93,6 +93,7 @@ void supersede_setups(DBIF_Connection& connection, int firstNew)
         }
     }
     mark_superseded(connection, superseded);
+    return superseded;
 }
 
 std::vector<SupersededSetup>

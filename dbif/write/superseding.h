@@ -19,8 +19,9 @@ struct SupersededSetup
 /// measurement is superseded by the new measurement that stands last in the list beside it.
 void mark_superseded(DBIF_Connection& connection, const std::vector<SupersededSetup>& setups);
 
-/// Marks what the setups from the id `firstNew` on supersede; nothing when that is 0.
-void supersede_setups(DBIF_Connection& connection, int firstNew);
+/// Marks what the setups from the id `firstNew` on supersede, and returns it in the order of the
+/// new setups; nothing when `firstNew` is 0.
+std::vector<SupersededSetup> supersede_setups(DBIF_Connection& connection, int firstNew);
 
 /// A measurement without setups supersedes older ones of its identity that have none either.
 void supersede_measurements(DBIF_Connection& connection, int newer, const std::string& identity);

@@ -4,6 +4,7 @@
 #include "dbif/host/error_text.h"
 #include "dbif/host/host_string.h"
 #include "dbsuggest/nearest_text.h"
+#include "dbsuggest/stored_names.h"
 
 #include "tools/dbapi/commands/command_table.h"
 #include "tools/dbapi/output/data_output.h"
@@ -74,6 +75,44 @@ std::string unknown_argument(const CLI::App& command, const std::string& argumen
     }
     return "there is no command " + dbapi::quoted(argument) + "." +
            suggestion(nearest_texts(argument, known, 2));
+}
+
+/// What the parser calls an option in the message of an error: all before the words.
+std::string named_before(const std::string& message, const std::string& words)
+{
+    return message.substr(0, message.find(words));
+}
+
+/// What the parser's message says in words of its own, said in those of this program.
+std::string argument_fault(const CLI::App& command, const CLI::ParseError& error)
+{
+    const std::string message = error.what();
+    const std::string name = named_before(message, ":");
+    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
+        for (const CLI::Option* option : command.get_options()) {
+            if (option->get_required() && option->count() == 0) {
+                return option->get_name() + " is missing: " + option->get_description() + ".";
+            }
+        }
+    } else if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+        if (message.ends_with(" missing")) {
+            const CLI::Option* option = command.get_option_no_throw(name);
+            return "the option " + name + " takes a value" +
+                   (option == nullptr ? "." : ": " + name + " " + option->get_type_name() + ".");
+        }
+        return name + " is given more than once. Give it once.";
+    } else if (dynamic_cast<const CLI::RequiresError*>(&error) != nullptr) {
+        const std::string first = named_before(message, " requires ");
+        return first + " goes only together with " +
+               message.substr(first.size() + std::string(" requires ").size()) + ".";
+    } else if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
+        const std::string first = named_before(message, " excludes ");
+        return first + " and " + message.substr(first.size() + std::string(" excludes ").size()) +
+               " do not go together. Leave one out.";
+    } else if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
+        return "an option has a value that it does not take. " + message + ".";
+    }
+    return message;
 }
 
 /// The program's arguments, and which command they chose.
@@ -151,7 +190,7 @@ private:
             name += " " + command->get_name();
         }
         const std::vector<std::string> unknown = app_.remaining(true);
-        std::string text = error.what();
+        std::string text = argument_fault(*command, error);
         if (!unknown.empty()) {
             text = unknown_argument(*command, unknown.front());
         } else if (command->get_require_subcommand_min() > 0) {
@@ -178,6 +217,9 @@ int run_command_line(int argumentCount, char** arguments)
         return static_cast<int>(line.run(argumentCount, arguments));
     } catch (const CommandFailure& failure) {
         return report(failure.code(), failure.what());
+    } catch (const ConnectionFailure& failure) {
+        const bool isData = failure.reason() == ConnectionFailure::Reason::NoDatabase;
+        return report(isData ? ExitCode::Data : ExitCode::Connection, failure.what());
     } catch (DBIF_Exception& exception) {
         const bool isConnection = exception.error().type() == QSqlError::ConnectionError;
         return report(

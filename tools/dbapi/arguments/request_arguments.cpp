@@ -3,19 +3,29 @@
 #include "dbapi/words/text_rules.h"
 #include "dbapi/words/vocabulary.h"
 #include "dbsuggest/display_text.h"
+#include "dbsuggest/nearest_text.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
+#include <limits>
+#include <optional>
+#include <set>
 
 namespace dbapi::tool {
 namespace {
+std::optional<std::size_t> read_whole(const std::string& text)
+{
+    std::size_t number = 0;
+    const char* end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, number);
+    return read.ec == std::errc() && read.ptr == end ? std::optional(number) : std::nullopt;
+}
+
 std::string id_error(const std::string& given)
 {
-    int id = 0;
-    const char* end = given.data() + given.size();
-    const auto read = std::from_chars(given.data(), end, id);
-    return read.ec == std::errc() && read.ptr == end && id > 0
+    const std::size_t id = read_whole(given).value_or(0);
+    return id > 0 && id <= static_cast<std::size_t>(std::numeric_limits<int>::max())
                ? std::string()
                : dbapi::quoted(given) + " is no id; dbapi ids lists those there are";
 }
@@ -34,8 +44,12 @@ void add_table_argument(CLI::App& arguments, std::string* table)
             std::string name;
             std::string attributes;
             if (!dbapi_find_tablename_in_table_vocabulary(given, &name, &attributes)) {
+                std::set<std::string> names;
+                db_get_tablenames(&names);
                 throw CLI::ValidationError(
-                    "there is no table \"" + given + "\"; dbapi tables lists those there are");
+                    "there is no table " + dbapi::quoted(given) + "." +
+                    suggestion(nearest_texts(given, names, 2)) +
+                    " dbapi tables lists those there are");
             }
             return name;
         });
@@ -74,6 +88,23 @@ void add_format_option(
             return placeOf(name) < choices.size()
                        ? std::string()
                        : dbapi::quoted(name) + " is no format; choose " + listed(choices, " or ");
+        });
+}
+
+CLI::Option* add_number_option(
+    CLI::App& arguments,
+    const std::string& name,
+    const std::function<void(std::size_t)>& take,
+    const std::string& description)
+{
+    return arguments
+        .add_option_function<std::string>(
+            name, [take](const std::string& given) { take(*read_whole(given)); }, description)
+        ->type_name("N")
+        ->check([](const std::string& given) {
+            return read_whole(given).has_value()
+                       ? std::string()
+                       : dbapi::quoted(given) + " is no whole number from 0 up";
         });
 }
 

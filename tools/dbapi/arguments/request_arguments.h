@@ -37,6 +37,14 @@ void add_format_option(
     const std::function<void(std::size_t)>& choose,
     const std::string& description);
 
+/// An option that takes a whole number from 0 up, N, and hands it to `take`; what is none is
+/// refused.
+CLI::Option* add_number_option(
+    CLI::App& arguments,
+    const std::string& name,
+    const std::function<void(std::size_t)>& take,
+    const std::string& description);
+
 /// The choices that an option's type name lists; none when it is no list.
 std::vector<std::string> listed_choices(const CLI::Option& option);
 } // namespace dbapi::tool

@@ -19,6 +19,9 @@ std::span<const Command> commands()
             "connection test", "Check that a stored connection works", "dbapi connection test lab",
             declare_connection_test},
         Command{
+            "connection rename", "Give a stored connection another name",
+            "dbapi connection rename lab old-lab", declare_connection_rename},
+        Command{
             "connection remove", "Forget a stored connection; its database stays",
             "dbapi connection remove lab", declare_connection_remove},
         Command{
@@ -55,6 +58,9 @@ std::span<const Command> commands()
         Command{
             "builtins", "List the builtin keynames and what they stand for", "dbapi builtins",
             declare_builtins},
+        Command{
+            "help", "Show the help of the program, or of a command", "dbapi help connection add",
+            declare_help},
         Command{
             "completion", "Print a script that completes this program's words in a shell",
             "source <(dbapi completion bash)", declare_completion},

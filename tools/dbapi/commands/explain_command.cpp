@@ -8,7 +8,9 @@
 #include "dbexplain/query_explanation.h"
 #include "dbexplain/read_explanation.h"
 #include "dbif/connection/column_store.h"
+#include "dbif/host/host_string.h"
 #include "dbif/schema/table_graph.h"
+#include "dbsuggest/call_failure.h"
 #include "dbsuggest/stored_names.h"
 
 #include "tools/dbapi/arguments/request_arguments.h"
@@ -130,7 +132,10 @@ Explanation explain(const DataRequest& request)
 
     // The read finds nothing prepared: neither condition nor keys.
     dbif::ColumnStore::of(connection).refresh();
-    explanation.read = explain_read(connection, request, explanation.table);
+    std::string errors;
+    if (!explain_read(connection, request, explanation.table, &explanation.read, &errors)) {
+        throw_call_failure(request, errors);
+    }
 
     RecordCounter counter(connection, explanation.table, explanation.latestOnly);
     explanation.records = counter.count(nullptr).records;
@@ -140,7 +145,10 @@ Explanation explain(const DataRequest& request)
             : explanation.records;
     if (!query.empty()) {
         explanation.tree =
-            explain_tree(connection, query, explanation.keys, explanation.latestOnly);
+            explain_tree(connection, query, explanation.keys, explanation.latestOnly, &errors);
+        if (!explanation.tree.has_value()) {
+            throw CommandFailure(ExitCode::WrongUsage, dbif::trimmed(errors));
+        }
         counter.countTree(&*explanation.tree);
     }
     explanation.whyLatest = why_latest(explanation);
@@ -161,7 +169,8 @@ ExitCode show_explanation(const ExplainOptions& options)
         options.format == ExplainFormat::Json
             ? explanation_json(explanation)
             : explanation_text(
-                  explanation, is_terminal(stdout) ? terminal_size(stdout).columns : kUsualWidth));
+                  explanation, is_terminal(stdout) ? terminal_size(stdout).columns : kUsualWidth,
+                  shows_colours(stdout)));
     return ExitCode::Done;
 }
 } // namespace

@@ -32,7 +32,7 @@ ExitCode show_ids(const IdsOptions& options)
     DataTable table{
         {{"connection", request.connection}, {"table", options.table}, {"query", request.query}},
         "ids",
-        {{"id", {}}}};
+        {{"id", {}, DataColumn::Content::Numbers}}};
     for (const int id : ids) {
         table.columns.front().values.push_back(std::to_string(id));
     }

@@ -57,9 +57,11 @@ DataTable key_statistics(const KeysOptions& options)
     const auto number = [](std::optional<double> value) {
         return value.has_value() ? dbif::double_text(*value) : std::string();
     };
+    constexpr auto kNumbers = DataColumn::Content::Numbers;
     DataTable table = asked_table(options);
-    const auto add = [&](const char* heading, const auto& textOf) {
-        table.columns.push_back({heading, {}});
+    const auto add = [&](const char* heading, const auto& textOf,
+                         DataColumn::Content content = DataColumn::Content::Words) {
+        table.columns.push_back({heading, {}, content});
         std::transform(
             keys.begin(), keys.end(), std::back_inserter(table.columns.back().values), textOf);
     };
@@ -67,12 +69,17 @@ DataTable key_statistics(const KeysOptions& options)
     add("table", [&options](const KeyStatistics& /*key*/) { return options.table; });
     add("category", [](const KeyStatistics& key) { return key.category; });
     add("datatype", [](const KeyStatistics& key) { return key.datatype; });
-    add("records", [](const KeyStatistics& key) { return std::to_string(key.records); });
+    add(
+        "records", [](const KeyStatistics& key) { return std::to_string(key.records); }, kNumbers);
     if (options.table == "setup") {
-        add("points", [](const KeyStatistics& key) { return std::to_string(*key.points); });
+        add(
+            "points", [](const KeyStatistics& key) { return std::to_string(*key.points); },
+            kNumbers);
     }
-    add("minimum", [&number](const KeyStatistics& key) { return number(key.minimum); });
-    add("maximum", [&number](const KeyStatistics& key) { return number(key.maximum); });
+    add(
+        "minimum", [&number](const KeyStatistics& key) { return number(key.minimum); }, kNumbers);
+    add(
+        "maximum", [&number](const KeyStatistics& key) { return number(key.maximum); }, kNumbers);
     return table;
 }
 

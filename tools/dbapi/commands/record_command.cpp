@@ -4,6 +4,7 @@
 
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/commands/command_declarations.h"
+#include "tools/dbapi/output/column_contents.h"
 #include "tools/dbapi/output/data_output.h"
 #include "tools/dbapi/output/terminal.h"
 
@@ -36,14 +37,15 @@ ExitCode show_record(RecordOptions options)
     }
     const bool isEmpty = values.empty();
     const std::string id = std::to_string(options.id);
-    write_data(
-        {{{"connection", request.connection},
-          {"table", options.table},
-          {"id", id},
-          {"query", request.query}},
-         "",
-         {{options.keyword, std::move(values)}}},
-        options.output);
+    DataTable table{
+        {{"connection", request.connection},
+         {"table", options.table},
+         {"id", id},
+         {"query", request.query}},
+        "",
+        {{options.keyword, std::move(values)}}};
+    set_contents(request.connection, options.output, &table);
+    write_data(table, options.output);
     if (isEmpty) {
         tell_error(
             "nothing found: the " + options.table + " with id " + id + " has no value of " +

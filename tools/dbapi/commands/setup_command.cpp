@@ -5,6 +5,7 @@
 
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/commands/command_declarations.h"
+#include "tools/dbapi/output/column_contents.h"
 #include "tools/dbapi/output/data_output.h"
 #include "tools/dbapi/output/terminal.h"
 
@@ -60,6 +61,7 @@ ExitCode show_setup(const SetupOptions& options)
     for (std::size_t i = 0; i < keys.size(); ++i) {
         table.columns.push_back({keys[i], std::move(values[i])});
     }
+    set_contents(options.connection, options.output, &table);
     write_data(table, options.output);
     return ExitCode::Done;
 }

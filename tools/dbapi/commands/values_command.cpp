@@ -6,6 +6,7 @@
 
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/commands/command_declarations.h"
+#include "tools/dbapi/output/column_contents.h"
 #include "tools/dbapi/output/data_output.h"
 #include "tools/dbapi/output/plot_output.h"
 #include "tools/dbapi/output/terminal.h"
@@ -24,10 +25,13 @@ struct ValuesOptions
     PlotOptions plot;
 };
 
-void tell_nothing_found(const DataRequest& request)
+void tell_nothing_found(const DataRequest& request, bool isPlot)
 {
     std::string text =
-        "nothing found: no record has a value of " + listed(request.keywords, " or ");
+        isPlot && request.keywords.size() > 1
+            ? "nothing to draw: no sweep or record has values of both " + request.keywords.front() +
+                  " and " + request.keywords.back()
+            : "nothing found: no record has a value of " + listed(request.keywords, " or ");
     if (!request.query.empty()) {
         text += " and fits the query " + dbapi::quoted(request.query) +
                 ". Loosen the query, or put \"ALLDATA:\" in front to count superseded records too; "
@@ -46,7 +50,7 @@ ExitCode show_values(const ValuesOptions& options)
         if (plot_values(request, options.plot)) {
             return ExitCode::Done;
         }
-        tell_nothing_found(request);
+        tell_nothing_found(request, true);
         return ExitCode::NothingFound;
     }
     std::vector<std::vector<std::string>> values;
@@ -59,9 +63,10 @@ ExitCode show_values(const ValuesOptions& options)
     for (std::size_t i = 0; i < values.size(); ++i) {
         table.columns.push_back({request.keywords[i], std::move(values[i])});
     }
+    set_contents(request.connection, options.output, &table);
     write_data(table, options.output);
     if (table.rows() == 0) {
-        tell_nothing_found(request);
+        tell_nothing_found(request, false);
         return ExitCode::NothingFound;
     }
     return ExitCode::Done;

@@ -7,6 +7,8 @@
 #include "dbsuggest/stored_names.h"
 
 #include "tools/dbapi/arguments/request_arguments.h"
+#include "tools/dbapi/help/program_words.h"
+#include "tools/dbapi/help/shell_scripts.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -55,16 +57,6 @@ const CLI::Option* find_option(const CLI::App& command, const std::string& word)
 bool takes_value(const CLI::Option& option)
 {
     return option.get_items_expected_max() > 0;
-}
-
-const CLI::App* find_command(const CLI::App& command, const std::string& word)
-{
-    for (const CLI::App* known : command.get_subcommands(nullptr)) {
-        if (known->get_name() == word) {
-            return known;
-        }
-    }
-    return nullptr;
 }
 
 void step(const std::string& word, Place* place)
@@ -141,8 +133,14 @@ Words values_of(const CLI::Option& option, const Place& place)
     if (Words choices = listed_choices(option); !choices.empty()) {
         return choices;
     }
+    if (kind == "COMMAND") {
+        const CLI::App* command = &program_of(*place.command);
+        const auto first = place.arguments.find("COMMAND");
+        command = first == place.arguments.end() ? command : find_command(*command, first->second);
+        return command == nullptr ? Words() : command_words(*command);
+    }
     if (kind == "SHELL") {
-        return {"bash"};
+        return shell_names();
     }
     const bool isNewName = place.command->get_name() == "add";
     if (kind == "CONNECTION" || kind == "FROM" || kind == "TO" || (kind == "NAME" && !isNewName)) {
@@ -173,17 +171,6 @@ Words option_names(const CLI::App& command)
     return names;
 }
 
-Words command_names(const CLI::App& command)
-{
-    Words names;
-    for (const CLI::App* known : command.get_subcommands(nullptr)) {
-        if (!known->get_group().empty()) {
-            names.push_back(known->get_name());
-        }
-    }
-    return names;
-}
-
 Words candidates(const Place& place, const std::string& begun)
 {
     if (place.option != nullptr) {
@@ -192,7 +179,7 @@ Words candidates(const Place& place, const std::string& begun)
     if (begun.starts_with('-')) {
         return option_names(*place.command);
     }
-    Words words = command_names(*place.command);
+    Words words = command_words(*place.command);
     if (!words.empty()) {
         return words;
     }

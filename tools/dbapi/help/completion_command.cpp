@@ -1,5 +1,10 @@
+#include "dbapi/words/text_rules.h"
+#include "dbsuggest/display_text.h"
+
 #include "tools/dbapi/help/completion.h"
 #include "tools/dbapi/help/help_declarations.h"
+#include "tools/dbapi/help/program_words.h"
+#include "tools/dbapi/help/shell_scripts.h"
 #include "tools/dbapi/help/shell_words.h"
 #include "tools/dbapi/output/data_output.h"
 
@@ -10,25 +15,6 @@
 
 namespace dbapi::tool {
 namespace {
-/// What can be typed is asked of the program itself, so the script never lags behind it.
-constexpr const char* kBashScript = R"(# Completion of the command dbapi for bash.
-# For this shell alone: source <(dbapi completion bash)
-_dbapi() {
-    local IFS=$'\n'
-    COMPREPLY=($("${COMP_WORDS[0]}" complete -- "${COMP_WORDS[@]:1:COMP_CWORD}" 2>/dev/null))
-}
-complete -o bashdefault -o default -F _dbapi dbapi
-)";
-
-const CLI::App& program_of(const CLI::App& command)
-{
-    const CLI::App* program = &command;
-    while (program->get_parent() != nullptr) {
-        program = program->get_parent();
-    }
-    return *program;
-}
-
 void print_completions(const CLI::App& program, const std::vector<std::string>& typed)
 {
     std::vector<std::string> words;
@@ -46,11 +32,17 @@ void print_completions(const CLI::App& program, const std::vector<std::string>& 
 
 CommandRunner declare_completion(CLI::App& arguments)
 {
-    arguments.add_option("SHELL", "bash")
+    const auto shell = std::make_shared<std::string>();
+    arguments.add_option("SHELL", *shell, listed(shell_names(), " or "))
         ->required()
-        ->check(CLI::IsMember({"bash"}).description(""));
-    return [] {
-        write_text(kBashScript);
+        ->check([](const std::string& given) {
+            return completion_script(given).empty()
+                       ? "there is no script for " + dbapi::quoted(given) + "; choose " +
+                             listed(shell_names(), " or ")
+                       : std::string();
+        });
+    return [shell] {
+        write_text(completion_script(*shell));
         return ExitCode::Done;
     };
 }

@@ -1,13 +1,20 @@
 #include "tools/dbapi/output/data_output.h"
 
+#include "dbapi/words/text_rules.h"
+#include "dbif/host/host_string.h"
 #include "dbsuggest/command_failure.h"
+#include "dbsuggest/display_text.h"
 
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/output/table_output.h"
 #include "tools/dbapi/output/terminal.h"
 
+#include <QSaveFile>
+
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <nlohmann/json.hpp>
@@ -15,10 +22,27 @@
 
 namespace dbapi::tool {
 namespace {
+[[noreturn]] void throw_unwritable(const std::string& what, const std::string& reason)
+{
+    throw CommandFailure(ExitCode::File, what + " cannot be written: " + reason);
+}
+
 /// Collects output, so that a million rows are not a million writes.
 class Output
 {
+    Q_DISABLE_COPY_MOVE(Output)
+
 public:
+    /// To that file, or to standard output when the name is empty.
+    explicit Output(const std::string& file = {}) : name_(file), file_(dbif::to_qt(file))
+    {
+        if (!name_.empty() && !file_.open(QIODevice::WriteOnly)) {
+            throwFault();
+        }
+    }
+
+    ~Output() = default;
+
     Output& operator<<(std::string_view text)
     {
         pending_ += text;
@@ -31,22 +55,38 @@ public:
     void finish()
     {
         write();
-        if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-            throw CommandFailure(
-                ExitCode::File,
-                std::string("standard output cannot be written: ") + std::strerror(errno));
+        if (!name_.empty()) {
+            if (!file_.commit()) {
+                throwFault();
+            }
+        } else if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+            throw_unwritable("standard output", std::strerror(errno));
         }
     }
 
 private:
     static constexpr std::size_t kBlockBytes = 1U << 16U;
 
+    [[noreturn]] void throwFault() const
+    {
+        throw_unwritable(
+            "the file " + dbapi::quoted(name_), dbif::to_utf8(file_.errorString()) + ".");
+    }
+
     void write()
     {
-        std::fwrite(pending_.data(), 1, pending_.size(), stdout);
+        if (name_.empty()) {
+            std::fwrite(pending_.data(), 1, pending_.size(), stdout);
+        } else if (
+            file_.write(pending_.data(), static_cast<qint64>(pending_.size())) !=
+            static_cast<qint64>(pending_.size())) {
+            throwFault();
+        }
         pending_.clear();
     }
 
+    std::string name_;
+    QSaveFile file_;
     std::string pending_;
 };
 
@@ -71,7 +111,7 @@ void write_csv_cell(std::string_view value, bool isAlone, Output& out)
     out << "\"";
 }
 
-void write_csv(const DataTable& table, Output& out)
+void write_csv(const DataTable& table, std::size_t rows, Output& out)
 {
     const bool isAlone = table.columns.size() == 1;
     const auto writeRow = [&](const auto& valueOf) {
@@ -82,7 +122,7 @@ void write_csv(const DataTable& table, Output& out)
         out << "\n";
     };
     writeRow([](const DataColumn& column) -> const std::string& { return column.heading; });
-    for (std::size_t row = 0; row < table.rows(); ++row) {
+    for (std::size_t row = 0; row < rows; ++row) {
         writeRow(
             [row](const DataColumn& column) -> const std::string& { return column.values[row]; });
     }
@@ -100,14 +140,21 @@ void write_line_cell(std::string_view value, Output& out)
     out << value;
 }
 
-void write_lines(const DataTable& table, Output& out)
+void write_lines(const DataTable& table, std::size_t rows, bool hasHeader, Output& out)
 {
-    for (std::size_t row = 0; row < table.rows(); ++row) {
+    const auto writeRow = [&](const auto& valueOf) {
         for (const DataColumn& column : table.columns) {
             out << (&column == &table.columns.front() ? "" : "\t");
-            write_line_cell(column.values[row], out);
+            write_line_cell(valueOf(column), out);
         }
         out << "\n";
+    };
+    if (hasHeader) {
+        writeRow([](const DataColumn& column) -> const std::string& { return column.heading; });
+    }
+    for (std::size_t row = 0; row < rows; ++row) {
+        writeRow(
+            [row](const DataColumn& column) -> const std::string& { return column.values[row]; });
     }
 }
 
@@ -116,32 +163,65 @@ std::string json_text(const std::string& text)
     return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
-void write_json_rows(const DataTable& table, Output& out)
+/// Whether a number stands in the text as JSON writes it, not as "nan".
+bool is_json_number(const std::string& text)
 {
-    for (std::size_t row = 0; row < table.rows(); ++row) {
-        out << (row == 0 ? "{" : ",{");
-        for (const DataColumn& column : table.columns) {
-            out << (&column == &table.columns.front() ? "" : ",") << json_text(column.heading)
-                << ":" << json_text(column.values[row]);
-        }
-        out << "}";
+    const std::size_t sign = text.front() == '-' ? 1 : 0;
+    const char* end = text.data() + text.size();
+    double number = 0;
+    const auto read = std::from_chars(text.data(), end, number);
+    return text.find_first_of("0123456789") == sign && read.ec == std::errc() && read.ptr == end;
+}
+
+void write_json_value(const DataColumn& column, std::size_t row, Output& out)
+{
+    const std::string& text = column.values[row];
+    if (text.empty() && column.content != DataColumn::Content::Words) {
+        out << "null";
+    } else if (column.content == DataColumn::Content::Numbers && is_json_number(text)) {
+        out << text;
+    } else {
+        out << json_text(text);
     }
 }
 
-void write_json_columns(const DataTable& table, Output& out)
+void write_json_row(const DataTable& table, std::size_t row, Output& out)
+{
+    out << "{";
+    for (const DataColumn& column : table.columns) {
+        out << (&column == &table.columns.front() ? "" : ",") << json_text(column.heading) << ":";
+        write_json_value(column, row, out);
+    }
+    out << "}";
+}
+
+void write_json_rows(
+    const DataTable& table,
+    std::size_t rows,
+    std::string_view between,
+    Output& out)
+{
+    for (std::size_t row = 0; row < rows; ++row) {
+        out << (row == 0 ? "" : between);
+        write_json_row(table, row, out);
+    }
+}
+
+void write_json_columns(const DataTable& table, std::size_t rows, Output& out)
 {
     for (const DataColumn& column : table.columns) {
         out << (&column == &table.columns.front() ? "" : ",")
             << "{\"keyword\":" << json_text(column.heading) << ",\"values\":[";
-        for (const std::string& value : column.values) {
-            out << (&value == column.values.data() ? "" : ",") << json_text(value);
+        for (std::size_t row = 0; row < rows; ++row) {
+            out << (row == 0 ? "" : ",");
+            write_json_value(column, row, out);
         }
         out << "]}";
     }
 }
 
 /// Written piece by piece: a document in memory would be many times as large as the data.
-void write_json(const DataTable& table, Output& out)
+void write_json(const DataTable& table, std::size_t rows, Output& out)
 {
     out << "{";
     for (const auto& [name, text] : table.asked) {
@@ -149,12 +229,56 @@ void write_json(const DataTable& table, Output& out)
     }
     if (table.rowsName.empty()) {
         out << "\"columns\":[";
-        write_json_columns(table, out);
+        write_json_columns(table, rows, out);
     } else {
         out << json_text(table.rowsName) << ":[";
-        write_json_rows(table, out);
+        write_json_rows(table, rows, ",", out);
     }
     out << "]}\n";
+}
+
+/// How many rows fit the height of the terminal.
+std::size_t rows_on_terminal()
+{
+    constexpr std::size_t kFewestRows = 10;
+    // The header line, the last line and the prompt.
+    constexpr std::size_t kOtherLines = 4;
+    const std::size_t height = terminal_size(stdout).rows;
+    return std::max(height > kOtherLines ? height - kOtherLines : 0, kFewestRows);
+}
+
+void write_table(
+    const DataTable& table,
+    std::size_t rows,
+    const OutputOptions& options,
+    Output& out)
+{
+    const bool isOnTerminal = options.file.empty() && is_terminal(stdout);
+    TableLayout layout{rows, isOnTerminal && shows_colours(stdout)};
+    if (isOnTerminal && !options.all) {
+        layout.shownRows = std::min(rows, rows_on_terminal());
+        layout.isCut = true;
+    }
+    out << table_text(table, layout);
+    const std::size_t hidden = rows - layout.shownRows;
+    if (hidden > 0) {
+        out << "... and " + counted(hidden, "more row") +
+                   ". See all with --all, or with --format csv.\n";
+    }
+}
+
+/// The format that a file of that name has; nothing when its name does not tell.
+std::optional<Format> format_of(const std::string& file)
+{
+    for (const auto& [ending, format] :
+         {std::pair(".csv", Format::Csv), std::pair(".tsv", Format::Tsv),
+          std::pair(".json", Format::Json), std::pair(".jsonl", Format::JsonLines),
+          std::pair(".txt", Format::Table)}) {
+        if (file.ends_with(ending)) {
+            return format;
+        }
+    }
+    return std::nullopt;
 }
 } // namespace
 
@@ -162,15 +286,34 @@ void add_output_options(CLI::App& arguments, OutputOptions* options)
 {
     // In the order of Format.
     add_format_option(
-        arguments, {"table", "csv", "json", "lines"},
+        arguments, {"table", "csv", "tsv", "json", "jsonl", "lines"},
         [options](std::size_t choice) { options->format = static_cast<Format>(choice); },
-        "how to write it (table on a terminal, else csv)");
+        "how to write it (as the file's name ends; else table on a terminal, csv elsewhere)");
     arguments.add_flag("--all", options->all, "show every row of a table on a terminal");
+    CLI::Option* limit = add_number_option(
+        arguments, "--limit", [options](std::size_t rows) { options->limit = rows; },
+        "write the first N rows only");
+    arguments.add_flag("--count", options->isCount, "write only how many rows there are")
+        ->excludes(limit);
+    arguments.add_option("-o,--output", options->file, "write into FILE instead")
+        ->type_name("FILE");
+}
+
+std::vector<std::string> output_option_names()
+{
+    return {"--format", "--all", "--limit", "--count", "--output"};
 }
 
 Format chosen_format(const OutputOptions& options)
 {
-    return options.format.value_or(is_terminal(stdout) ? Format::Table : Format::Csv);
+    const bool isForPeople = options.file.empty() && !options.isCount && is_terminal(stdout);
+    return options.format.value_or(
+        format_of(options.file).value_or(isForPeople ? Format::Table : Format::Csv));
+}
+
+bool is_typed(Format format)
+{
+    return format == Format::Json || format == Format::JsonLines;
 }
 
 void write_text(const std::string& text)
@@ -182,19 +325,30 @@ void write_text(const std::string& text)
 
 void write_data(const DataTable& table, const OutputOptions& options)
 {
-    Output out;
+    Output out(options.file);
+    const std::size_t rows = std::min(table.rows(), options.limit.value_or(table.rows()));
+    if (options.isCount) {
+        out << std::to_string(rows) + "\n";
+        out.finish();
+        return;
+    }
     switch (chosen_format(options)) {
     case Format::Table:
-        out << table_text(table, is_terminal(stdout) && !options.all);
+        write_table(table, rows, options, out);
         break;
     case Format::Csv:
-        write_csv(table, out);
+        write_csv(table, rows, out);
+        break;
+    case Format::Tsv:
+    case Format::Lines:
+        write_lines(table, rows, chosen_format(options) == Format::Tsv, out);
         break;
     case Format::Json:
-        write_json(table, out);
+        write_json(table, rows, out);
         break;
-    case Format::Lines:
-        write_lines(table, out);
+    case Format::JsonLines:
+        write_json_rows(table, rows, "\n", out);
+        out << (rows > 0 ? "\n" : "");
         break;
     }
     out.finish();

@@ -2,8 +2,10 @@
 
 #include "tools/dbapi/output/data_table.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 // NOLINTNEXTLINE(readability-identifier-naming): the library's name
 namespace CLI {
@@ -11,30 +13,46 @@ class App;
 }
 
 namespace dbapi::tool {
-enum class Format { Table, Csv, Json, Lines };
+enum class Format { Table, Csv, Tsv, Json, JsonLines, Lines };
 
 /// How a command writes its data.
 struct OutputOptions
 {
-    /// Nothing: a table on a terminal, CSV elsewhere.
+    /// Nothing: what the name of the file ends in; else a table on a terminal, CSV elsewhere.
     std::optional<Format> format;
     /// Whether a table on a terminal has all rows, however many.
     bool all = false;
+    /// How many rows are written at most.
+    std::optional<std::size_t> limit;
+    /// Whether only the number of rows is written.
+    bool isCount = false;
+    /// Where to; empty: standard output.
+    std::string file;
 };
 
-/// Adds `--format` and `--all`. `options` outlives the app.
+/// Adds `--format`, `--all`, `--limit`, `--count` and `-o`. `options` outlives the app.
 void add_output_options(CLI::App& arguments, OutputOptions* options);
+
+/// The long names of these options.
+std::vector<std::string> output_option_names();
 
 Format chosen_format(const OutputOptions& options);
 
-/// Writes the data to standard output.
+/// Whether the format tells numbers from texts.
+bool is_typed(Format format);
+
+/// Writes the data.
 ///   csv    RFC 4180, a header line first; lines end in LF
+///   tsv    the same as `lines`, with a header line
 ///   json   one object on one line
+///   jsonl  an object per row, each on a line of its own
 ///   lines  a line per row, values separated by tabs; a tab, CR or LF in a value appears as \t, \r
 ///          or \n
 ///   table  for people: aligned, with escapes for characters that cannot be shown; on a terminal
 ///          shortened to its height unless `all` is set
-/// CSV, JSON and lines are always complete. Throws `CommandFailure` when it cannot be written.
+/// In JSON, numbers of the database are numbers, and 'no value' is null. All but tables are always
+/// complete up to the limit. A file is replaced only once it is complete. Throws `CommandFailure`
+/// when it cannot be written.
 void write_data(const DataTable& table, const OutputOptions& options);
 
 /// Writes a text to standard output as it is. Throws `CommandFailure` when it cannot be written.

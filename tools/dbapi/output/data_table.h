@@ -6,10 +6,16 @@
 #include <vector>
 
 namespace dbapi::tool {
+/// One column of data, as text.
 struct DataColumn
 {
+    /// What the texts are: words of the program, texts of a database, or its numbers, of both of
+    /// which an empty one is 'no value'.
+    enum class Content { Words, Texts, Numbers };
+
     std::string heading;
     std::vector<std::string> values;
+    Content content = Content::Words;
 };
 
 /// Data in columns of equal length.

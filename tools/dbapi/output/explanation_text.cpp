@@ -6,7 +6,6 @@
 #include "dbsuggest/wrapped_text.h"
 
 #include "tools/dbapi/output/table_output.h"
-#include "tools/dbapi/output/terminal.h"
 
 #include <algorithm>
 
@@ -14,11 +13,6 @@ namespace dbapi::tool {
 namespace {
 /// A term that is longer is cut.
 constexpr std::size_t kWidestTerm = 60;
-
-std::string heading(const std::string& text)
-{
-    return "\n" + styled(text, Style::Bold, stdout) + "\n";
-}
 
 std::string cut(const std::string& text)
 {
@@ -35,6 +29,28 @@ std::string indented(const std::string& lines)
     }
     return text;
 }
+
+/// How the lines are laid out.
+struct Layout
+{
+    std::size_t width;
+    bool isBold;
+
+    [[nodiscard]] std::string heading(const std::string& text) const
+    {
+        return "\n" + (isBold ? bold_text(text) : text) + "\n";
+    }
+
+    [[nodiscard]] std::string wrapped(const std::string& text, std::size_t indent = 2) const
+    {
+        return wrapped_text(text, indent, width);
+    }
+
+    [[nodiscard]] std::string table(const DataTable& table) const
+    {
+        return indented(table_text(table, {kAllRows, isBold}));
+    }
+};
 
 /// The lines of the query's tree.
 class TreeTable
@@ -110,7 +126,7 @@ private:
     DataColumn points_;
 };
 
-std::string verdict(const Explanation& explanation, std::size_t width)
+std::string verdict(const Explanation& explanation, const Layout& layout)
 {
     const ReadExplanation& read = explanation.read;
     const bool isOne = read.rows == 1;
@@ -122,44 +138,43 @@ std::string verdict(const Explanation& explanation, std::size_t width)
         text += ", from " + records_text(explanation.keptRecords(), explanation.table);
     }
     text += ", in " + time_text(read.seconds) + " on " + explanation.engine + ".";
-    return wrapped_text(text, 0, width);
+    return layout.wrapped(text, 0);
 }
 
-std::string nothing_text(const NothingFound& nothing, std::size_t width)
+std::string nothing_text(const NothingFound& nothing, const Layout& layout)
 {
     if (nothing.reasons.empty()) {
         return {};
     }
-    std::string text = heading("What leaves nothing");
+    std::string text = layout.heading("What leaves nothing");
     for (const std::string& reason : nothing.reasons) {
-        text += wrapped_text(reason, 2, width);
+        text += layout.wrapped(reason);
     }
     if (!nothing.suggestions.empty()) {
-        text += heading("What to try");
+        text += layout.heading("What to try");
     }
     for (const std::string& suggestion : nothing.suggestions) {
-        text += wrapped_text(suggestion, 2, width);
+        text += layout.wrapped(suggestion);
     }
     return text;
 }
 
-std::string tree_text(const Explanation& explanation, std::size_t width)
+std::string tree_text(const Explanation& explanation, const Layout& layout)
 {
-    std::string text = heading("Query");
+    std::string text = layout.heading("Query");
     const std::string all = records_text(explanation.records, explanation.table);
     if (!explanation.tree.has_value()) {
-        return text + wrapped_text("Empty: all of " + all + " count.", 2, width);
+        return text + layout.wrapped("Empty: all of " + all + " count.");
     }
     const TreeTable lines(explanation);
-    text += indented(table_text(lines.table(), false));
-    text += wrapped_text(lines.legend(), 2, width);
+    text += layout.table(lines.table());
+    text += layout.wrapped(lines.legend());
     return explanation.tree->isCountedInParts()
                ? text
-               : text + wrapped_text(
-                            "The query has more parts than are counted one by one.", 2, width);
+               : text + layout.wrapped("The query has more parts than are counted one by one.");
 }
 
-std::string keys_text(const Explanation& explanation)
+std::string keys_text(const Explanation& explanation, const Layout& layout)
 {
     DataTable table{
         {},
@@ -182,24 +197,23 @@ std::string keys_text(const Explanation& explanation)
             table.columns[i].values.push_back(cells[i]);
         }
     }
-    return table.rows() == 0 ? "" : heading("Keywords") + indented(table_text(table, false));
+    return table.rows() == 0 ? "" : layout.heading("Keywords") + layout.table(table);
 }
 
-std::string points_text(const Explanation& explanation, std::size_t width)
+std::string points_text(const Explanation& explanation, const Layout& layout)
 {
     if (!explanation.read.points.has_value()) {
         return {};
     }
     const dbif::TracedPoints& points = *explanation.read.points;
-    return heading("Decided on points, in memory") +
-           wrapped_text(
+    return layout.heading("Decided on points, in memory") +
+           layout.wrapped(
                "SQL, which compares the records and the smallest and largest value of each setup's "
                "keys, leaves " +
-                   records_text(points.setups, dbif::RecordTable::Setup) + ". Of their " +
-                   std::to_string(points.points) + " points, " + std::to_string(points.keptPoints) +
-                   " of " + records_text(points.keptSetups, dbif::RecordTable::Setup) +
-                   " satisfy the query.",
-               2, width);
+               records_text(points.setups, dbif::RecordTable::Setup) + ". Of their " +
+               std::to_string(points.points) + " points, " + std::to_string(points.keptPoints) +
+               " of " + records_text(points.keptSetups, dbif::RecordTable::Setup) +
+               " satisfy the query.");
 }
 
 /// Whether the statement is the same for every read.
@@ -208,42 +222,43 @@ bool is_usual(const dbif::TracedStatement& statement)
     return statement.step == dbif::kDefinitionsStep || statement.step == dbif::kFreshnessStep;
 }
 
-std::string statements_text(const Explanation& explanation, std::size_t width)
+std::string statements_text(const Explanation& explanation, const Layout& layout)
 {
-    std::string text = heading("SQL and plan");
+    std::string text = layout.heading("SQL and plan");
     std::size_t hidden = 0;
     for (const dbif::TracedStatement& statement : explanation.read.statements) {
         if (is_usual(statement)) {
             hidden += statement.runs;
         } else {
-            text += statement_text(statement, width);
+            text += statement_text(statement, layout.width);
         }
     }
     if (hidden > 0) {
-        text += wrapped_text(
+        text += layout.wrapped(
             "Left out: " + counted(hidden, "short statement") + " that " + dbif::kFreshnessStep +
-                " or " + dbif::kDefinitionsStep + " (--format json has them).",
-            2, width);
+            " or " + dbif::kDefinitionsStep + " (--format json has them).");
     }
     return text;
 }
 
-std::string times_text(const Explanation& explanation)
+std::string times_text(const Explanation& explanation, const Layout& layout)
 {
     DataTable table{{}, "", {{"step", {}}, {"time", {}}}};
     for (const dbif::TracedStep& step : explanation.read.steps) {
         table.columns[0].values.push_back(step.name);
         table.columns[1].values.push_back(time_text(step.seconds));
     }
-    return heading("Time") + indented(table_text(table, false));
+    return layout.heading("Time") + layout.table(table);
 }
 } // namespace
 
-std::string explanation_text(const Explanation& explanation, std::size_t width)
+std::string explanation_text(const Explanation& explanation, std::size_t width, bool isBold)
 {
-    return verdict(explanation, width) + nothing_text(explanation.nothing, width) +
-           tree_text(explanation, width) + keys_text(explanation) + heading("Superseded records") +
-           wrapped_text(explanation.whyLatest, 2, width) + points_text(explanation, width) +
-           statements_text(explanation, width) + times_text(explanation);
+    const Layout layout{width, isBold};
+    return verdict(explanation, layout) + nothing_text(explanation.nothing, layout) +
+           tree_text(explanation, layout) + keys_text(explanation, layout) +
+           layout.heading("Superseded records") + layout.wrapped(explanation.whyLatest) +
+           points_text(explanation, layout) + statements_text(explanation, layout) +
+           times_text(explanation, layout);
 }
 } // namespace dbapi::tool

@@ -13,6 +13,7 @@
 #include "dbsuggest/query_fault.h"
 #include "dbsuggest/stored_names.h"
 
+#include "tools/dbapi/output/data_output.h"
 #include "tools/dbapi/output/terminal.h"
 
 #include <CLI/CLI.hpp>
@@ -82,6 +83,13 @@ bool is_undrawable(KnownKeys& keys, const DataRequest& request)
     throw_call_failure(request, errors);
 }
 
+void require_none(const std::string& fault)
+{
+    if (!fault.empty()) {
+        throw CommandFailure(ExitCode::File, fault);
+    }
+}
+
 /// The picture of several keywords; what there is to say about it goes to `notes`.
 Picture draw_curves(const DataRequest& request, const PlotOptions& options, std::string* notes)
 {
@@ -146,16 +154,16 @@ void add_plot_options(CLI::App& arguments, PlotOptions* options)
         ->needs(plot);
     arguments.add_flag("--logy", options->isYLogarithmic, "with --plot: a logarithmic y axis")
         ->needs(plot);
-    for (const char* other : {"--distinct", "--format", "--all"}) {
+    plot->excludes(arguments.get_option("--distinct"));
+    for (const std::string& other : output_option_names()) {
         plot->excludes(arguments.get_option(other));
     }
 }
 
 bool plot_values(const DataRequest& request, const PlotOptions& options)
 {
-    if (!is_script(options.file)) {
-        require_gnuplot();
-    }
+    // Before much is read for nothing.
+    require_none(is_script(options.file) ? "" : missing_gnuplot());
     std::string notes;
     Picture picture = request.keywords.size() == 1 ? draw_distribution(request, options, &notes)
                                                    : draw_curves(request, options, &notes);
@@ -167,8 +175,9 @@ bool plot_values(const DataRequest& request, const PlotOptions& options)
         return false;
     }
     const std::string script = plot_script(picture);
-    is_script(options.file) ? keep_script(script, options.file)
-                            : draw_with_gnuplot(script, options.file);
+    require_none(
+        is_script(options.file) ? keep_script(script, options.file)
+                                : draw_with_gnuplot(script, options.file));
     talk("Drew " + description(picture) + " into " + dbapi::quoted(options.file) + "." + notes);
     return true;
 }

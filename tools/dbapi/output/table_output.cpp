@@ -3,16 +3,11 @@
 #include "dbif/host/host_number.h"
 #include "dbsuggest/display_text.h"
 
-#include "tools/dbapi/output/terminal.h"
-
 #include <algorithm>
 #include <cmath>
 
 namespace dbapi::tool {
 namespace {
-constexpr std::size_t kFewestRows = 10;
-/// The header line, the last line and the prompt.
-constexpr std::size_t kOtherLines = 4;
 /// A value longer than this is cut in a shortened table.
 constexpr std::size_t kWidestValue = 60;
 
@@ -54,30 +49,20 @@ std::string row_text(const std::vector<ShownColumn>& columns, std::size_t row)
 }
 } // namespace
 
-std::string table_text(const DataTable& table, bool isShortened)
+std::string table_text(const DataTable& table, const TableLayout& layout)
 {
     if (table.rows() == 0) {
         return {};
     }
-    std::size_t rows = table.rows();
-    if (isShortened) {
-        const std::size_t height = terminal_size(stdout).rows;
-        const std::size_t most =
-            std::max(height > kOtherLines ? height - kOtherLines : 0, kFewestRows);
-        rows = std::min(rows, most);
-    }
+    const std::size_t rows = std::min(table.rows(), layout.shownRows);
     std::vector<ShownColumn> columns;
     for (const DataColumn& column : table.columns) {
-        columns.push_back(show(column, rows, isShortened));
+        columns.push_back(show(column, rows, layout.isCut));
     }
-    std::string text = styled(row_text(columns, 0), Style::Bold, stdout) + "\n";
+    const std::string headings = row_text(columns, 0);
+    std::string text = (layout.isBold ? bold_text(headings) : headings) + "\n";
     for (std::size_t row = 1; row <= rows; ++row) {
         text += row_text(columns, row) + "\n";
-    }
-    const std::size_t hidden = table.rows() - rows;
-    if (hidden > 0) {
-        text += "... and " + std::to_string(hidden) + (hidden == 1 ? " more row" : " more rows") +
-                ". See all with --all, or with --format csv.\n";
     }
     return text;
 }

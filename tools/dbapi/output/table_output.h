@@ -2,11 +2,23 @@
 
 #include "tools/dbapi/output/data_table.h"
 
+#include <cstddef>
+#include <limits>
 #include <string>
 
 namespace dbapi::tool {
+inline constexpr std::size_t kAllRows = std::numeric_limits<std::size_t>::max();
+
+struct TableLayout
+{
+    /// The first so many rows are shown.
+    std::size_t shownRows = kAllRows;
+    /// Whether the headings are bold, by a terminal's escapes.
+    bool isBold = false;
+    /// Whether long values are cut.
+    bool isCut = false;
+};
+
 /// The data as a table for people, or nothing when it has no rows. Columns of numbers stand right.
-/// When `isShortened`, the table fits the height of the terminal, long values are cut, and a last
-/// line says how many rows are missing.
-std::string table_text(const DataTable& table, bool isShortened);
+std::string table_text(const DataTable& table, const TableLayout& layout);
 } // namespace dbapi::tool

@@ -15,14 +15,6 @@
 
 namespace dbapi::tool {
 namespace {
-bool shows_colours(std::FILE* stream)
-{
-    const char* noColour = std::getenv("NO_COLOR");
-    const char* terminal = std::getenv("TERM");
-    return is_terminal(stream) && (noColour == nullptr || *noColour == '\0') &&
-           terminal != nullptr && std::string_view(terminal) != "dumb";
-}
-
 /// Reads keys one by one without echo while it lives. Also takes the keys that would stop the
 /// program, so that it is never left without echo.
 class SilentKeys
@@ -57,6 +49,20 @@ public:
 private:
     termios before_{};
 };
+
+/// The lines of a text as they may go to a terminal, each with its end.
+std::string shown_lines(const std::string& text)
+{
+    std::string shown;
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const std::size_t end = std::min(text.find('\n', begin), text.size());
+        std::string line = display_text(std::string_view(text).substr(begin, end - begin));
+        line.erase(line.find_last_not_of(' ') + 1);
+        shown += line + "\n";
+        begin = end + 1;
+    }
+    return shown;
+}
 } // namespace
 
 bool is_terminal(std::FILE* stream)
@@ -75,30 +81,31 @@ TerminalSize terminal_size(std::FILE* stream)
     return size;
 }
 
+bool shows_colours(std::FILE* stream)
+{
+    const char* noColour = std::getenv("NO_COLOR");
+    const char* terminal = std::getenv("TERM");
+    return is_terminal(stream) && (noColour == nullptr || *noColour == '\0') &&
+           terminal != nullptr && std::string_view(terminal) != "dumb";
+}
+
 std::string styled(const std::string& text, Style style, std::FILE* stream)
 {
     if (style == Style::Plain || !shows_colours(stream)) {
         return text;
     }
-    return (style == Style::Bold ? "\x1b[1m" : "\x1b[1;31m") + text + "\x1b[0m";
+    return style == Style::Bold ? bold_text(text) : "\x1b[1;31m" + text + "\x1b[0m";
 }
 
-void talk(const std::string& line)
+void talk(const std::string& text)
 {
-    std::fputs((line + "\n").c_str(), stderr);
+    std::fputs(shown_lines(text).c_str(), stderr);
 }
 
 void tell_error(const std::string& text)
 {
-    std::string shown = styled("dbapi:", Style::Alert, stderr) + " ";
-    for (std::size_t begin = 0; begin <= text.size();) {
-        const std::size_t end = std::min(text.find('\n', begin), text.size());
-        std::string line = display_text(std::string_view(text).substr(begin, end - begin));
-        line.erase(line.find_last_not_of(' ') + 1);
-        shown += line + "\n";
-        begin = end + 1;
-    }
-    std::fputs(shown.c_str(), stderr);
+    const std::string name = styled("dbapi:", Style::Alert, stderr);
+    std::fputs((name + " " + shown_lines(text)).c_str(), stderr);
 }
 
 std::string ask_secretly(const std::string& prompt)

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace dbapi::tool {
+/// What a data call is given.
+struct DataRequest
+{
+    std::string connection;
+    std::vector<std::string> keywords;
+    std::string query;
+};
+} // namespace dbapi::tool
