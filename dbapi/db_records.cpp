@@ -2,9 +2,9 @@
 
 #include "dbapi/call/public_call.h"
 #include "dbapi/db_values.h"
-#include "dbapi/wall/alldata_command.h"
-#include "dbapi/wall/value_retrieval.h"
+#include "dbapi/read/keyword_read.h"
 #include "dbapi/words/builtin_keynames.h"
+#include "dbapi/words/query_command.h"
 #include "dbif/host/error_text.h"
 #include "dbif/host/host_string.h"
 #include "dbif/schema/schema_names.h"
@@ -37,11 +37,18 @@ bool add_ids(const std::vector<std::string>& values, std::set<int>* ids)
     return true;
 }
 
-std::string message_of(const DBIF_Exception& exception)
+/// The ids of the records that the query selects, as texts.
+std::vector<std::string>
+read_ids(const std::string& connectionName, const std::string& tablename, const std::string& query)
 {
-    std::string text;
-    dbapi_build_error_string_from_dbif_exception(exception, &text);
-    return text;
+    try {
+        const dbapi::Selection selection = dbapi::select_records_of_call(connectionName, query);
+        dbif::QueryResult result =
+            dbif::read_columns(dbapi::read_of_keyword(selection, id_keyword(tablename), true));
+        return dbif::take_texts(&result.columns.front());
+    } catch (const DBIF_Exception& exception) {
+        throw dbapi::FaultError(dbapi::database_fault(exception));
+    }
 }
 } // namespace
 
@@ -54,32 +61,21 @@ bool dbapi_get_table_ids_from_query_for_tablename(
 {
     ids->clear();
     dbif::clear_error(errors);
-    const dbapi::PublicCall call(connectionName, query, errors);
-    if (!call.hasBegun()) {
-        return false;
-    }
-    std::vector<std::string> values;
-    std::string reason;
-    bool isRead = false;
-    try {
-        isRead = dbapi_get_text_values_for_unresolved_keyword(
-            true, connectionName, id_keyword(tablename), &values, query, &reason);
-    } catch (const DBIF_Exception& exception) {
-        reason = message_of(exception);
-    }
-    if (!isRead) {
-        dbif::deliver_error(
-            errors, "Error: Couldn't retrieve table ids for table name: \"" + tablename + "\". \n" +
-                        reason);
-        return false;
-    }
-    if (!add_ids(values, ids)) {
-        dbif::deliver_error(
-            errors, "Error retrieving integer table ids for table name: \"" + tablename +
-                        "\". \nTable ids were stored as non-integer values in database.\n");
-        return false;
-    }
-    return true;
+    return dbapi::run_call(connectionName, query, errors, [&] {
+        std::vector<std::string> values;
+        try {
+            values = read_ids(connectionName, tablename, query);
+        } catch (const dbapi::FaultError& error) {
+            throw dbapi::FaultError(error.fault().under(
+                "Error: Couldn't retrieve table ids for table name: \"" + tablename + "\". \n"));
+        }
+        if (!add_ids(values, ids)) {
+            dbapi::Fault fault;
+            fault.text = "Error retrieving integer table ids for table name: \"" + tablename +
+                         "\". \nTable ids were stored as non-integer values in database.\n";
+            throw dbapi::FaultError(std::move(fault));
+        }
+    });
 }
 
 bool dbapi_build_query_str_for_get_key_values_for_table_id_for_tablename(
@@ -95,21 +91,15 @@ bool dbapi_build_query_str_for_get_key_values_for_table_id_for_tablename(
     if (dbapi_convert_keyword_to_builtin_keyname(keyword, &builtin)) {
         keyword = builtin;
     }
-    std::string rest = dbif::trimmed(query);
-    std::string afterCommand;
-    std::string commandErrors;
-    const bool isAllData = dbapi_found_and_removed_alldata_condition_from_query_str(
-        rest, &afterCommand, nullptr, &commandErrors);
-    if (!commandErrors.empty()) {
-        dbif::deliver_error(errors, commandErrors);
-        return false;
+    try {
+        const dbapi::CommandedQuery split = dbapi::split_query_command(query);
+        *queryOut = std::string(split.isAllData ? "ALLDATA: " : "") + "{" + keyword + "=" +
+                    std::to_string(id) + "}" +
+                    (split.rest.empty() ? "" : " AND " + std::string(split.rest));
+        return true;
+    } catch (const dbapi::FaultError& error) {
+        return dbapi::fail_call(error.fault(), errors);
     }
-    if (isAllData) {
-        rest = afterCommand;
-    }
-    *queryOut = std::string(isAllData ? "ALLDATA: " : "") + "{" + keyword + "=" +
-                std::to_string(id) + "}" + (rest.empty() ? "" : " AND " + rest);
-    return true;
 }
 
 bool dbapi_get_text_key_values_for_table_id_for_tablename(
@@ -122,23 +112,11 @@ bool dbapi_get_text_key_values_for_table_id_for_tablename(
     std::string* errors)
 {
     values->clear();
-    std::string reason;
     std::string recordQuery;
-    if (!dbapi_build_query_str_for_get_key_values_for_table_id_for_tablename(
-            tablename, id, &recordQuery, query, &reason)) {
-        dbif::deliver_error(errors, reason);
-        return false;
-    }
-    const dbapi::PublicCall call(connectionName, recordQuery, errors);
-    if (!call.hasBegun()) {
-        return false;
-    }
-    if (!dbapi::db_get_values_for_keyword_as_text(
-            connectionName, keyword, values, recordQuery, &reason)) {
-        dbif::deliver_error(errors, reason);
-        return false;
-    }
-    return true;
+    return dbapi_build_query_str_for_get_key_values_for_table_id_for_tablename(
+               tablename, id, &recordQuery, query, errors) &&
+           dbapi::db_get_values_for_keyword_as_text(
+               connectionName, keyword, values, recordQuery, errors);
 }
 
 namespace dbapi {

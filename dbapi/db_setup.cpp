@@ -1,8 +1,7 @@
 #include "dbapi/db_setup.h"
 
-#include "dbapi/call/connection_access.h"
 #include "dbapi/call/public_call.h"
-#include "dbapi/wall/keyword_split.h"
+#include "dbapi/words/keyword_parts.h"
 #include "dbapi/words/vocabulary.h"
 #include "dbif/engine/sql_text.h"
 #include "dbif/host/error_text.h"
@@ -14,13 +13,12 @@
 namespace {
 bool fail(std::string* errors, const std::string& message)
 {
-    dbif::deliver_error(errors, message);
-    return false;
+    return dbapi::fail_call(dbapi::argument_fault(message), errors);
 }
 
 std::string full_keyword(const DBIF_SetupColumn& column)
 {
-    return dbapi_full_keyname_from_keyname_and_attributes(
+    return dbapi::function_form(
         dbif::to_utf8(column.getName()), "setup",
         dbapi::convert_to_full_datatype_name(dbif::to_utf8(column.getDataType())),
         dbapi::convert_setup_is_input_to_full_category_name(column.isInput()));
@@ -39,28 +37,15 @@ std::vector<std::string> texts_of(const dbif::SweepArrays& arrays, const DBIF_Se
     return texts;
 }
 
-/// Runs one read on a stored connection within the cache's guard. `read` returns its error text,
-/// empty for success.
+/// Runs one read on a stored connection as a public call.
 template <typename Read>
 bool read_setup(const std::string& connectionName, std::string* errors, const Read& read)
 {
     // The setup is read by its id alone; the query string is that of reading everything.
-    const dbapi::PublicCall call(connectionName, std::string(), errors);
-    if (!call.hasBegun()) {
-        return false;
-    }
-    std::string reason;
-    DBIF_Connection* handle = nullptr;
-    if (!dbapi_get_connection_object_by_name(connectionName, &handle, &reason)) {
-        return fail(errors, reason);
-    }
-    const dbapi::CallConnection connection(handle);
-    try {
-        reason = read(*connection);
-    } catch (const DBIF_Exception& exception) {
-        dbapi_build_error_string_from_dbif_exception(exception, &reason);
-    }
-    return reason.empty() || fail(errors, reason);
+    return dbapi::run_call_without_exceptions(connectionName, std::string(), errors, [&] {
+        DBIF_Connection connection = dbapi::connection_for_call(connectionName);
+        read(connection);
+    });
 }
 } // namespace
 
@@ -84,13 +69,13 @@ bool dbapi_get_setup_keys_values_for_setup_id_as_text(
     return read_setup(connectionName, errors, [&](DBIF_Connection& connection) {
         const QSharedPointer<DBIF_Setup> setup = DBIF_Setup::get(connection, setupId);
         if (setup == nullptr) {
-            return failure + "The database holds no setup with id " + id + ".\n";
+            throw dbapi::FaultError(dbapi::argument_fault(
+                failure + "The database holds no setup with id " + id + ".\n"));
         }
         for (const DBIF_SetupColumn& column : setup->getColumns()) {
             keys->push_back(full_keyword(column));
             values->push_back(texts_of(setup->arrays(), column));
         }
-        return std::string();
     });
 }
 
@@ -136,7 +121,6 @@ bool db_get_column_dataheader_from_setup_id(
         if (rows.next()) {
             *header = dbif::to_utf8(rows.value(0).toString());
         }
-        return std::string();
     });
 }
 } // namespace dbapi

@@ -1,15 +1,25 @@
 #include "dbapi/db_values.h"
 
 #include "dbapi/call/public_call.h"
-#include "dbapi/keyword_query.h"
-#include "dbapi/wall/value_retrieval.h"
+#include "dbapi/read/keyword_read.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/host/error_text.h"
-#include "dbif/retrieval/query_run.h"
-#include "dbif/retrieval/vanto_query.h"
 
 namespace {
-bool get_values_for_keyword(
+/// Runs a read, and writes its columns as texts.
+std::vector<std::vector<std::string>> read_texts(dbif::ColumnRead read)
+{
+    const DBIF_Connection connection = read.connection;
+    dbif::QueryResult result = dbif::read_columns(std::move(read));
+    const dbif::TraceStep step(connection.trace(), "write the values as text");
+    std::vector<std::vector<std::string>> texts;
+    for (dbif::ResultColumn& column : result.columns) {
+        texts.push_back(dbif::take_texts(&column));
+    }
+    return texts;
+}
+
+bool get_values_of_keyword(
     bool distinct,
     const std::string& connectionName,
     const std::string& keyword,
@@ -18,35 +28,11 @@ bool get_values_for_keyword(
     std::string* errors)
 {
     values->clear();
-    const dbapi::PublicCall call(connectionName, query, errors);
-    if (!call.hasBegun()) {
-        return false;
-    }
-    std::vector<std::string> found;
-    std::string reason;
-    if (!dbapi_get_text_values_for_unresolved_keyword(
-            distinct, connectionName, keyword, &found, query, &reason)) {
-        dbif::deliver_error(errors, reason);
-        return false;
-    }
-    *values = std::move(found);
-    return true;
-}
-
-std::vector<std::vector<std::string>> read_rows(const dbapi::KeywordQuery& given, bool distinct)
-{
-    DBIF_VantoQuery query = given.query();
-    for (const dbapi::QueryColumn& column : given.columns) {
-        query.addOrder(column.table, column.column, true);
-    }
-    query.markDistinct(distinct);
-    dbif::QueryResult result = dbif::run_query(query);
-    const dbif::TraceStep step(given.connection.trace(), "write the values as text");
-    std::vector<std::vector<std::string>> texts;
-    for (dbif::ResultColumn& column : result.columns) {
-        texts.push_back(dbif::take_texts(&column));
-    }
-    return texts;
+    return dbapi::run_call(connectionName, query, errors, [&] {
+        const dbapi::Selection selection = dbapi::select_records_of_call(connectionName, query);
+        *values =
+            std::move(read_texts(dbapi::read_of_keyword(selection, keyword, distinct)).front());
+    });
 }
 } // namespace
 
@@ -55,23 +41,19 @@ bool dbapi_get_values_for_keywords(
     const std::string& connectionName,
     const std::vector<std::string>& keywords,
     std::vector<std::vector<std::string>>* values,
-    const std::string& givenQuery,
+    const std::string& query,
     std::string* errors)
 {
     values->clear();
     dbif::clear_error(errors);
-    const dbapi::PublicCall call(connectionName, givenQuery, errors);
-    if (!call.hasBegun()) {
-        return false;
-    }
-    std::string reason;
-    const bool isRead = dbapi::with_keyword_query(
-        connectionName, keywords, givenQuery, &reason,
-        [&](const dbapi::KeywordQuery& query) { *values = read_rows(query, distinct); });
-    if (!isRead) {
-        dbif::deliver_error(errors, reason);
-    }
-    return isRead;
+    return dbapi::run_call(connectionName, query, errors, [&] {
+        dbif::ColumnRead read = dbapi::read_of_keywords(connectionName, keywords, query);
+        for (std::size_t place = 0; place < read.columns.size(); ++place) {
+            read.order.push_back({place, true});
+        }
+        read.distinct = distinct;
+        *values = read_texts(std::move(read));
+    });
 }
 
 namespace dbapi {
@@ -82,7 +64,7 @@ bool db_get_values_for_keyword_as_text(
     const std::string& query,
     std::string* errors)
 {
-    return get_values_for_keyword(false, connectionName, keyword, values, query, errors);
+    return get_values_of_keyword(false, connectionName, keyword, values, query, errors);
 }
 
 bool db_get_distinct_values_for_keyword_as_text(
@@ -92,7 +74,7 @@ bool db_get_distinct_values_for_keyword_as_text(
     const std::string& query,
     std::string* errors)
 {
-    return get_values_for_keyword(true, connectionName, keyword, values, query, errors);
+    return get_values_of_keyword(true, connectionName, keyword, values, query, errors);
 }
 
 bool db_get_values_for_keywords(

@@ -3,6 +3,7 @@
 // All public calls of the library.
 #include "dbapi/db_connections.h"
 #include "dbapi/db_curves.h"
+#include "dbapi/db_fault.h"
 #include "dbapi/db_listing.h"
 #include "dbapi/db_records.h"
 #include "dbapi/db_setup.h"

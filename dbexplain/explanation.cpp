@@ -12,7 +12,7 @@ bool KeyExplanation::isNumber() const
 
 bool KeyExplanation::isOnPoints() const
 {
-    return found.key.tablename == dbif::facts(dbif::RecordTable::Setup).name && !isFixed();
+    return found.column().isOnPoints();
 }
 
 const KeyExplanation* Explanation::keyOf(const std::string& keyword) const

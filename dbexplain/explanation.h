@@ -1,7 +1,7 @@
 #pragma once
 
+#include "dbapi/key/key_resolution.h"
 #include "dbapi/query/query_syntax.h"
-#include "dbapi/resolution_rule.h"
 #include "dbif/condition/condition.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/schema/schema_names.h"
@@ -25,13 +25,21 @@ struct KeyExplanation
     /// Whether its values are asked for, and whether the query compares it.
     bool isAsked = false;
     bool isCompared = false;
-    dbapi::RuledKey found;
+    /// Which key, and by which rule; always a found one.
+    dbapi::Resolution found;
     /// For people: "INPUT", "fixed column" or nothing; "DOUBLE", "whole number" and so on.
     std::string category;
     std::string datatype;
     std::string rule;
 
-    [[nodiscard]] bool isFixed() const { return category == kFixedColumn; }
+    [[nodiscard]] std::string keyName() const { return std::string(found.column().name()); }
+
+    [[nodiscard]] std::string tableName() const
+    {
+        return std::string(dbif::facts(found.column().table()).name);
+    }
+
+    [[nodiscard]] bool isFixed() const { return !found.column().isKey(); }
 
     [[nodiscard]] bool isNumber() const;
     /// Whether it has a value per point of a setup.
@@ -109,6 +117,8 @@ struct Explanation
     bool isOfPoints = false;
     /// Nothing for the empty query.
     std::optional<NodeExplanation> tree;
+    /// Parts of the query that select nothing.
+    std::vector<dbapi::IgnoredText> ignored;
     ReadExplanation read;
     NothingFound nothing;
 

@@ -1,7 +1,7 @@
 #include "dbexplain/key_explanation.h"
 
-#include "dbapi/wall/keyword_split.h"
 #include "dbapi/words/vocabulary.h"
+#include "dbif/host/host_string.h"
 
 #include <algorithm>
 
@@ -12,9 +12,9 @@ std::string count_text(std::size_t count, const std::string& name)
     return std::to_string(count) + " keys named " + name;
 }
 
-std::string rule_text(const RuledKey& found, bool isUnderQuery)
+std::string rule_text(const Resolution& found, bool isUnderQuery)
 {
-    const std::string& name = found.key.keyname;
+    const std::string name(found.column().name());
     switch (found.rule) {
     case ResolutionRule::Builtin:
         return "builtin keyname";
@@ -34,23 +34,11 @@ std::string rule_text(const RuledKey& found, bool isUnderQuery)
            (isUnderQuery ? "the selected records have" : "records have");
 }
 
-std::string fixed_datatype(const ResolvedKey& key)
+std::string datatype_of(const dbif::TableColumn& column)
 {
-    const dbif::TableFacts* table = dbif::find_table(key.tablename);
-    const dbif::FixedColumnFacts* column =
-        table == nullptr ? nullptr : dbif::find_fixed_column(*table, key.keyname);
-    if (column == nullptr) {
-        return {};
-    }
-    switch (column->kind) {
-    case dbif::FixedKind::Id:
-        return kWholeNumber;
-    case dbif::FixedKind::Number:
-        return convert_to_full_datatype_name("DOUBLE");
-    case dbif::FixedKind::Text:
-        break;
-    }
-    return convert_to_full_datatype_name("TEXT");
+    const bool isId = !column.isKey() && column.fixed().kind == dbif::FixedKind::Id;
+    return isId ? kWholeNumber
+                : convert_to_full_datatype_name(dbif::to_utf8(dbif::datatype_name(column.kind())));
 }
 } // namespace
 
@@ -67,24 +55,22 @@ std::vector<KeyExplanation> explain_keys(
             std::any_of(keys.begin(), keys.end(), [&keyword](const KeyExplanation& key) {
                 return key.keyword == keyword;
             });
-        KeyExplanation key{keyword, isAsked, compared.contains(keyword), {}, {}, {}, {}};
-        std::string ignored;
-        if (isKnown || !resolve_keyword_with_rule(
-                           connection, keyword, isAsked ? &condition : nullptr, latestOnly,
-                           &key.found, &ignored)) {
+        if (isKnown) {
             return;
         }
-        dbapi_extract_category_datatype_attributes(
-            key.found.key.attributes, &key.category, &key.datatype);
-        key.rule = rule_text(key.found, isAsked);
-        if (dbapi_is_category_fixed(key.category)) {
-            key.category = kFixedColumn;
-            key.datatype = fixed_datatype(key.found.key);
-        } else {
-            key.category = convert_to_full_category_name(key.category);
-            key.datatype = convert_to_full_datatype_name(key.datatype);
+        Resolution found =
+            resolve_keyword(connection, keyword, isAsked ? &condition : nullptr, latestOnly);
+        if (!found.isFound()) {
+            return;
         }
-        keys.push_back(std::move(key));
+        const dbif::TableColumn& column = found.column();
+        const std::string category =
+            column.isKey() ? convert_to_full_category_name(column.key().category) : kFixedColumn;
+        const std::string datatype = datatype_of(column);
+        const std::string rule = rule_text(found, isAsked);
+        keys.push_back(
+            {keyword, isAsked, compared.contains(keyword), std::move(found), category, datatype,
+             rule});
     };
     for (const std::string& keyword : asked) {
         add(keyword, true);

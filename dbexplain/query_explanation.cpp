@@ -1,9 +1,6 @@
 #include "dbexplain/query_explanation.h"
 
-#include "dbapi/query_terms.h"
-#include "dbapi/wall/alldata_command.h"
-#include "dbapi/wall/keyword_resolution.h"
-#include "dbapi/wall/query_parser.h"
+#include "dbapi/query/query_condition.h"
 #include "dbexplain/term_text.h"
 #include "dbif/condition/compound_condition.h"
 #include "dbif/connection/traced_connection.h"
@@ -23,13 +20,13 @@ class TreeExplainer
 {
 public:
     TreeExplainer(
-        DBIF_Connection& connection,
-        const std::map<std::string, std::set<std::string>>& resolved,
+        const QueryTree& tree,
+        const Resolutions& resolutions,
         const std::vector<KeyExplanation>& keys)
-        : connection_(connection), resolved_(resolved), keys_(keys)
+        : tree_(tree), resolutions_(resolutions), keys_(keys)
     {}
 
-    NodeExplanation explain(const QueryNode& node)
+    [[nodiscard]] NodeExplanation explain(const QueryNode& node) const
     {
         NodeExplanation explained;
         explained.kind = node.kind;
@@ -39,19 +36,11 @@ public:
         for (const auto& operand : node.operands) {
             explained.operands.push_back(explain(*operand));
         }
-        KTString error;
-        explained.condition = condition_of(connection_, node, resolved_, &error);
-        if (explained.condition == nullptr) {
-            error_ = error_.value_or(dbif::trimmed(error.str()));
-            return explained;
-        }
+        explained.condition = condition_of(tree_, node, resolutions_);
         explained.isOnPoints = dbif::is_decided_on_points(explained.condition.get());
         explained.text = textOf(node);
         return explained;
     }
-
-    /// Why the first term that no condition can be made of is wrong; nothing when all are right.
-    [[nodiscard]] const std::optional<std::string>& error() const { return error_; }
 
 private:
     [[nodiscard]] std::string textOf(const QueryNode& node) const
@@ -81,10 +70,9 @@ private:
         return found != keys_.end() && found->isNumber();
     }
 
-    DBIF_Connection& connection_;
-    const std::map<std::string, std::set<std::string>>& resolved_;
+    const QueryTree& tree_;
+    const Resolutions& resolutions_;
     const std::vector<KeyExplanation>& keys_;
-    std::optional<std::string> error_;
 };
 
 std::size_t count_nodes(const NodeExplanation& tree)
@@ -97,37 +85,13 @@ std::size_t count_nodes(const NodeExplanation& tree)
 }
 } // namespace
 
-std::string query_without_command(const std::string& query)
-{
-    std::string rest;
-    std::string ignored;
-    return dbapi_found_and_removed_alldata_condition_from_query_str(query, &rest, nullptr, &ignored)
-               ? rest
-               : dbif::trimmed(query);
-}
-
-std::optional<NodeExplanation> explain_tree(
+NodeExplanation explain_tree(
     DBIF_Connection& connection,
-    const std::string& query,
-    const std::vector<KeyExplanation>& keys,
-    bool latestOnly,
-    std::string* error)
+    const QueryTree& tree,
+    const std::vector<KeyExplanation>& keys)
 {
-    const auto tree = parse_query_syntax(query, false);
-    std::set<std::string> terms;
-    std::map<std::string, std::set<std::string>> resolved;
-    if (!collect_term_keywords(*tree, &terms, error) ||
-        !resolve_set_of_keywords_by_definition(
-            connection, terms, &resolved, nullptr, latestOnly, error)) {
-        return std::nullopt;
-    }
-    TreeExplainer explainer(connection, resolved, keys);
-    NodeExplanation explained = explainer.explain(*tree);
-    if (explainer.error().has_value()) {
-        *error = *explainer.error();
-        return std::nullopt;
-    }
-    return explained;
+    const Resolutions resolutions = resolve_terms(connection, tree);
+    return TreeExplainer(tree, resolutions, keys).explain(*tree.root);
 }
 
 KeptCount RecordCounter::count(const DBIF_QueryCondition* condition)

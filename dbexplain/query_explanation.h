@@ -8,18 +8,13 @@
 #include <vector>
 
 namespace dbapi::tool {
-/// The query behind an "ALLDATA:", if it has one.
-std::string query_without_command(const std::string& query);
-
-/// Explains the tree of a query (not an empty one) that the library has accepted, without what it
-/// keeps. `keys` has the keywords of its terms. Nothing, with the library's error text, for a query
-/// that the library refuses.
-std::optional<NodeExplanation> explain_tree(
+/// Explains the tree of a query that is not empty, without what it keeps. `keys` has the keywords
+/// of its terms. Throws `FaultError` for a query that the library refuses, and `DBIF_Exception` on
+/// a database error.
+NodeExplanation explain_tree(
     DBIF_Connection& connection,
-    const std::string& query,
-    const std::vector<KeyExplanation>& keys,
-    bool latestOnly,
-    std::string* error);
+    const QueryTree& tree,
+    const std::vector<KeyExplanation>& keys);
 
 /// Counts what conditions keep of one table.
 class RecordCounter

@@ -1,5 +1,6 @@
 #include "dbexplain/read_explanation.h"
 
+#include "dbapi/db_fault.h"
 #include "dbapi/db_records.h"
 #include "dbexplain/value_reading.h"
 #include "dbif/connection/traced_connection.h"
@@ -28,22 +29,22 @@ bool read(
 }
 } // namespace
 
-bool explain_read(
+void explain_read(
     const DBIF_Connection& connection,
     const DataRequest& request,
     dbif::RecordTable table,
-    ReadExplanation* explanation,
-    std::string* errors)
+    ReadExplanation* explanation)
 {
     dbif::ReadTrace trace(dbif::ReadTrace::Plans::Read);
-    bool isRead = false;
     {
         const dbif::TracedConnection traced(connection, &trace);
         const dbif::TraceStep whole(&trace, "everything else");
-        isRead = read(request, table, &explanation->rows, errors);
-    }
-    if (!isRead) {
-        return false;
+        std::string errors;
+        if (!read(request, table, &explanation->rows, &errors)) {
+            Fault fault = argument_fault(errors);
+            db_get_last_fault(&fault);
+            throw FaultError(std::move(fault));
+        }
     }
     explanation->steps = trace.steps();
     explanation->statements = trace.statements();
@@ -53,6 +54,5 @@ bool explain_read(
     for (const dbif::TracedStep& step : explanation->steps) {
         explanation->seconds += step.seconds;
     }
-    return true;
 }
 } // namespace dbapi::tool

@@ -1,7 +1,7 @@
 #include "dbexplain/term_text.h"
 
+#include "dbapi/query/engineering_values.h"
 #include "dbapi/query/value_list.h"
-#include "dbapi/wall/value_conversion.h"
 #include "dbif/host/host_string.h"
 
 namespace dbapi::tool {
@@ -9,14 +9,12 @@ namespace {
 /// Numbers as they were read, without quotes; texts in quotes.
 std::string values_text(const std::string& values, bool isNumber)
 {
-    std::string numbers;
-    KTString ignored;
-    if (!isNumber ||
-        !convert_value_str_to_proper_value_double_str(values, -1, &numbers, &ignored)) {
+    ConvertedValues converted = convert_values(values, -1);
+    if (!isNumber || converted.fault != ConvertedValues::Fault::None) {
         return values;
     }
-    std::erase(numbers, '\'');
-    return numbers;
+    std::erase(converted.text, '\'');
+    return converted.text;
 }
 
 std::string single_text(const std::string& value, bool isNumber)

@@ -1,7 +1,7 @@
 #include "dbimport/annotations.h"
 
-#include "dbapi/wall/keyword_split.h"
 #include "dbapi/words/builtin_keynames.h"
+#include "dbapi/words/keyword_parts.h"
 #include "dbapi/words/text_rules.h"
 #include "dbapi/words/vocabulary.h"
 #include "dbif/host/host_string.h"
@@ -187,14 +187,13 @@ void AnnotationReader::addKey(
     const std::string& value)
 {
     dbif::KeyValue key;
-    std::string table;
-    std::string attributes;
-    std::string error;
-    if (!break_keyword_into_keyname_tablename_extra_attributes(
-            keyword, &key.name, &table, &attributes, &error)) {
-        faults_->add(line, syntax_reason(error));
+    const SplitKeyword split = split_keyword(keyword);
+    if (split.fault.has_value()) {
+        faults_->add(line, syntax_reason(split.fault->text));
         return;
     }
+    key.name = split.parts.keyname;
+    const std::string& table = split.parts.tablename;
     if (db_is_vanto_builtin_keyname(key.name)) {
         faults_->add(
             line, quoted_beginning(keyword) +
@@ -202,14 +201,14 @@ void AnnotationReader::addKey(
                       " stands alone. Write it so.");
         return;
     }
-    std::string datatype;
-    dbapi_extract_category_datatype_attributes(attributes, &key.category, &datatype);
-    const std::string fault = fault_of_key(key.name, table, key.category, datatype);
+    const KeyAttributes attributes = split_attributes(split.parts.attributes);
+    key.category = attributes.category;
+    const std::string fault = fault_of_key(key.name, table, key.category, attributes.datatype);
     if (!fault.empty()) {
         faults_->add(line, quoted_beginning(keyword) + " defines no key. " + fault);
         return;
     }
-    key.kind = *dbif::value_kind(dbif::to_qt(datatype));
+    key.kind = *dbif::value_kind(dbif::to_qt(attributes.datatype));
     addKeyValue(line, table, std::move(key), value);
 }
 

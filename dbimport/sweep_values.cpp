@@ -1,6 +1,6 @@
 #include "dbimport/sweep_values.h"
 
-#include "dbapi/wall/keyword_split.h"
+#include "dbapi/words/keyword_parts.h"
 #include "dbapi/words/text_rules.h"
 #include "dbapi/words/vocabulary.h"
 #include "dbif/host/host_number.h"
@@ -138,18 +138,16 @@ bool set_key_value(const std::string& text, dbif::KeyValue* key, std::string* re
 
 bool make_sweep_column(const std::string& keyword, dbif::SetupColumn* column, std::string* reason)
 {
-    std::string name;
-    std::string table;
-    std::string attributes;
-    std::string error;
-    if (!break_keyword_into_keyname_tablename_extra_attributes(
-            keyword, &name, &table, &attributes, &error)) {
+    const SplitKeyword split = split_keyword(keyword);
+    if (split.fault.has_value()) {
         const bool isCut =
             dbif::upper_case(keyword).find("KEY(") != std::string::npos && !keyword.ends_with(")");
         return refuse(
-            reason, syntax_reason(error) +
+            reason, syntax_reason(split.fault->text) +
                         (isCut ? " A keyword with commas stands in double quotes." : ""));
     }
+    const std::string& name = split.parts.keyname;
+    const std::string& table = split.parts.tablename;
     if (name.empty() || name.front() == '$' || (!table.empty() && table != "setup")) {
         return refuse(
             reason, quoted_beginning(keyword) +
@@ -157,12 +155,10 @@ bool make_sweep_column(const std::string& keyword, dbif::SetupColumn* column, st
                         "Columns are named like IND.VG (an input) or OUTD.ID (an "
                         "output).");
     }
-    std::string category;
-    std::string datatype;
+    const KeyAttributes attributes = split_attributes(split.parts.attributes);
     bool isOutput = false;
-    dbapi_extract_category_datatype_attributes(attributes, &category, &datatype);
-    const std::optional<dbif::ValueKind> kind = dbif::value_kind(dbif::to_qt(datatype));
-    if (!dbapi_is_category_input(category, &column->isInput, &isOutput) || !kind) {
+    const std::optional<dbif::ValueKind> kind = dbif::value_kind(dbif::to_qt(attributes.datatype));
+    if (!dbapi_is_category_input(attributes.category, &column->isInput, &isOutput) || !kind) {
         return refuse(
             reason, quoted_beginning(keyword) + " does not say what the column holds. " +
                         spellings_of(name));

@@ -1,28 +1,16 @@
 #include "dbsuggest/call_failure.h"
 
+#include "dbapi/db_fault.h"
 #include "dbif/host/host_string.h"
 #include "dbsuggest/command_failure.h"
 #include "dbsuggest/display_text.h"
+#include "dbsuggest/fault_advice.h"
+#include "dbsuggest/fault_lines.h"
 #include "dbsuggest/known_keys.h"
-#include "dbsuggest/query_fault.h"
 #include "dbsuggest/stored_names.h"
-
-#include <optional>
 
 namespace dbapi::tool {
 namespace {
-std::optional<QueryFault>
-find_fault(KnownKeys& keys, const DataRequest& request, const std::string& errors)
-{
-    std::optional<QueryFault> fault = find_query_fault(keys, request.query, errors);
-    for (const std::string& keyword : request.keywords) {
-        if (!fault.has_value()) {
-            fault = find_keyword_fault(keys, keyword);
-        }
-    }
-    return fault;
-}
-
 /// For calls that fail without a word.
 std::string default_text(KnownKeys& keys, const DataRequest& request)
 {
@@ -34,18 +22,27 @@ std::string default_text(KnownKeys& keys, const DataRequest& request)
 }
 } // namespace
 
-void throw_call_failure(const DataRequest& request, const std::string& errors)
+void throw_call_failure(const DataRequest& request, const Fault& fault)
 {
     // First whatever keeps the connection from opening: the rest follows from it.
     KnownKeys keys(open_stored(request.connection));
-    const std::optional<QueryFault> fault = find_fault(keys, request, errors);
-    std::string text = dbif::trimmed(errors);
+    std::string text = dbif::trimmed(fault.text);
     if (text.empty()) {
         text = default_text(keys, request);
     }
-    if (fault.has_value()) {
-        text = dbif::trimmed(text + "\n" + fault_lines(*fault));
+    const bool hasPlace = fault.where != Fault::Where::Nowhere;
+    if (hasPlace) {
+        text = dbif::trimmed(text + "\n" + fault_lines(fault, suggestions_for(fault, keys)));
     }
-    throw CommandFailure(fault.has_value() ? ExitCode::WrongUsage : ExitCode::Data, text);
+    throw CommandFailure(hasPlace ? ExitCode::WrongUsage : ExitCode::Data, text);
+}
+
+void throw_call_failure(const DataRequest& request, const std::string& errors)
+{
+    Fault fault;
+    if (!db_get_last_fault(&fault)) {
+        fault.text = errors;
+    }
+    throw_call_failure(request, fault);
 }
 } // namespace dbapi::tool

@@ -1,8 +1,8 @@
 #include "dbsuggest/known_keys.h"
 
-#include "dbapi/wall/keyword_resolution.h"
-#include "dbapi/wall/keyword_split.h"
+#include "dbapi/key/key_resolution.h"
 #include "dbapi/words/builtin_keynames.h"
+#include "dbapi/words/keyword_parts.h"
 #include "dbapi/words/vocabulary.h"
 #include "dbif/connection/column_store.h"
 #include "dbif/host/host_string.h"
@@ -14,13 +14,6 @@
 namespace dbapi::tool {
 namespace {
 constexpr std::size_t kMostSuggested = 3;
-
-/// The fixed column that a builtin keyname stands for; null where the table has none of that name.
-const dbif::FixedColumnFacts* fixed_column(const ResolvedKey& key)
-{
-    const dbif::TableFacts* table = dbif::find_table(key.tablename);
-    return table == nullptr ? nullptr : dbif::find_fixed_column(*table, key.keyname);
-}
 } // namespace
 
 std::map<std::string, std::vector<std::string>>
@@ -36,7 +29,7 @@ function_keywords(DBIF_Connection connection, const std::string& table)
         for (const dbif::KeyDefinition& key :
              dbif::ColumnStore::of(connection).all(connection, recordTable)) {
             const std::string datatype = dbif::to_utf8(dbif::datatype_name(key.kind));
-            keywords[key.name].push_back(dbapi_full_keyname_from_keyname_and_attributes(
+            keywords[key.name].push_back(function_form(
                 key.name, name, convert_to_full_datatype_name(datatype),
                 convert_to_full_category_name(key.category)));
         }
@@ -59,23 +52,8 @@ KnownKeys::KnownKeys(DBIF_Connection connection)
 
 std::optional<dbif::ValueKind> KnownKeys::kindOf(const std::string& keyword)
 {
-    ResolvedKey key;
-    std::string ignored;
-    if (!resolve_keyword_by_definition(
-            connection_, keyword, &key, nullptr, true, nullptr, &ignored)) {
-        return std::nullopt;
-    }
-    std::string category;
-    std::string datatype;
-    dbapi_extract_category_datatype_attributes(key.attributes, &category, &datatype);
-    if (!dbapi_is_category_fixed(category)) {
-        return dbif::value_kind(dbif::to_qt(datatype));
-    }
-    const dbif::FixedColumnFacts* column = fixed_column(key);
-    if (column == nullptr) {
-        return std::nullopt;
-    }
-    return column->kind == dbif::FixedKind::Text ? dbif::ValueKind::Text : dbif::ValueKind::Double;
+    const Resolution found = resolve_keyword(connection_, keyword, nullptr, true);
+    return found.isFound() ? std::optional(found.column().kind()) : std::nullopt;
 }
 
 std::vector<std::string> KnownKeys::keywordsFor(const std::string& name) const
@@ -89,14 +67,11 @@ std::vector<std::string> KnownKeys::keywordsFor(const std::string& name) const
 
 std::vector<std::string> KnownKeys::near(const std::string& keyword) const
 {
-    std::string name;
-    std::string table;
-    std::string attributes;
-    std::string ignored;
-    if (!break_keyword_into_keyname_tablename_extra_attributes(
-            keyword, &name, &table, &attributes, &ignored)) {
+    const SplitKeyword split = split_keyword(keyword);
+    if (split.fault.has_value()) {
         return {};
     }
+    const std::string& name = split.parts.keyname;
     // "devise.W": a table that is none counts as part of the name.
     const std::size_t dot = name.find('.');
     for (const std::string& exact :
@@ -118,10 +93,12 @@ std::vector<std::string> KnownKeys::near(const std::string& keyword) const
 
 std::string KnownKeys::describe(const std::string& keyword)
 {
-    ResolvedKey key;
-    std::string ignored;
-    const bool isKnown =
-        resolve_keyword_by_definition(connection_, keyword, &key, nullptr, true, nullptr, &ignored);
-    return keyword + (isKnown ? " (" + key.keyname + " of the table " + key.tablename + ")" : "");
+    const Resolution found = resolve_keyword(connection_, keyword, nullptr, true);
+    if (!found.isFound()) {
+        return keyword;
+    }
+    const dbif::TableColumn& column = found.column();
+    return keyword + " (" + std::string(column.name()) + " of the table " +
+           std::string(dbif::facts(column.table()).name) + ")";
 }
 } // namespace dbapi::tool

@@ -1,5 +1,5 @@
 #include "dbapi/query/query_syntax.h"
-#include "dbapi/query_terms.h"
+#include "dbapi/query/query_terms.h"
 #include "dbapi/wall/alldata_command.h"
 
 #include "tests/support/case_table.h"

@@ -1,7 +1,7 @@
 #include "dbapi/call/cache_refresh.h"
 
 #include "dbapi/call/connection_access.h"
-#include "dbapi/wall/condition_builder.h"
+#include "dbapi/query/query_condition.h"
 #include "dbif/connection/column_store.h"
 #include "dbif/connection/newest_time.h"
 #include "dbif/engine/read_trace.h"
@@ -157,14 +157,18 @@ bool updateQueryData(DbapiCache& cache, const std::string& query)
 {
     cache.clearQueryData();
     cache.query = query;
-    DBIF_QueryCondition* condition = nullptr;
-    if (!dbapi_get_query_str_dbif_query_condition_ptr(
-            *cache.connection, query, &condition, &cache.latestOnly, &cache.lastErrors)) {
+    try {
+        dbapi::QueryCondition built = dbapi::build_condition(*cache.connection, query);
+        cache.condition = std::move(built.condition);
+        cache.latestOnly = built.latestOnly;
+        return true;
+    } catch (const dbapi::FaultError& error) {
         cache.clearQueryData();
+        cache.lastErrors = error.fault().text;
+        cache.failedQuery = query;
+        cache.queryFault = error.fault();
         return false;
     }
-    cache.condition.reset(condition);
-    return true;
 }
 
 bool updateDataConnection(DbapiCache& cache, const DbuiConnection& record)

@@ -40,6 +40,8 @@ void DbapiCache::clearQueryData()
     query.clear();
     latestOnly = true;
     condition.reset();
+    failedQuery.clear();
+    queryFault.reset();
 }
 
 void DbapiCache::clear_database_modified_time()
@@ -63,6 +65,9 @@ void DbapiCache::rememberFailedOpening(const std::string& connectionName, const 
 DbapiCacheHelper::DbapiCacheHelper() : isTopLevel_(!isCallInProgress)
 {
     isCallInProgress = true;
+    if (isTopLevel_ && globalCache != nullptr) {
+        globalCache->lastFault.reset();
+    }
 }
 
 DbapiCacheHelper::~DbapiCacheHelper()

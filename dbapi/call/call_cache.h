@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbapi/wall/keyword_resolution.h"
+#include "dbapi/key/key_resolution.h"
 #include "dbif/condition/condition.h"
 #include "dbif/connection/connection.h"
 #include "dbui/connection_record.h"
@@ -50,7 +50,8 @@ public:
 
     std::unique_ptr<DBIF_Connection> connection;
     std::unique_ptr<DbuiConnection> record;
-    std::unique_ptr<DBIF_QueryCondition> condition;
+    /// Shared with the call that works with it.
+    std::shared_ptr<DBIF_QueryCondition> condition;
     QDateTime modifiedTime;
     std::string query;
     std::string lastErrors;
@@ -64,7 +65,12 @@ public:
     DbuiConnection storedRecord;
     std::string fileStamp;
     /// Keywords that were resolved without regard to a condition; they hold while the data does.
-    std::map<std::string, dbapi::ResolvedKey> resolvedKeywords;
+    std::map<std::string, dbapi::Resolution> resolvedKeywords;
+    /// Why the query string of the call in progress gives no condition, so that it is read once.
+    std::string failedQuery;
+    std::optional<dbapi::Fault> queryFault;
+    /// What the last public call failed with; nothing when it succeeded.
+    std::optional<dbapi::Fault> lastFault;
 };
 
 /// Marks the outermost of nested public calls while it lives.

@@ -2,6 +2,8 @@
 
 #include "dbapi/call/cache_refresh.h"
 #include "dbapi/call/call_cache.h"
+#include "dbapi/call/selection.h"
+#include "dbapi/words/database_fault.h"
 
 #include <string>
 
@@ -17,7 +19,11 @@ public:
         : hasBegun_(
               !helper_.is_at_toplevel() ||
               dbapi_initialize_global_cache(connectionName, query, errors))
-    {}
+    {
+        if (!hasBegun_) {
+            make_cache().lastFault = connection_fault(make_cache().lastErrors);
+        }
+    }
 
     [[nodiscard]] bool hasBegun() const { return hasBegun_; }
 
@@ -25,4 +31,46 @@ private:
     DbapiCacheHelper helper_;
     bool hasBegun_;
 };
+
+/// Ends a public call with a fault: its text goes to `errors`, or to the standard error stream when
+/// that is null, and the fault is kept for `db_get_last_fault`. Always false.
+bool fail_call(const Fault& fault, std::string* errors);
+
+/// A public call from its begin to its end: `run` does what it is for, and throws `FaultError` when
+/// that fails. Other exceptions pass.
+template <typename Run>
+bool run_call(
+    const std::string& connectionName,
+    const std::string& query,
+    std::string* errors,
+    const Run& run)
+{
+    const PublicCall call(connectionName, query, errors);
+    if (!call.hasBegun()) {
+        return false;
+    }
+    try {
+        run();
+        return true;
+    } catch (const FaultError& error) {
+        return fail_call(error.fault(), errors);
+    }
+}
+
+/// The same for calls that hand database errors out as texts, which become faults.
+template <typename Run>
+bool run_call_without_exceptions(
+    const std::string& connectionName,
+    const std::string& query,
+    std::string* errors,
+    const Run& run)
+{
+    return run_call(connectionName, query, errors, [&run] {
+        try {
+            run();
+        } catch (const DBIF_Exception& exception) {
+            throw FaultError(database_fault(exception));
+        }
+    });
+}
 } // namespace dbapi

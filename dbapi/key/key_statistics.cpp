@@ -77,11 +77,7 @@ std::vector<KeyStatistics> read_key_statistics(
     bool latestOnly)
 {
     const dbif::TableFacts& table = *dbif::find_table(tablename);
-    DConHelper transaction(connection);
-    if (!connection.isInTransaction()) {
-        connection.beginTransaction();
-        transaction.arm();
-    }
+    const dbif::ReadTransaction transaction(connection);
     const RecordSelection selection = select_records(connection, tablename, condition, latestOnly);
     QSqlQuery rows = connection.query(
         statistics_statement(connection, table, selection.sql), 0, __FILE__, __LINE__);

@@ -1,7 +1,9 @@
 #include "dbapi/query/query_syntax.h"
 
+#include "dbapi/words/query_command.h"
 #include "dbapi/words/text_rules.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <utility>
@@ -59,9 +61,13 @@ struct Head
 class SyntaxReader
 {
 public:
-    explicit SyntaxReader(std::string_view query) : query_(query), closing_(match_braces(query)) {}
+    /// Faults and ignored texts count their places in `query`.
+    explicit SyntaxReader(const std::string& query) : query_(query), closing_(match_braces(query))
+    {}
 
     [[nodiscard]] NodePtr read(std::string_view piece, bool allowBareTerm, std::size_t depth);
+
+    [[nodiscard]] std::vector<IgnoredText> takeIgnored() { return std::move(ignored_); }
 
 private:
     [[nodiscard]] NodePtr
@@ -73,15 +79,18 @@ private:
 
     [[nodiscard]] NodePtr make_node(Kind kind, std::string_view piece) const;
     [[nodiscard]] NodePtr make_leaf(Kind kind, std::string_view piece) const;
-    [[nodiscard]] NodePtr make_error(std::string_view piece, std::string message);
+    [[nodiscard]] NodePtr
+    make_error(Fault::Kind kind, std::string_view piece, const std::string& message);
+    void note_ignored(std::string_view group);
     [[nodiscard]] std::size_t offset_of(std::string_view piece) const;
     [[nodiscard]] bool is_closed_group(std::string_view piece) const;
     /// Between the braces of the group at the head of a piece, and behind them.
     [[nodiscard]] std::string_view inside(std::string_view piece) const;
     [[nodiscard]] std::string_view behind(std::string_view piece) const;
 
-    std::string_view query_;
+    const std::string& query_;
     std::vector<std::size_t> closing_;
+    std::vector<IgnoredText> ignored_;
     /// Nothing behind the first fault is read: no walk of the tree would come to it.
     bool hasFailed_ = false;
 };
@@ -106,12 +115,27 @@ NodePtr SyntaxReader::make_leaf(Kind kind, std::string_view piece) const
     return leaf;
 }
 
-NodePtr SyntaxReader::make_error(std::string_view piece, std::string message)
+NodePtr
+SyntaxReader::make_error(Fault::Kind kind, std::string_view piece, const std::string& message)
 {
     hasFailed_ = true;
     NodePtr leaf = make_leaf(Kind::Error, piece);
-    leaf->error = std::move(message);
+    leaf->fault = std::make_unique<Fault>(
+        Fault{kind, message, Fault::Where::Query, query_, leaf->position, piece.size(), {}});
     return leaf;
+}
+
+/// Notes what stands behind a group that no connector follows.
+void SyntaxReader::note_ignored(std::string_view group)
+{
+    const std::string_view ignored = behind(group);
+    if (!ignored.empty()) {
+        const bool isEmptyGroup = inside(group).empty();
+        ignored_.push_back(
+            {offset_of(ignored), ignored.size(),
+             isEmptyGroup ? IgnoredText::Reason::BehindEmptyGroup
+                          : IgnoredText::Reason::BehindGroup});
+    }
 }
 
 bool SyntaxReader::is_closed_group(std::string_view piece) const
@@ -141,7 +165,8 @@ Head SyntaxReader::split_group(std::string_view piece) const
     const std::string_view rest = behind(piece);
     for (const auto& [spelling, connector] : kConnectors) {
         if (rest.substr(0, spelling.size()) == spelling) {
-            return {piece, connector, rest.substr(spelling.size())};
+            const auto group = static_cast<std::size_t>(rest.data() - piece.data());
+            return {trimmed_view(piece.substr(0, group)), connector, rest.substr(spelling.size())};
         }
     }
     return whole;
@@ -166,43 +191,65 @@ NodePtr SyntaxReader::read(std::string_view piece, bool allowBareTerm, std::size
     piece = trimmed_view(piece);
     if (depth > kDeepestQuery) {
         return make_error(
-            piece,
+            Fault::Kind::NestedTooDeep, piece,
             "Query string is nested deeper than " + std::to_string(kDeepestQuery) + " levels.");
     }
     return split_head(piece).connector ? read_chain(piece, depth)
                                        : read_operand(piece, allowBareTerm, depth);
 }
 
-/// chain = head { connector head }, in a loop as long as the connector stays the same. Where it
-/// changes, the rest nests to the right: `{a} AND {b} OR {c}` is a AND (b OR c).
+/// chain = head { connector head }. Where the connector changes, the rest nests to the right:
+/// `{a} AND {b} OR {c}` is a AND (b OR c).
 NodePtr SyntaxReader::read_chain(std::string_view piece, std::size_t depth)
 {
-    Head head = split_head(piece);
-    NodePtr chain = make_node(*head.connector, piece);
-    while (head.connector == chain->kind && !hasFailed_) {
-        chain->operands.push_back(read_operand(head.operand, false, depth));
+    struct Link
+    {
+        NodePtr operand;
+        std::optional<Kind> connector;
+        std::string_view piece;
+    };
+
+    std::vector<Link> links;
+    for (bool isLast = false; !isLast;) {
+        const Head head = split_head(piece);
+        links.push_back({read_operand(head.operand, false, depth), head.connector, piece});
+        isLast = !head.connector || hasFailed_;
         piece = trimmed_view(head.rest);
-        head = split_head(piece);
     }
-    if (!hasFailed_) {
-        chain->operands.push_back(
-            head.connector ? read(piece, false, depth + 1) : read_operand(piece, false, depth));
+    // Run by run from the right, so that the depth of the tree is no depth of calls here.
+    NodePtr rest = std::move(links.back().operand);
+    links.pop_back();
+    while (!links.empty()) {
+        const Kind connector = *links.back().connector;
+        std::vector<NodePtr> operands;
+        operands.push_back(std::move(rest));
+        std::string_view begin;
+        while (!links.empty() && links.back().connector == connector) {
+            begin = links.back().piece;
+            operands.push_back(std::move(links.back().operand));
+            links.pop_back();
+        }
+        std::reverse(operands.begin(), operands.end());
+        rest = make_node(connector, begin);
+        rest->operands = std::move(operands);
     }
-    return chain;
+    return rest;
 }
 
 /// operand = "{" "}" | "{" piece "}" | "NOT" piece | term
 NodePtr SyntaxReader::read_operand(std::string_view piece, bool allowBareTerm, std::size_t depth)
 {
     if (piece.empty()) {
-        return make_error(piece, "Query string \"\" is empty.");
+        return make_error(Fault::Kind::EmptyQuery, piece, "Query string \"\" is empty.");
     }
     if (piece.front() == '{') {
         if (!is_closed_group(piece)) {
             return make_error(
-                piece, "Query string " + quoted(piece) +
-                           " does not have a balanced set of open '{' and close '}' braces.");
+                Fault::Kind::UnbalancedBraces, piece,
+                "Query string " + quoted(piece) +
+                    " does not have a balanced set of open '{' and close '}' braces.");
         }
+        note_ignored(piece);
         const std::string_view inner = inside(piece);
         return inner.empty() ? make_node(Kind::True, piece) : read(inner, true, depth + 1);
     }
@@ -236,9 +283,10 @@ NodePtr SyntaxReader::read_term(std::string_view piece, bool allowBareTerm)
     }
     if (!allowBareTerm) {
         return make_error(
-            piece, "Query string " + quoted(piece) +
-                       " has an invalid or missing comparator.\n"
-                       "Valid comparators are: !=, <>, <=, >=, =, <, >");
+            Fault::Kind::MissingComparator, piece,
+            "Query string " + quoted(piece) +
+                " has an invalid or missing comparator.\n"
+                "Valid comparators are: !=, <>, <=, >=, =, <, >");
     }
     NodePtr term = make_leaf(Kind::BareTerm, piece);
     term->keyword = piece;
@@ -247,8 +295,37 @@ NodePtr SyntaxReader::read_term(std::string_view piece, bool allowBareTerm)
 }
 } // namespace
 
-std::unique_ptr<QueryNode> parse_query_syntax(std::string_view query, bool allowBareTerm)
+QueryTree parse_query_syntax(const std::string& query, bool allowBareTerm)
 {
-    return SyntaxReader(query).read(query, allowBareTerm, 0);
+    QueryTree tree{query, true, query, nullptr, {}};
+    SyntaxReader reader(tree.query);
+    tree.root = reader.read(tree.query, allowBareTerm, 0);
+    tree.ignored = reader.takeIgnored();
+    return tree;
+}
+
+QueryTree parse_query(const std::string& query)
+{
+    const CommandedQuery split = split_query_command(query);
+    QueryTree tree{query, !split.isAllData, std::string(split.rest), nullptr, {}};
+    if (!split.rest.empty()) {
+        SyntaxReader reader(query);
+        tree.root = reader.read(split.rest, false, 0);
+        tree.ignored = reader.takeIgnored();
+    }
+    return tree;
+}
+
+const Fault* find_syntax_fault(const QueryNode& tree)
+{
+    if (tree.fault != nullptr) {
+        return tree.fault.get();
+    }
+    for (const auto& operand : tree.operands) {
+        if (const Fault* fault = find_syntax_fault(*operand)) {
+            return fault;
+        }
+    }
+    return nullptr;
 }
 } // namespace dbapi

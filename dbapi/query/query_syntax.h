@@ -1,5 +1,6 @@
 #pragma once
 
+#include "dbapi/words/fault.h"
 #include "dbif/condition/query_enums.h"
 
 #include <cstddef>
@@ -18,7 +19,7 @@ struct QueryNode
         True,     ///< `{}`
         Term,     ///< a keyword compared with a value
         BareTerm, ///< a keyword alone, directly inside braces
-        Error,    ///< a fault; `error` says which
+        Error,    ///< a fault; `fault` says which
         And,      ///< joins its operands
         Or,       ///< joins its operands
         Not       ///< one operand
@@ -39,17 +40,52 @@ struct QueryNode
     Comparator comparator = EQUAL;
     std::string value;
     std::size_t valuePosition = 0;
-    /// For `Error`: the whole message, without a newline at its end.
-    std::string error;
+    /// For `Error`: what is wrong, with its place in the query; the message has no newline at its
+    /// end. Null for every other kind.
+    std::unique_ptr<Fault> fault;
     std::vector<std::unique_ptr<QueryNode>> operands;
 };
 
-/// How deep braces, NOT and the changes between AND and OR may nest. Operands of one AND or one OR
-/// do not count, however many there are.
+/// A part of a query string that the grammar passes over: it selects nothing.
+struct IgnoredText
+{
+    enum class Reason {
+        BehindGroup,     ///< behind braces, and neither ";" nor AND nor OR comes first
+        BehindEmptyGroup ///< behind "{}", which selects everything, whatever follows
+    };
+
+    /// In bytes of the query string, without blanks around it.
+    std::size_t position = 0;
+    std::size_t length = 0;
+    Reason reason = Reason::BehindGroup;
+};
+
+/// A query string, read once: its terms and their joins.
+struct QueryTree
+{
+    /// As the caller gave it. Positions count in it.
+    std::string query;
+    /// False when it begins with "ALLDATA:".
+    bool latestOnly = true;
+    /// The query behind the command, trimmed.
+    std::string rest;
+    /// What cannot be read is an `Error` leaf. Null for a query that is empty behind the command.
+    std::unique_ptr<QueryNode> root;
+    std::vector<IgnoredText> ignored;
+};
+
+/// How deep braces and NOT may nest. Chains of terms do not count, however long they are and
+/// however often they change between AND and OR.
 inline constexpr std::size_t kDeepestQuery = 200;
 
-/// Reads a query string into its tree; the caller owns it. Never null: what cannot be read becomes
-/// an `Error` leaf. With `allowBareTerm`, the query may be a keyword alone. Time and memory are
-/// linear in the query, and the tree is at most about `2 * kDeepestQuery` nodes deep.
-std::unique_ptr<QueryNode> parse_query_syntax(std::string_view query, bool allowBareTerm);
+/// Reads a query string. Throws `FaultError` for a misplaced "ALLDATA", and for nothing else. Time
+/// and memory are linear in the query.
+QueryTree parse_query(const std::string& query);
+
+/// Reads a query string that has no command; `root` is never null. With `allowBareTerm`, the query
+/// may be a keyword alone.
+QueryTree parse_query_syntax(const std::string& query, bool allowBareTerm);
+
+/// The first syntax error from the left; null when there is none. It lives as long as the tree.
+const Fault* find_syntax_fault(const QueryNode& tree);
 } // namespace dbapi

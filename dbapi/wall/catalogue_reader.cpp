@@ -1,6 +1,7 @@
 #include "dbapi/wall/catalogue_reader.h"
 
 #include "dbapi/key/catalogue_sql.h"
+#include "dbapi/key/key_catalogue.h"
 #include "dbapi/key/record_selection.h"
 #include "dbapi/wall/keyword_map.h"
 #include "dbapi/words/vocabulary.h"
@@ -29,11 +30,7 @@ bool dbapi_get_keynames_for_table_as_query_results(
 {
     dbif::clear_error(error);
     try {
-        DConHelper transaction(connection);
-        if (!connection.isInTransaction()) {
-            connection.beginTransaction();
-            transaction.arm();
-        }
+        const dbif::ReadTransaction transaction(connection);
         const dbapi::RecordSelection selection =
             dbapi::select_records(connection, tablename, condition, flag);
         *query = connection.query(
@@ -66,27 +63,7 @@ void dbapi_get_set_of_keynames_from_query_results(
     std::set<std::string>* set)
 {
     while (query.next()) {
-        const std::string name = dbif::to_utf8(query.value(0).toString());
-        if (keyFormat == "SHORT") {
-            set->insert(name);
-            continue;
-        }
-        const std::string datatype = dbif::trimmed(dbif::to_utf8(query.value(1).toString()));
-        const std::string category =
-            tablename == "setup"
-                ? dbapi::convert_setup_is_input_to_full_category_name(query.value(2).toInt() != 0)
-                : dbif::trimmed(dbif::to_utf8(query.value(2).toString()));
-        std::string entry = "Key(" + name;
-        entry += "," + tablename;
-        if (!datatype.empty()) {
-            entry += "," + dbapi::convert_to_full_datatype_name(datatype);
-        }
-        if (!category.empty()) {
-            // The blank stands in for the data type.
-            entry += datatype.empty() ? ", ," : ",";
-            entry += category;
-        }
-        set->insert(entry + ")");
+        set->insert(dbapi::listed_key(tablename, query, keyFormat == "SHORT"));
     }
 }
 

@@ -1,74 +1,92 @@
 #include "dbapi/wall/column_search.h"
 
+#include "dbapi/words/vocabulary.h"
+#include "dbif/connection/column_store.h"
+
 namespace dbapi {
-bool search_key(
-    DBIF_Connection& connection,
-    const std::string& keyname,
-    const std::string& /*category*/,
-    const std::string& datatype,
-    QSharedPointer<DBIF_CatalogEntryColumn>* column)
+namespace {
+/// The categories under which a key may stand, in the order in which they are tried.
+std::vector<std::string> categories_of(dbif::KeyKind keys, bool isDevice, const std::string& given)
 {
-    return searchForColumn<DBIF_CatalogEntryColumn>(connection, keyname, datatype, column);
+    if (keys == dbif::KeyKind::Plain) {
+        return {""};
+    }
+    if (keys == dbif::KeyKind::Direction) {
+        const std::string direction = dbapi_convert_to_short_category_name(given);
+        if (direction.empty()) {
+            return {"IN", "OUT"};
+        }
+        return direction == "IN" || direction == "OUT" ? std::vector{direction}
+                                                       : std::vector<std::string>();
+    }
+    if (!isDevice || !given.empty()) {
+        return {given};
+    }
+    std::vector<std::string> categories;
+    for (const QString* category :
+         {&DBIF_DeviceColumn::ID_CATEGORY, &DBIF_DeviceColumn::PHYSICAL_CATEGORY,
+          &DBIF_DeviceColumn::CALIBRATION_CATEGORY, &DBIF_DeviceColumn::NODE_CATEGORY,
+          &DBIF_DeviceColumn::TECHNOLOGY_CATEGORY, &DBIF_DeviceColumn::IS_MEASUREMENT_CATEGORY}) {
+        categories.push_back(dbif::to_utf8(*category));
+    }
+    return categories;
 }
 
-bool search_key(
+const dbif::KeyDefinition* find_key(
     DBIF_Connection& connection,
-    const std::string& keyname,
-    const std::string& /*category*/,
-    const std::string& datatype,
-    QSharedPointer<DBIF_MeasurementColumn>* column)
-{
-    return searchForColumn<DBIF_MeasurementColumn>(connection, keyname, datatype, column);
-}
-
-bool search_key(
-    DBIF_Connection& connection,
+    const dbif::TableFacts& table,
     const std::string& keyname,
     const std::string& category,
-    const std::string& datatype,
-    QSharedPointer<DBIF_DeviceColumn>* column)
+    const std::string& datatype)
 {
-    if (!category.empty()) {
-        return searchForColumn2<DBIF_DeviceColumn>(connection, keyname, category, datatype, column);
-    }
-    const std::array kCategories{
-        &DBIF_DeviceColumn::ID_CATEGORY,          &DBIF_DeviceColumn::PHYSICAL_CATEGORY,
-        &DBIF_DeviceColumn::CALIBRATION_CATEGORY, &DBIF_DeviceColumn::NODE_CATEGORY,
-        &DBIF_DeviceColumn::TECHNOLOGY_CATEGORY,  &DBIF_DeviceColumn::IS_MEASUREMENT_CATEGORY};
-    for (const QString* candidate : kCategories) {
-        if (searchForColumn2<DBIF_DeviceColumn>(
-                connection, keyname, dbif::to_utf8(*candidate), datatype, column)) {
-            return true;
+    const bool isDevice = table.table == dbif::RecordTable::Device;
+    const std::vector<std::string> datatypes =
+        datatype.empty() ? all_datatypes() : std::vector{datatype};
+    for (const std::string& tried : categories_of(table.keys, isDevice, category)) {
+        for (const std::string& word : datatypes) {
+            const auto kind = dbif::value_kind(dbif::to_qt(word));
+            const dbif::KeyDefinition* key =
+                kind.has_value()
+                    ? dbif::ColumnStore::of(connection)
+                          .find(connection, table.table, dbif::column_key(tried, *kind, keyname))
+                    : nullptr;
+            if (key != nullptr) {
+                return key;
+            }
         }
     }
-    return false;
+    return nullptr;
+}
+} // namespace
+
+const std::vector<std::string>& all_datatypes()
+{
+    static const std::vector<std::string> datatypes{
+        dbif::to_utf8(TEXT_DATATYPE), dbif::to_utf8(DOUBLE_DATATYPE),
+        dbif::to_utf8(COMPLEX_NUMBER_DATATYPE), dbif::to_utf8(COMPLEX_MATRIX_DATATYPE)};
+    return datatypes;
 }
 
-bool search_key(
+std::optional<dbif::TableColumn> find_column(
     DBIF_Connection& connection,
+    const std::string& tablename,
     const std::string& keyname,
     const std::string& category,
-    const std::string& datatype,
-    QSharedPointer<DBIF_MeasurementConditionColumn>* column)
+    const std::string& datatype)
 {
-    return searchForColumn2<DBIF_MeasurementConditionColumn>(
-        connection, keyname, category, datatype, column);
-}
-
-bool search_key(
-    DBIF_Connection& connection,
-    const std::string& keyname,
-    const std::string& category,
-    const std::string& datatype,
-    QSharedPointer<DBIF_SetupColumn>* column)
-{
-    const auto search = [&](bool isInput) {
-        return searchForColumn3<DBIF_SetupColumn>(connection, keyname, datatype, isInput, column);
-    };
-    if (category.empty()) {
-        return search(true) || search(false);
+    const dbif::TableFacts* table = dbif::find_table(tablename);
+    if (table == nullptr) {
+        return std::nullopt;
     }
-    const std::string direction = dbapi_convert_to_short_category_name(category);
-    return (direction == "IN" && search(true)) || (direction == "OUT" && search(false));
+    if (dbapi_is_category_fixed(category)) {
+        const dbif::FixedColumnFacts* fixed = dbif::find_fixed_column(*table, keyname);
+        return fixed == nullptr ? std::nullopt
+                                : std::optional<dbif::TableColumn>({table->table, *fixed});
+    }
+    const dbif::KeyDefinition* key =
+        table->keys == dbif::KeyKind::None
+            ? nullptr
+            : find_key(connection, *table, keyname, category, datatype);
+    return key == nullptr ? std::nullopt : std::optional<dbif::TableColumn>({table->table, *key});
 }
 } // namespace dbapi

@@ -1,16 +1,14 @@
 #include "dbapi/wall/key_condition.h"
 
-#include "dbapi/table_dispatch.h"
+#include "dbapi/query/query_condition.h"
 #include "dbapi/wall/column_search.h"
-#include "dbapi/wall/keyword_split.h"
+#include "dbapi/words/keyword_parts.h"
 #include "dbif/host/error_text.h"
 
-#include <type_traits>
-
 namespace {
-template <typename Record>
 bool make_condition(
     DBIF_Connection& connection,
+    const std::string& tablename,
     const std::string& keyname,
     const std::string& attributes,
     const std::string& value,
@@ -20,21 +18,13 @@ bool make_condition(
 {
     dbif::clear_error(errors);
     *condition = nullptr;
-    std::string category;
-    std::string datatype;
-    dbapi_extract_category_datatype_attributes(attributes, &category, &datatype);
-    const QString text = dbif::to_qt(value);
-    return dbapi::use_column<Record>(
-        connection, keyname, category, datatype, dbapi::FixedColumns::ByCategory,
-        [&](const auto& column) {
-            if constexpr (std::is_same_v<decltype(column), const DBIF_FixedColumn<Record>&>) {
-                *condition =
-                    new DBIF_SingleColumnCondition(column.singleColumnCondition(comparator, text));
-            } else {
-                *condition =
-                    new DBIF_SingleColumnCondition(column->singleColumnCondition(comparator, text));
-            }
-        });
+    const dbapi::KeyAttributes split = dbapi::split_attributes(attributes);
+    const auto column =
+        dbapi::find_column(connection, tablename, keyname, split.category, split.datatype);
+    if (column.has_value()) {
+        *condition = new DBIF_SingleColumnCondition(*column, comparator, value);
+    }
+    return column.has_value();
 }
 } // namespace
 
@@ -47,8 +37,8 @@ bool make_single_column_condition_for_catalog_entry_resolved_keyname(
     DBIF_SingleColumnCondition** condition,
     std::string* errors)
 {
-    return make_condition<DBIF_CatalogEntry>(
-        connection, keyname, attributes, value, comparator, condition, errors);
+    return make_condition(
+        connection, "catalog_entry", keyname, attributes, value, comparator, condition, errors);
 }
 
 bool make_single_column_condition_for_device_resolved_keyname(
@@ -60,8 +50,8 @@ bool make_single_column_condition_for_device_resolved_keyname(
     DBIF_SingleColumnCondition** condition,
     std::string* errors)
 {
-    return make_condition<DBIF_Device>(
-        connection, keyname, attributes, value, comparator, condition, errors);
+    return make_condition(
+        connection, "device", keyname, attributes, value, comparator, condition, errors);
 }
 
 bool make_single_column_condition_for_die_resolved_keyname(
@@ -73,8 +63,8 @@ bool make_single_column_condition_for_die_resolved_keyname(
     DBIF_SingleColumnCondition** condition,
     std::string* errors)
 {
-    return make_condition<DBIF_Die>(
-        connection, keyname, attributes, value, comparator, condition, errors);
+    return make_condition(
+        connection, "die", keyname, attributes, value, comparator, condition, errors);
 }
 
 bool make_single_column_condition_for_measurement_resolved_keyname(
@@ -86,8 +76,8 @@ bool make_single_column_condition_for_measurement_resolved_keyname(
     DBIF_SingleColumnCondition** condition,
     std::string* errors)
 {
-    return make_condition<DBIF_Measurement>(
-        connection, keyname, attributes, value, comparator, condition, errors);
+    return make_condition(
+        connection, "measurement", keyname, attributes, value, comparator, condition, errors);
 }
 
 bool make_single_column_condition_for_measurement_condition_resolved_keyname(
@@ -99,8 +89,9 @@ bool make_single_column_condition_for_measurement_condition_resolved_keyname(
     DBIF_SingleColumnCondition** condition,
     std::string* errors)
 {
-    return make_condition<DBIF_MeasurementCondition>(
-        connection, keyname, attributes, value, comparator, condition, errors);
+    return make_condition(
+        connection, "measurement_condition", keyname, attributes, value, comparator, condition,
+        errors);
 }
 
 bool make_single_column_condition_for_routine_resolved_keyname(
@@ -112,8 +103,8 @@ bool make_single_column_condition_for_routine_resolved_keyname(
     DBIF_SingleColumnCondition** condition,
     std::string* errors)
 {
-    return make_condition<DBIF_Routine>(
-        connection, keyname, attributes, value, comparator, condition, errors);
+    return make_condition(
+        connection, "routine", keyname, attributes, value, comparator, condition, errors);
 }
 
 bool make_single_column_condition_for_setup_resolved_keyname(
@@ -125,8 +116,8 @@ bool make_single_column_condition_for_setup_resolved_keyname(
     DBIF_SingleColumnCondition** condition,
     std::string* errors)
 {
-    return make_condition<DBIF_Setup>(
-        connection, keyname, attributes, value, comparator, condition, errors);
+    return make_condition(
+        connection, "setup", keyname, attributes, value, comparator, condition, errors);
 }
 
 DBIF_SingleColumnCondition* dbapi_make_single_column_condition_for_resolved_keyname_tablename(
@@ -140,17 +131,10 @@ DBIF_SingleColumnCondition* dbapi_make_single_column_condition_for_resolved_keyn
 {
     errors->clear();
     DBIF_SingleColumnCondition* condition = nullptr;
-    std::string tableErrors;
-    const auto made = dbapi::visit_table(tablename, [&](auto record) {
-        using Record = typename decltype(record)::type;
-        return make_condition<Record>(
-            connection, keyname, attributes, value, comparator, &condition, &tableErrors);
-    });
-    if (!made.value_or(false)) {
-        *errors = "The \"" + tablename + "\" table's key: \"" + keyname +
-                  "\" was not evaluated to a valid unique database key." +
-                  "Database Error(s) occurred: \n" + tableErrors;
-        return nullptr;
+    std::string ignored;
+    if (!make_condition(
+            connection, tablename, keyname, attributes, value, comparator, &condition, &ignored)) {
+        *errors = dbapi::no_column_text(tablename, keyname);
     }
     return condition;
 }

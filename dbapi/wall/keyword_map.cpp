@@ -1,6 +1,6 @@
 #include "dbapi/wall/keyword_map.h"
 
-#include "dbapi/wall/keyword_split.h"
+#include "dbapi/words/keyword_parts.h"
 #include "dbapi/words/text_rules.h"
 
 #include <iostream>
@@ -43,17 +43,11 @@ bool dbapi_is_keyword_in_map(
 {
     const std::string wanted = dbapi::normalised(keyword);
     const auto entry = wanted.empty() ? map.end() : map.find(wanted);
-    std::string foundKeyname;
-    std::string foundTablename;
-    std::string foundAttributes;
-    if (entry != map.end()) {
-        std::string ignored;
-        break_keyword_into_keyname_tablename_extra_attributes(
-            entry->second, &foundKeyname, &foundTablename, &foundAttributes, &ignored);
-    }
-    assign(keyname, foundKeyname);
-    assign(tablename, foundTablename);
-    assign(attributes, foundAttributes);
+    const dbapi::KeywordParts found =
+        entry == map.end() ? dbapi::KeywordParts() : dbapi::split_keyword(entry->second).parts;
+    assign(keyname, found.keyname);
+    assign(tablename, found.tablename);
+    assign(attributes, found.attributes);
     return entry != map.end();
 }
 

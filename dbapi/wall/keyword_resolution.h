@@ -35,34 +35,3 @@ bool dbapi_resolve_set_of_keywords(
     const DBIF_QueryCondition* condition,
     bool flag,
     std::string* error);
-
-namespace dbapi {
-// The same two, but from the definitions of keys, which are kept with the connection, so that
-// mostly no statement runs: a key counts also when no selected record has it. Only where several
-// keys fit a keyword is the catalogue asked which of them the selected records have.
-
-bool resolve_set_of_keywords_by_definition(
-    DBIF_Connection& connection,
-    const std::set<std::string>& keywords,
-    std::map<std::string, std::set<std::string>>* map,
-    const DBIF_QueryCondition* condition,
-    bool flag,
-    std::string* error);
-
-struct ResolvedKey
-{
-    std::string keyname;
-    std::string tablename;
-    std::string attributes;
-};
-
-/// `isByDefinition`, when given, tells whether the answer holds under every condition.
-bool resolve_keyword_by_definition(
-    DBIF_Connection& connection,
-    const std::string& keyword,
-    ResolvedKey* key,
-    const DBIF_QueryCondition* condition,
-    bool flag,
-    bool* isByDefinition,
-    std::string* error);
-} // namespace dbapi

@@ -2,13 +2,7 @@
 
 #include <string>
 
-// A keyword names a database key in one of three forms:
-//     KEY(key name,table,data type,category)     in any letter case, fields from the right may be
-//     left out table.key name                             where the table is an accepted spelling
-//     of one, or such a spelling,
-//                                                ";" and an attribute string
-//     key name
-// No database is asked here.
+// The parts of a keyword as texts; see dbapi/words/keyword_parts.h for the three forms.
 
 /// Splits a keyword into its parts. Key names keep their letter case; the table becomes the
 /// schema's table name or stays empty; the attributes are an attribute string in short names (see

@@ -8,12 +8,10 @@
 #include "dbif/host/host_string.h"
 
 #include <map>
-#include <memory>
 #include <set>
 #include <string>
 
-// A query string becomes conditions in two walks over its tree (see query_syntax.h): one collects
-// the keywords of all terms, which are then resolved in one step; the other builds the conditions.
+// The steps from a query string to its condition, one call each.
 // `errors` is emptied first; neither pointer nor `errors` may be null, except in
 // `dbapi_parse_query`, which writes to the standard error stream when it has no `errors`.
 
@@ -44,15 +42,3 @@ DBIF_QueryCondition* dbapi_parse_query(
     bool latestOnly,
     KTString* errors,
     bool allowBareTerm);
-
-namespace dbapi {
-struct QueryNode;
-
-/// The condition of one node of a query's tree (see query_syntax.h), in the same way. Null on
-/// failure.
-std::unique_ptr<DBIF_QueryCondition> condition_of(
-    DBIF_Connection& connection,
-    const QueryNode& node,
-    const std::map<std::string, std::set<std::string>>& resolved,
-    KTString* errors);
-} // namespace dbapi

@@ -1,10 +1,10 @@
 #include "dbif/condition/column_condition.h"
 
 #include "dbif/condition/condition_tree.h"
-#include "dbif/connection/column_store.h"
 #include "dbif/host/exception.h"
 #include "dbif/host/host_number.h"
 #include "dbif/host/host_string.h"
+#include "dbif/query/fixed_column.h"
 
 #include <algorithm>
 #include <cmath>
@@ -107,43 +107,29 @@ std::string without_quotes(const std::string& given)
     return text;
 }
 
-/// What an error calls the column: "device.name" or "device key W".
-std::string display_name(const ColumnComparison& comparison)
-{
-    const std::string table(dbif::facts(comparison.table).name);
-    if (!comparison.isKey) {
-        return table + "." + comparison.column;
-    }
-    const auto parts = dbif::split_column_key(comparison.column);
-    return table + " key " + (parts.has_value() ? parts->name : comparison.column);
-}
-
 double number_of(const std::string& text, const ColumnComparison& comparison)
 {
     const double number = dbif::read_engineering_number(text);
     if (std::isnan(number) || std::isinf(number)) {
         dbif::throw_error(
-            "The column \"" + display_name(comparison) + "\" holds numbers, and \"" + text +
+            "The column \"" + display_name(comparison.column) + "\" holds numbers, and \"" + text +
                 "\" is not a number. Write a number such as 0.13u, 1e-6 or 25.",
             __FILE__, __LINE__);
     }
     return number;
 }
 
-/// Finds the table; throws when there is none of that name.
-void set_column(const QString& table, const QString& column, ColumnComparison* comparison)
+/// The column that a host names by texts.
+dbif::TableColumn named_column(const QString& table, const QString& column)
 {
-    const std::string name = dbif::to_utf8(table);
-    const dbif::TableFacts* keyed = dbif::find_data_table(name);
-    const dbif::TableFacts* found = keyed != nullptr ? keyed : dbif::find_table(name);
-    if (found == nullptr) {
+    const auto found = dbif::find_column(dbif::to_utf8(table), dbif::to_utf8(column));
+    if (!found.has_value()) {
         dbif::throw_error(
-            "There is no record table \"" + name + "\" to compare a column of.", __FILE__,
-            __LINE__);
+            "There is no column \"" + dbif::to_utf8(column) + "\" of a table \"" +
+                dbif::to_utf8(table) + "\" to compare.",
+            __FILE__, __LINE__);
     }
-    comparison->table = found->table;
-    comparison->isKey = keyed != nullptr;
-    comparison->column = dbif::to_utf8(column);
+    return *found;
 }
 
 void set_numbers(const std::string& value, double tolerance, ColumnComparison* comparison)
@@ -164,28 +150,65 @@ void set_numbers(const std::string& value, double tolerance, ColumnComparison* c
 
 void set_texts(const std::string& value, ColumnComparison* comparison)
 {
-    if (comparison->isKey && is_ordering(comparison->comparator)) {
-        const auto parts = dbif::split_column_key(comparison->column);
-        if (parts.has_value() && parts->kind != dbif::ValueKind::Text) {
-            dbif::throw_error(
-                "The column \"" + display_name(*comparison) +
-                    "\" holds complex values, which have no order. Compare it with = or !=.",
-                __FILE__, __LINE__);
-        }
+    const dbif::ValueKind kind = comparison->column.kind();
+    if ((kind == dbif::ValueKind::Complex || kind == dbif::ValueKind::Matrix) &&
+        is_ordering(comparison->comparator)) {
+        dbif::throw_error(
+            "The column \"" + display_name(comparison->column) +
+                "\" holds complex values, which have no order. Compare it with = or !=.",
+            __FILE__, __LINE__);
     }
     comparison->texts =
         is_list(comparison->comparator) ? listed_texts(value) : std::vector<std::string>{value};
     if (is_list(comparison->comparator) &&
         std::any_of(comparison->texts.begin(), comparison->texts.end(), keeps_separator)) {
         dbif::throw_error(
-            "The column \"" + display_name(*comparison) + "\" cannot be compared with the list \"" +
-                value +
+            "The column \"" + display_name(comparison->column) +
+                "\" cannot be compared with the list \"" + value +
                 "\": a comma or a single quote is left over. Write 'first text', 'second text'.",
             __FILE__, __LINE__);
     }
     std::sort(comparison->texts.begin(), comparison->texts.end());
 }
+
+std::shared_ptr<const ColumnComparison> make_comparison(
+    dbif::TableColumn column,
+    Comparator comparator,
+    const std::string& given,
+    bool holdsNumbers,
+    double tolerance)
+{
+    auto comparison = std::make_shared<ColumnComparison>(std::move(column));
+    comparison->comparator = comparator;
+    const std::string value =
+        takes_values_of_list(comparator) ? without_dangling_end(given) : given;
+    if (holdsNumbers) {
+        set_numbers(value, tolerance, comparison.get());
+    } else {
+        set_texts(value, comparison.get());
+    }
+    return comparison;
+}
+
+/// The relative distance within which values of a column are equal: ids are compared exactly.
+double tolerance_of(const dbif::TableColumn& column)
+{
+    const bool isId = !column.isKey() && column.fixed().kind == dbif::FixedKind::Id;
+    return isId ? 0.0 : dbif::ColumnTraits().tolerance;
+}
 } // namespace
+
+DBIF_SingleColumnCondition::DBIF_SingleColumnCondition(
+    const dbif::TableColumn& column,
+    Comparator comparator,
+    const std::string& value)
+    : comparison_(make_comparison(
+          column,
+          comparator,
+          value,
+          column.kind() == dbif::ValueKind::Double,
+          tolerance_of(column)))
+{}
 
 // NOLINTBEGIN(performance-unnecessary-value-param): a published signature
 DBIF_SingleColumnCondition::DBIF_SingleColumnCondition(
@@ -197,20 +220,14 @@ DBIF_SingleColumnCondition::DBIF_SingleColumnCondition(
     bool isApproximate,
     double tolerance,
     double /*epsilon*/)
+    : comparison_(make_comparison(
+          named_column(table, column),
+          comparator,
+          dbif::to_utf8(value),
+          holdsNumbers,
+          isApproximate ? tolerance : 0.0))
 // NOLINTEND(performance-unnecessary-value-param)
-{
-    auto comparison = std::make_shared<ColumnComparison>();
-    set_column(table, column, comparison.get());
-    comparison->comparator = comparator;
-    const std::string given = dbif::to_utf8(value);
-    const std::string text = takes_values_of_list(comparator) ? without_dangling_end(given) : given;
-    if (holdsNumbers) {
-        set_numbers(text, isApproximate ? tolerance : 0.0, comparison.get());
-    } else {
-        set_texts(text, comparison.get());
-    }
-    comparison_ = std::move(comparison);
-}
+{}
 
 DBIF_SingleColumnCondition::DBIF_SingleColumnCondition(
     QString table,

@@ -4,10 +4,12 @@
 #include "dbif/condition/query_enums.h"
 
 #include <memory>
+#include <string>
 
 namespace dbif {
 struct ColumnComparison;
-}
+class TableColumn;
+} // namespace dbif
 
 /// A comparison of one column with a value, or with the values of a list ("a', 'b" for `IN` and
 /// `NOT_IN`). Blanks may stand around the comma. Blanks or commas left behind the last value, as in
@@ -24,6 +26,11 @@ struct ColumnComparison;
 class DBIF_SingleColumnCondition : public DBIF_QueryCondition
 {
 public:
+    /// What the column is says whether the value is a number and how close numbers are equal.
+    DBIF_SingleColumnCondition(
+        const dbif::TableColumn& column,
+        Comparator comparator,
+        const std::string& value);
     DBIF_SingleColumnCondition(
         QString table,
         QString column,

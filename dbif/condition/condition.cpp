@@ -4,11 +4,9 @@
 #include "dbif/host/host_string.h"
 
 namespace {
-/// The names under which a comparison refers to its table: keys stand in the data table.
 QString table_of(const dbif::ColumnComparison& comparison)
 {
-    const dbif::TableFacts& f = dbif::facts(comparison.table);
-    return dbif::to_qt(comparison.isKey ? f.dataTable() : std::string(f.name));
+    return dbif::to_qt(comparison.column.tableName());
 }
 } // namespace
 
@@ -29,7 +27,7 @@ void DBIF_QueryCondition::columnSetFor(QString table, DBIF_UniqueStringList& col
 {
     tree(false).forEachComparison([&](const dbif::ColumnComparison& comparison) {
         if (table_of(comparison) == table) {
-            columns.add(dbif::to_qt(comparison.column));
+            columns.add(dbif::to_qt(comparison.column.uniqueName()));
         }
     });
 }

@@ -17,8 +17,7 @@ bool compares_ranges(const ConditionTree& part)
 
 bool is_always_true(const ColumnComparison& comparison, RecordTable base)
 {
-    return comparison.table == base && !comparison.isKey && comparison.column == "id" &&
-           comparison.comparator == NOT_NULL;
+    return comparison.column.isIdOf(base) && comparison.comparator == NOT_NULL;
 }
 
 /// Whether comparisons with these texts, joined by that kind, are one comparison with a list.
@@ -81,7 +80,7 @@ ColumnComparison joined_texts(const Group& group, Kind kind)
 
 ConditionTree with_one_comparison_each(Kind kind, const std::vector<ConditionTree>& operands)
 {
-    std::map<std::tuple<RecordTable, bool, std::string>, std::size_t> placeOf;
+    std::map<std::pair<RecordTable, std::string_view>, std::size_t> placeOf;
     std::vector<ConditionTree> parts;
     std::vector<Group> groups;
     for (const ConditionTree& operand : operands) {
@@ -92,7 +91,7 @@ ConditionTree with_one_comparison_each(Kind kind, const std::vector<ConditionTre
         }
         const ColumnComparison& comparison = operand.comparison();
         const auto [place, isNew] = placeOf.emplace(
-            std::tuple(comparison.table, comparison.isKey, comparison.column), parts.size());
+            std::pair(comparison.column.table(), comparison.column.uniqueName()), parts.size());
         if (isNew) {
             parts.push_back(operand);
             groups.emplace_back();

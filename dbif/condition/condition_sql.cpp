@@ -58,7 +58,7 @@ SqlText value_condition(
 /// Whether a record has the key with such a value.
 SqlText key_condition(const ColumnComparison& comparison, DBIF_Connection& connection)
 {
-    const TableFacts& f = facts(comparison.table);
+    const TableFacts& f = facts(comparison.column.table());
     const SqlText id = qualified(f.name, "id");
     SqlText sql;
     if (comparison.isLookedUp) {
@@ -73,23 +73,25 @@ SqlText key_condition(const ColumnComparison& comparison, DBIF_Connection& conne
 /// That a record has no value. Of a record that there is not, nothing is true.
 SqlText absence_condition(const ColumnComparison& comparison, DBIF_Connection& connection)
 {
-    const SqlText id = qualified(facts(comparison.table).name, "id");
+    const SqlText id = qualified(facts(comparison.column.table()).name, "id");
     SqlText sql;
     sql << "(" << id << " IS NOT NULL";
     // A setup that holds a key may have points without a value of it.
-    if (comparison.isKey && !comparison.isOnPoints()) {
+    if (comparison.column.isKey() && !comparison.isOnPoints()) {
         ColumnComparison presence = comparison;
         presence.comparator = NOT_NULL;
         sql << " AND NOT " << key_condition(presence, connection);
-    } else if (!comparison.isKey) {
-        sql << " AND " << qualified(facts(comparison.table).name, comparison.column) << " IS NULL";
+    } else if (!comparison.column.isKey()) {
+        sql << " AND "
+            << qualified(facts(comparison.column.table()).name, comparison.column.uniqueName())
+            << " IS NULL";
     }
     return sql << ")";
 }
 
 SqlText id_condition(const ColumnComparison& comparison)
 {
-    const SqlText id = qualified(facts(comparison.table).name, "id");
+    const SqlText id = qualified(facts(comparison.column.table()).name, "id");
     const bool isSelect = comparison.idSelect->utf8().starts_with("SELECT ");
     SqlText sql;
     if (isSelect && comparison.isLookedUp) {
@@ -102,19 +104,20 @@ SqlText id_condition(const ColumnComparison& comparison)
 SqlText comparison_sql(const ColumnComparison& comparison, DBIF_Connection& connection)
 {
     SqlText sql;
-    const TableFacts& f = facts(comparison.table);
+    const TableFacts& f = facts(comparison.column.table());
     if (comparison.comparator == IS_NULL) {
         return absence_condition(comparison, connection);
     }
     if (comparison.idSelect.has_value()) {
         return id_condition(comparison);
     }
-    if (comparison.isKey) {
+    if (comparison.column.isKey()) {
         return key_condition(comparison, connection);
     }
     return sql << "("
                << value_condition(
-                      qualified(f.name, comparison.column), comparison, connection.dialect())
+                      qualified(f.name, comparison.column.uniqueName()), comparison,
+                      connection.dialect())
                << ")";
 }
 
@@ -184,14 +187,13 @@ SqlText records_with_key(
     const ColumnComparison& comparison,
     DBIF_Connection& connection)
 {
-    const TableFacts& f = facts(comparison.table);
+    const TableFacts& f = facts(comparison.column.table());
     const bool isOnPoints = comparison.isOnPoints();
-    const KeyDefinition* definition =
-        ColumnStore::of(connection).find(connection, comparison.table, comparison.column);
+    const int definition = definition_id(connection, comparison.column);
     SqlText sql;
     sql << "SELECT " << expression << " FROM "
         << SqlName(isOnPoints ? f.associationTable() : f.dataTable()) << " WHERE "
-        << SqlName(f.columnLink()) << " = " << (definition == nullptr ? 0 : definition->id);
+        << SqlName(f.columnLink()) << " = " << definition;
     if (comparison.comparator == NOT_NULL || (isOnPoints && !comparison.holdsNumbers)) {
         return sql;
     }

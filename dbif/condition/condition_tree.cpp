@@ -12,7 +12,7 @@ struct ConditionTree::Node
     Kind kind = Kind::True;
     std::size_t size = 1;
     std::size_t depth = 0;
-    ColumnComparison comparison;
+    std::optional<ColumnComparison> comparison;
     std::vector<ConditionTree> operands;
 
     Node() = default;
@@ -161,7 +161,7 @@ std::size_t ConditionTree::depth() const
 
 const ColumnComparison& ConditionTree::comparison() const
 {
-    return node_->comparison;
+    return *node_->comparison;
 }
 
 std::vector<ConditionTree> ConditionTree::operands() const

@@ -3,8 +3,7 @@
 #include "dbif/condition/number_ranges.h"
 #include "dbif/condition/query_enums.h"
 #include "dbif/engine/sql_text.h"
-#include "dbif/schema/schema_names.h"
-#include "dbif/value/data_type.h"
+#include "dbif/value/table_column.h"
 
 #include <functional>
 #include <memory>
@@ -16,10 +15,14 @@ namespace dbif {
 /// One comparison, ready to be written as SQL or decided on a value.
 struct ColumnComparison
 {
-    RecordTable table = RecordTable::CatalogEntry;
-    /// Whether `column` is the unique key of a dynamic column, and not the name of a fixed one.
-    bool isKey = false;
-    std::string column;
+    explicit ColumnComparison(TableColumn compared) : column(std::move(compared)) {}
+
+    /// Selects the records of a table whose ids `ids` yields.
+    ColumnComparison(RecordTable table, SqlText ids)
+        : column(TableColumn::id(table)), idSelect(std::move(ids))
+    {}
+
+    TableColumn column;
     Comparator comparator = EQUAL;
     /// A column of numbers compares by ranges, every other one by texts.
     bool holdsNumbers = false;
@@ -33,7 +36,7 @@ struct ColumnComparison
     bool isLookedUp = false;
 
     /// Whether it is decided on points of a setup.
-    [[nodiscard]] bool isOnPoints() const { return isKey && table == RecordTable::Setup; }
+    [[nodiscard]] bool isOnPoints() const { return column.isOnPoints(); }
 
     /// Whether a text satisfies it (not for columns of numbers).
     [[nodiscard]] bool holdsFor(std::string_view text) const;

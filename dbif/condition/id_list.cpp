@@ -24,11 +24,9 @@ IdList::IdList(DBIF_Connection connection, RecordTable table, const std::vector<
     if (ids.empty()) {
         return;
     }
-    ColumnComparison comparison;
-    comparison.table = table;
-    comparison.column = "id";
+    SqlText select;
     if (ids.size() <= kMostListedIds) {
-        comparison.idSelect = id_sequence(ids, 0, ids.size());
+        select = id_sequence(ids, 0, ids.size());
     } else {
         temporaryTable_ = "selected_" + to_utf8(QUuid::createUuid().toString(QUuid::Id128));
         const SqlName name(temporaryTable_);
@@ -38,10 +36,9 @@ IdList::IdList(DBIF_Connection connection, RecordTable table, const std::vector<
             inserter->integer(id).endRow();
         }
         inserter->flush();
-        SqlText select;
-        comparison.idSelect = select << "SELECT id FROM " << name;
+        select << "SELECT id FROM " << name;
     }
-    condition_ = ConditionTree::comparison(std::move(comparison));
+    condition_ = ConditionTree::comparison({table, std::move(select)});
 }
 
 IdList::~IdList()

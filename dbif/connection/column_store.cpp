@@ -2,33 +2,12 @@
 
 #include "dbif/engine/read_trace.h"
 #include "dbif/engine/sql_text.h"
+#include "dbif/host/exception.h"
 #include "dbif/host/host_string.h"
 
 #include <memory>
 
 namespace dbif {
-std::string column_key(std::string_view category, ValueKind kind, std::string_view name)
-{
-    std::string key(category);
-    key += "|" + to_utf8(datatype_name(kind)) + "|";
-    return key.append(name);
-}
-
-std::optional<ColumnKeyParts> split_column_key(std::string_view key)
-{
-    const std::size_t first = key.find('|');
-    const std::size_t second = first == std::string_view::npos ? first : key.find('|', first + 1);
-    if (second == std::string_view::npos) {
-        return std::nullopt;
-    }
-    const auto kind = value_kind(to_qt(key.substr(first + 1, second - first - 1)));
-    if (!kind.has_value()) {
-        return std::nullopt;
-    }
-    return ColumnKeyParts{
-        std::string(key.substr(0, first)), *kind, std::string(key.substr(second + 1))};
-}
-
 ColumnStore& ColumnStore::of(DBIF_Connection& connection)
 {
     return static_cast<ColumnStore&>(
@@ -93,5 +72,32 @@ void ColumnStore::refresh()
     for (Definitions& definitions : tables_) {
         definitions.isLoaded = false;
     }
+}
+
+int definition_id(DBIF_Connection& connection, const TableColumn& key)
+{
+    if (key.key().id != 0) {
+        return key.key().id;
+    }
+    const KeyDefinition* definition =
+        ColumnStore::of(connection).find(connection, key.table(), key.uniqueName());
+    return definition == nullptr ? 0 : definition->id;
+}
+
+TableColumn
+existing_column(DBIF_Connection& connection, const std::string& table, const std::string& column)
+{
+    const std::optional<TableColumn> named = find_column(table, column);
+    const KeyDefinition* definition =
+        named.has_value() && named->isKey()
+            ? ColumnStore::of(connection).find(connection, named->table(), column)
+            : nullptr;
+    if (!named.has_value() || (named->isKey() && definition == nullptr)) {
+        throw_error(
+            "The measurement database has no column \"" + column + "\" in a table \"" + table +
+                "\".",
+            __FILE__, __LINE__);
+    }
+    return definition == nullptr ? *named : TableColumn(named->table(), *definition);
 }
 } // namespace dbif

@@ -1,42 +1,14 @@
 #pragma once
 
 #include "dbif/connection/connection.h"
-#include "dbif/schema/schema_names.h"
-#include "dbif/value/data_type.h"
+#include "dbif/value/table_column.h"
 
 #include <array>
-#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 namespace dbif {
-/// One stored key as it is defined: a row of a table's "_column" table.
-struct KeyDefinition
-{
-    int id = 0;
-    std::string name;
-    ValueKind kind = ValueKind::Text;
-    /// Empty for tables whose keys have none; "IN" or "OUT" for setup keys.
-    std::string category;
-    std::string key;
-
-    [[nodiscard]] bool isInput() const { return category == "IN"; }
-};
-
-/// The unique key of a definition: category, data type and name, joined by "|".
-std::string column_key(std::string_view category, ValueKind kind, std::string_view name);
-
-/// The parts of a unique key; nothing when the text is none.
-struct ColumnKeyParts
-{
-    std::string category;
-    ValueKind kind;
-    std::string name;
-};
-
-std::optional<ColumnKeyParts> split_column_key(std::string_view key);
-
 /// The definitions of all stored keys, kept with an open connection. A key that is not known is
 /// looked for again as soon as the database may have changed, so that one defined meanwhile is
 /// found.
@@ -71,4 +43,13 @@ private:
 
     std::array<Definitions, kRecordTables.size()> tables_;
 };
+
+/// The column that texts name (see `find_column`), as the database defines it; throws
+/// `DBIF_Exception` naming it when there is none.
+TableColumn
+existing_column(DBIF_Connection& connection, const std::string& table, const std::string& column);
+
+/// The id of a key's definition, which is looked up where the column does not know it; 0 when the
+/// key is not defined.
+int definition_id(DBIF_Connection& connection, const TableColumn& key);
 } // namespace dbif

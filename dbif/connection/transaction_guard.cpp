@@ -10,3 +10,13 @@ DConHelper::~DConHelper()
         connection_.endTransaction();
     }
 }
+
+namespace dbif {
+ReadTransaction::ReadTransaction(DBIF_Connection connection) : end_(connection)
+{
+    if (!connection.isInTransaction()) {
+        connection.beginTransaction();
+        end_.arm();
+    }
+}
+} // namespace dbif

@@ -20,3 +20,19 @@ private:
     DBIF_Connection connection_;
     bool armed_ = false;
 };
+
+namespace dbif {
+/// Makes the statements of a scope see one state of the database: begins a transaction, unless one
+/// is open, and ends it with the scope. Throws `DBIF_Exception` when none can be begun.
+class ReadTransaction
+{
+    Q_DISABLE_COPY_MOVE(ReadTransaction)
+
+public:
+    explicit ReadTransaction(DBIF_Connection connection);
+    ~ReadTransaction() = default;
+
+private:
+    DConHelper end_;
+};
+} // namespace dbif

@@ -90,7 +90,7 @@ RecordContent read_record(BulkCursor& cursor, const TableFacts& f)
 /// The key in the columns 1 (its unique key), 2 (number) and 3 (text).
 void add_key(BulkCursor& cursor, RecordContent* record)
 {
-    const std::optional<ColumnKeyParts> parts = split_column_key(cursor.text(1));
+    const std::optional<KeyDefinition> parts = split_column_key(cursor.text(1));
     if (parts.has_value()) {
         record->keys.push_back(
             {parts->name, parts->kind, parts->category, cursor.number(2),
@@ -160,7 +160,7 @@ SqlText chunk_statement(Payload payload, const SqlText& setups)
 void add_chunk(BulkCursor& cursor, std::vector<SweepContent>* sweeps)
 {
     if (sweeps->empty() || sweep_key(sweeps->back()) != cursor.text(1)) {
-        const std::optional<ColumnKeyParts> parts = split_column_key(cursor.text(1));
+        const std::optional<KeyDefinition> parts = split_column_key(cursor.text(1));
         if (!parts.has_value()) {
             return;
         }

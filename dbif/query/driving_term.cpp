@@ -22,8 +22,8 @@ bool compares_one_record(const ConditionTree& tree)
     std::set<RecordTable> tables;
     bool hasKeys = false;
     tree.forEachComparison([&](const ColumnComparison& comparison) {
-        tables.insert(comparison.table);
-        hasKeys = hasKeys || comparison.isKey;
+        tables.insert(comparison.column.table());
+        hasKeys = hasKeys || comparison.column.isKey();
     });
     return tables.size() == 1 && !hasKeys;
 }
@@ -54,7 +54,7 @@ std::vector<std::size_t> find_candidates(
     const TableSet above = with_ancestors(base);
     const auto canStandAlone = [&](const ConditionTree& operand) {
         return operands.size() == 1 || !operand.any([&above](const ColumnComparison& comparison) {
-            return !above.has(comparison.table);
+            return !above.has(comparison.column.table());
         });
     };
     for (std::size_t i = 0; i < operands.size(); ++i) {

@@ -14,8 +14,8 @@ using Kind = ConditionTree::Kind;
 ConditionTree restricted_to(const ConditionTree& tree, const TableSet& tables)
 {
     return tree.mapped([&tables](const ConditionTree& comparison) {
-        return tables.has(comparison.comparison().table) ? comparison
-                                                         : ConditionTree::constant(false);
+        return tables.has(comparison.comparison().column.table()) ? comparison
+                                                                  : ConditionTree::constant(false);
     });
 }
 
@@ -23,7 +23,7 @@ ConditionTree restricted_to(const ConditionTree& tree, const TableSet& tables)
 bool requires_record(const ConditionTree& tree, RecordTable table)
 {
     return tree.mapped([table](const ConditionTree& comparison) {
-                   return ConditionTree::constant(comparison.comparison().table != table);
+                   return ConditionTree::constant(comparison.comparison().column.table() != table);
                })
                .kind() == Kind::False;
 }
@@ -59,7 +59,7 @@ TableSet tables_of(const ConditionTree& tree)
 {
     TableSet tables;
     tree.forEachComparison(
-        [&tables](const ColumnComparison& comparison) { tables.add(comparison.table); });
+        [&tables](const ColumnComparison& comparison) { tables.add(comparison.column.table()); });
     return tables;
 }
 
@@ -105,8 +105,8 @@ namespace {
 /// Whether the companion table alone says which records of `table` satisfy the comparison.
 bool picks_by_key(const ColumnComparison& comparison, RecordTable table)
 {
-    return comparison.isKey && comparison.table == table && !comparison.isOnPoints() &&
-           !comparison.isLookedUp && comparison.comparator != IS_NULL;
+    return comparison.column.isKey() && comparison.column.table() == table &&
+           !comparison.isOnPoints() && !comparison.isLookedUp && comparison.comparator != IS_NULL;
 }
 
 /// Whether the companion table alone says so for a record that another comparison picks.
@@ -116,8 +116,8 @@ bool looks_up_key(const ConditionTree& part, RecordTable table)
         return false;
     }
     const ColumnComparison& comparison = part.comparison();
-    return comparison.isKey && comparison.table == table && !comparison.isOnPoints() &&
-           comparison.isLookedUp && comparison.comparator != IS_NULL;
+    return comparison.column.isKey() && comparison.column.table() == table &&
+           !comparison.isOnPoints() && comparison.isLookedUp && comparison.comparator != IS_NULL;
 }
 
 /// Joins, to records that are picked already, the rows of keys that `rest` looks up, and takes
@@ -157,12 +157,9 @@ ConditionTree RecordQuery::united(const std::vector<ConditionTree>& alternatives
         const RecordQuery records(connection_, {base_}, alternative, latestOnly_ && looksBelow);
         parts << (parts.isEmpty() ? SqlText() : SqlText("\nUNION\n")) << records.selectIds();
     }
-    ColumnComparison comparison;
-    comparison.table = base_;
-    comparison.column = "id";
     SqlText select;
-    comparison.idSelect = select << "SELECT id FROM (" << parts << ") AS united";
-    return ConditionTree::comparison(std::move(comparison));
+    select << "SELECT id FROM (" << parts << ") AS united";
+    return ConditionTree::comparison({base_, std::move(select)});
 }
 
 RecordQuery::Split RecordQuery::split(const ConditionTree& condition) const
@@ -344,7 +341,8 @@ SqlText RecordQuery::selectIds() const
     rest.erase(driver);
     const ConditionTree others = ConditionTree::joined(Kind::And, rest);
     const bool needsRecord = others.any([this](const ColumnComparison& comparison) {
-        return comparison.table == base_ ? !comparison.isKey : aboveBase_.has(comparison.table);
+        return comparison.column.table() == base_ ? !comparison.column.isKey()
+                                                  : aboveBase_.has(comparison.column.table());
     });
     if (needsRecord) {
         return select({id}, false);

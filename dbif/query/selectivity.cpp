@@ -24,13 +24,10 @@ bool may_drive(const ColumnComparison& comparison)
         comparison.comparator == NOT_EQUAL || comparison.comparator == NOT_IN) {
         return false;
     }
-    if (comparison.isKey) {
+    if (comparison.column.isKey()) {
         return true;
     }
-    const auto columns = facts(comparison.table).fixedColumns;
-    return std::any_of(columns.begin(), columns.end(), [&](const FixedColumnFacts& column) {
-        return column.name == comparison.column && column.indexed == Indexed::Yes;
-    });
+    return comparison.column.fixed().indexed == Indexed::Yes;
 }
 
 bool is_found_by_index(const ConditionTree& tree)
@@ -101,13 +98,13 @@ bool Selectivity::selectsMore(const ConditionTree& tree, std::size_t limit)
 bool Selectivity::doesSelectMore(const ColumnComparison& comparison, std::size_t limit)
 {
     SqlText sql;
-    if (comparison.isKey) {
+    if (comparison.column.isKey()) {
         sql = records_with_key("1", comparison, connection_);
     } else {
-        sql << "SELECT 1 FROM " << SqlName(facts(comparison.table).name) << " WHERE "
+        sql << "SELECT 1 FROM " << SqlName(facts(comparison.column.table()).name) << " WHERE "
             << criteria(ConditionTree::comparison(comparison), connection_);
     }
-    sql << " LIMIT 1 OFFSET " << static_cast<long long>(limit / fanOut(comparison.table));
+    sql << " LIMIT 1 OFFSET " << static_cast<long long>(limit / fanOut(comparison.column.table()));
     return BulkCursor(connection_, sql).next();
 }
 

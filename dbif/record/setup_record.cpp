@@ -36,11 +36,7 @@ std::vector<dbif::KeyDefinition> keys_of(DBIF_Connection& connection, int setup)
 
 QSharedPointer<DBIF_Setup> DBIF_Setup::get(DBIF_Connection& connection, int id)
 {
-    DConHelper transaction(connection);
-    if (!connection.isInTransaction()) {
-        connection.beginTransaction();
-        transaction.arm();
-    }
+    const dbif::ReadTransaction transaction(connection);
     if (!has_setup(connection, id)) {
         return {};
     }

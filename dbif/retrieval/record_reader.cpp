@@ -221,18 +221,19 @@ Kind fixed_column_kind(const FixedColumnFacts& fixed)
 }
 } // namespace
 
-RecordCells::RecordCells(const std::vector<ResultSource>& sources) : sources_(sources)
+RecordCells::RecordCells(const std::vector<TableColumn>& sources) : sources_(sources)
 {
     std::map<RecordTable, std::size_t> idCells;
-    for (const ResultSource& source : sources) {
-        if (!source.isKey) {
-            cells_.push_back(add(source.table, source.fixed.name, fixed_column_kind(source.fixed)));
+    for (const TableColumn& source : sources) {
+        if (!source.isKey()) {
+            cells_.push_back(
+                add(source.table(), source.fixed().name, fixed_column_kind(source.fixed())));
             continue;
         }
-        if (!idCells.contains(source.table)) {
-            idCells[source.table] = add(source.table, "id", Kind::Integer);
+        if (!idCells.contains(source.table())) {
+            idCells[source.table()] = add(source.table(), "id", Kind::Integer);
         }
-        cells_.push_back(idCells[source.table]);
+        cells_.push_back(idCells[source.table()]);
     }
 }
 
@@ -253,7 +254,7 @@ QueryResult RecordCells::read(
     kinds.insert(kinds.end(), furtherIntegers, Kind::Integer);
     std::vector<bool> isCounted(kinds.size(), false);
     for (std::size_t i = 0; i < sources_.size(); ++i) {
-        isCounted[cells_[i]] = !sources_[i].isKey;
+        isCounted[cells_[i]] = !sources_[i].isKey();
     }
     QueryResult cells = read_cells(connection, sql, kinds, isCounted, hasValue);
     QueryResult result;
@@ -261,10 +262,10 @@ QueryResult RecordCells::read(
     std::map<std::size_t, RowsById> rows;
     for (std::size_t i = 0; i < sources_.size(); ++i) {
         ResultColumn& cell = cells.columns[cells_[i]];
-        if (sources_[i].isKey) {
+        if (sources_[i].isKey()) {
             const RowsById& ofRecords = rows.try_emplace(cells_[i], cell.numbers).first->second;
             result.columns.push_back(read_key_beside(
-                connection, sources_[i].table, sources_[i].key, ofRecords, hasValue));
+                connection, sources_[i].table(), sources_[i].key(), ofRecords, hasValue));
         } else {
             result.columns.push_back(std::move(cell));
         }

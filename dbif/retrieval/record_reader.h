@@ -3,8 +3,8 @@
 #include "dbif/connection/column_store.h"
 #include "dbif/connection/connection.h"
 #include "dbif/retrieval/result_column.h"
-#include "dbif/retrieval/result_source.h"
 #include "dbif/schema/schema_names.h"
+#include "dbif/value/table_column.h"
 
 #include <cstdint>
 #include <string_view>
@@ -39,7 +39,7 @@ ResultColumn read_key_values(
 class RecordCells
 {
 public:
-    explicit RecordCells(const std::vector<ResultSource>& sources);
+    explicit RecordCells(const std::vector<TableColumn>& sources);
 
     /// What the statement has to select, in this order; further integer columns may follow.
     [[nodiscard]] const std::vector<SqlText>& expressions() const { return expressions_; }
@@ -55,7 +55,7 @@ public:
 private:
     std::size_t add(RecordTable table, std::string_view column, ResultColumn::Kind kind);
 
-    std::vector<ResultSource> sources_;
+    std::vector<TableColumn> sources_;
     /// What each source reads: its column, or the id of the record that has the key.
     std::vector<std::size_t> cells_;
     std::vector<SqlText> expressions_;

@@ -31,14 +31,15 @@ ConditionTree point_part(const ConditionTree& condition)
 /// Adds a key to those that are read, unless it is among them; false when it is not defined.
 bool add_key(
     DBIF_Connection& connection,
-    const std::string& key,
+    const KeyDefinition& key,
     std::vector<KeyDefinition>* columns)
 {
-    if (place_of_key(*columns, key) < columns->size()) {
+    if (place_of_key(*columns, key.key) < columns->size()) {
         return true;
     }
     const KeyDefinition* definition =
-        ColumnStore::of(connection).find(connection, RecordTable::Setup, key);
+        key.id != 0 ? &key
+                    : ColumnStore::of(connection).find(connection, RecordTable::Setup, key.key);
     if (definition != nullptr) {
         columns->push_back(*definition);
     }
@@ -49,10 +50,7 @@ bool add_key(
 ConditionTree has_one_of(const std::vector<KeyDefinition>& keys, bool isLookedUp)
 {
     SqlText sql = "SELECT setup_id AS id FROM setup_association WHERE setup_column_id IN (";
-    ColumnComparison comparison;
-    comparison.table = RecordTable::Setup;
-    comparison.column = "id";
-    comparison.idSelect = sql << listed(keys, &KeyDefinition::id) << ")";
+    ColumnComparison comparison(RecordTable::Setup, sql << listed(keys, &KeyDefinition::id) << ")");
     comparison.isLookedUp = isLookedUp;
     return ConditionTree::comparison(std::move(comparison));
 }
@@ -74,10 +72,7 @@ public:
 
     [[nodiscard]] bool has(const KeyDefinition& key)
     {
-        ColumnComparison presence;
-        presence.table = RecordTable::Setup;
-        presence.isKey = true;
-        presence.column = key.key;
+        ColumnComparison presence(TableColumn(RecordTable::Setup, key));
         presence.comparator = NOT_NULL;
         return doNearlyAllSatisfy(presence);
     }
@@ -136,7 +131,7 @@ std::size_t place_of_key(const std::vector<KeyDefinition>& columns, const std::s
 
 SelectedSetups::SelectedSetups(
     DBIF_Connection& connection,
-    const std::vector<ResultSource>& sources,
+    const std::vector<TableColumn>& sources,
     const std::vector<KeyDefinition>& keys,
     const ConditionTree& condition,
     bool latestOnly)
@@ -156,7 +151,7 @@ SelectedSetups::~SelectedSetups()
 
 void SelectedSetups::select(
     DBIF_Connection& connection,
-    const std::vector<ResultSource>& sources,
+    const std::vector<TableColumn>& sources,
     const ConditionTree& condition,
     bool latestOnly)
 {
@@ -168,7 +163,7 @@ void SelectedSetups::select(
     // Comparisons on records that stand beside ones on points are decided by SQL, setup by setup.
     pointPart_.forEachComparison([&](const ColumnComparison& comparison) {
         if (!comparison.isOnPoints() && flags_.emplace(&comparison, flags_.size()).second) {
-            tables.add(comparison.table);
+            tables.add(comparison.column.table());
             SqlText flag;
             expressions.push_back(
                 flag << "CASE WHEN " << criteria(ConditionTree::comparison(comparison), connection)
@@ -200,8 +195,8 @@ void SelectedSetups::addConditionKeys(
     std::vector<KeyDefinition>* columns)
 {
     pointPart_.forEachComparison([&](const ColumnComparison& comparison) {
-        if (comparison.isOnPoints() && add_key(connection, comparison.column, columns)) {
-            columns_.emplace(&comparison, place_of_key(*columns, comparison.column));
+        if (comparison.isOnPoints() && add_key(connection, comparison.column.key(), columns)) {
+            columns_.emplace(&comparison, place_of_key(*columns, comparison.column.key().key));
         }
     });
 }

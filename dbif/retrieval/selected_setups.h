@@ -4,9 +4,9 @@
 #include "dbif/connection/connection.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/retrieval/record_reader.h"
-#include "dbif/retrieval/result_source.h"
 #include "dbif/sweep/point_filter.h"
 #include "dbif/sweep/sweep_reader.h"
+#include "dbif/value/table_column.h"
 
 #include <cstddef>
 #include <string>
@@ -29,7 +29,7 @@ public:
     /// given, setups without any of them may be left out.
     SelectedSetups(
         DBIF_Connection& connection,
-        const std::vector<ResultSource>& sources,
+        const std::vector<TableColumn>& sources,
         const std::vector<KeyDefinition>& keys,
         const ConditionTree& condition,
         bool latestOnly);
@@ -59,7 +59,7 @@ public:
 private:
     void select(
         DBIF_Connection& connection,
-        const std::vector<ResultSource>& sources,
+        const std::vector<TableColumn>& sources,
         const ConditionTree& condition,
         bool latestOnly);
 

@@ -17,16 +17,17 @@ class RowCollector
 public:
     /// `columns` are those that are read, the keys of `sources` among them.
     RowCollector(
-        const std::vector<ResultSource>& sources,
+        const std::vector<TableColumn>& sources,
         const std::vector<KeyDefinition>& columns,
         SelectedSetups& setups)
         : setups_(setups)
     {
         std::size_t recordSource = 0;
-        for (const ResultSource& source : sources) {
+        for (const TableColumn& source : sources) {
             outputs_.push_back(
-                source.isOnPoints() ? pointOutput(source.key, place_of_key(columns, source.key.key))
-                                    : recordOutput(&setups.column(recordSource++)));
+                source.isOnPoints()
+                    ? pointOutput(source.key(), place_of_key(columns, source.key().key))
+                    : recordOutput(&setups.column(recordSource++)));
         }
     }
 
@@ -190,17 +191,17 @@ private:
 
 QueryResult read_sweep_rows(
     DBIF_Connection& connection,
-    const std::vector<ResultSource>& sources,
+    const std::vector<TableColumn>& sources,
     const ConditionTree& condition,
     bool latestOnly)
 {
     std::vector<KeyDefinition> columns;
-    std::vector<ResultSource> recordSources;
-    for (const ResultSource& source : sources) {
+    std::vector<TableColumn> recordSources;
+    for (const TableColumn& source : sources) {
         if (!source.isOnPoints()) {
             recordSources.push_back(source);
-        } else if (place_of_key(columns, source.key.key) == columns.size()) {
-            columns.push_back(source.key);
+        } else if (place_of_key(columns, source.key().key) == columns.size()) {
+            columns.push_back(source.key());
         }
     }
     SelectedSetups setups(connection, recordSources, columns, condition, latestOnly);
@@ -218,10 +219,7 @@ std::vector<int> ids_with_points(
     const ConditionTree& condition,
     bool latestOnly)
 {
-    ResultSource id;
-    id.table = table;
-    id.fixed = facts(table).fixedColumns.front();
-    SelectedSetups setups(connection, {id}, {}, condition, latestOnly);
+    SelectedSetups setups(connection, {TableColumn::id(table)}, {}, condition, latestOnly);
     std::vector<KeyDefinition> columns;
     setups.addConditionKeys(connection, &columns);
     std::vector<int> ids;

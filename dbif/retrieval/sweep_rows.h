@@ -3,7 +3,7 @@
 #include "dbif/condition/condition_tree.h"
 #include "dbif/connection/connection.h"
 #include "dbif/retrieval/result_column.h"
-#include "dbif/retrieval/result_source.h"
+#include "dbif/value/table_column.h"
 
 #include <vector>
 
@@ -13,7 +13,7 @@ namespace dbif {
 /// gives no row, nor does a point without any value. In the order of setups and points.
 QueryResult read_sweep_rows(
     DBIF_Connection& connection,
-    const std::vector<ResultSource>& sources,
+    const std::vector<TableColumn>& sources,
     const ConditionTree& condition,
     bool latestOnly);
 

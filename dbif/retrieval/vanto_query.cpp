@@ -1,10 +1,10 @@
 #include "dbif/retrieval/vanto_query.h"
 
+#include "dbif/connection/column_store.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/host/host_string.h"
 #include "dbif/query/record_query.h"
 #include "dbif/retrieval/query_run.h"
-#include "dbif/retrieval/result_source.h"
 #include "dbif/value/complex_values.h"
 
 #include <functional>
@@ -19,39 +19,23 @@ DBIF_VantoJoinAlgorithm& join_algorithm()
 
 /// What a column reads in plain SQL: a key is looked up for its record; of a key of setups, the
 /// setup.
-dbif::SqlText expression_of(const dbif::ResultSource& source)
+dbif::SqlText expression_of(const dbif::TableColumn& source)
 {
-    const dbif::TableFacts& f = dbif::facts(source.table);
+    const dbif::TableFacts& f = dbif::facts(source.table());
     dbif::SqlText id = dbif::qualified(f.name, "id");
-    if (!source.isKey) {
-        return dbif::qualified(f.name, source.fixed.name);
+    if (!source.isKey()) {
+        return dbif::qualified(f.name, source.fixed().name);
     }
     if (source.isOnPoints()) {
         return id;
     }
     dbif::SqlText sql;
     return sql << "(SELECT "
-               << (source.key.kind == dbif::ValueKind::Double ? dbif::SqlText("number")
-                                                              : dbif::SqlText("text"))
+               << (source.key().kind == dbif::ValueKind::Double ? dbif::SqlText("number")
+                                                                : dbif::SqlText("text"))
                << " FROM " << dbif::SqlName(f.dataTable()) << " WHERE "
                << dbif::SqlName(f.linkColumn()) << " = " << id << " AND "
-               << dbif::SqlName(f.columnLink()) << " = " << source.key.id << ")";
-}
-
-QList<DBIF_DataType*> objects_of(const dbif::ResultColumn& column, const QString& datatype)
-{
-    using Kind = dbif::ResultColumn::Kind;
-    QList<DBIF_DataType*> objects;
-    for (std::size_t row = 0; row < column.size(); ++row) {
-        if (column.kind == Kind::Double && datatype == DOUBLE_DATATYPE) {
-            objects.append(new DBIF_Double(column.numbers[row]));
-        } else if (column.kind == Kind::Complex && datatype == COMPLEX_NUMBER_DATATYPE) {
-            objects.append(new DBIF_ComplexNumber(column.complexNumbers[row]));
-        } else {
-            objects.append(DBIF_DataType::toDataType(dbif::to_qt(column.text(row)), datatype));
-        }
-    }
-    return objects;
+               << dbif::SqlName(f.columnLink()) << " = " << source.key().id << ")";
 }
 } // namespace
 
@@ -75,9 +59,10 @@ dbif::SqlText select_of(const DBIF_Query::SharedData& data, const NameOf& nameOf
 {
     DBIF_Connection connection = data.connection;
     std::vector<dbif::SqlText> expressions;
-    std::vector<dbif::ResultSource> sources;
+    std::vector<dbif::TableColumn> sources;
     for (const DBIF_Query::Column& column : data.columns) {
-        sources.push_back(dbif::find_source(connection, column.table, column.column));
+        sources.push_back(dbif::existing_column(
+            connection, dbif::to_utf8(column.table), dbif::to_utf8(column.column)));
         dbif::SqlText expression = expression_of(sources.back());
         const std::string name = nameOf(column);
         if (!name.empty()) {
@@ -130,7 +115,8 @@ QString DBIF_VantoQuery::generateOrder()
     dbif::SqlText order;
     for (const Order& by : data().orders) {
         order << (order.isEmpty() ? dbif::SqlText("\nORDER BY ") : dbif::SqlText(", "))
-              << expression_of(dbif::find_source(connection, by.table, by.column))
+              << expression_of(dbif::existing_column(
+                     connection, dbif::to_utf8(by.table), dbif::to_utf8(by.column)))
               << (by.direction == QStringLiteral("ASC") ? dbif::SqlText(" ASC")
                                                         : dbif::SqlText(" DESC"));
     }
@@ -144,15 +130,23 @@ queryValues(DBIF_Connection /*connection*/, DBIF_Query* query, QString datatype)
 {
     const dbif::QueryResult result = dbif::run_query(*query);
     return result.columns.empty() ? QList<DBIF_DataType*>()
-                                  : objects_of(result.columns.front(), datatype);
+                                  : dbif::value_objects(result.columns.front(), datatype);
 }
 
 namespace dbif {
-std::vector<std::string> query_texts(const DBIF_Query& query)
+QList<DBIF_DataType*> value_objects(const ResultColumn& column, const QString& datatype)
 {
-    QueryResult result = run_query(query);
-    const TraceStep step(query.data().connection.trace(), "write the values as text");
-    return result.columns.empty() ? std::vector<std::string>()
-                                  : take_texts(&result.columns.front());
+    using Kind = ResultColumn::Kind;
+    QList<DBIF_DataType*> objects;
+    for (std::size_t row = 0; row < column.size(); ++row) {
+        if (column.kind == Kind::Double && datatype == DOUBLE_DATATYPE) {
+            objects.append(new DBIF_Double(column.numbers[row]));
+        } else if (column.kind == Kind::Complex && datatype == COMPLEX_NUMBER_DATATYPE) {
+            objects.append(new DBIF_ComplexNumber(column.complexNumbers[row]));
+        } else {
+            objects.append(DBIF_DataType::toDataType(to_qt(column.text(row)), datatype));
+        }
+    }
+    return objects;
 }
 } // namespace dbif

@@ -2,6 +2,7 @@
 
 #include "dbif/query/join_algorithm.h"
 #include "dbif/query/query.h"
+#include "dbif/retrieval/result_column.h"
 #include "dbif/value/data_type.h"
 
 #include <QList>
@@ -32,6 +33,6 @@ public:
 QList<DBIF_DataType*> queryValues(DBIF_Connection connection, DBIF_Query* query, QString datatype);
 
 namespace dbif {
-/// The same values as text, without an object for each.
-std::vector<std::string> query_texts(const DBIF_Query& query);
+/// The values of a result column as objects of a data type, which the caller owns.
+QList<DBIF_DataType*> value_objects(const ResultColumn& column, const QString& datatype);
 } // namespace dbif

@@ -1,5 +1,6 @@
 #include "tools/dbapi/arguments/request_arguments.h"
 
+#include "dbapi/db_listing.h"
 #include "dbapi/words/text_rules.h"
 #include "dbapi/words/vocabulary.h"
 #include "dbsuggest/display_text.h"

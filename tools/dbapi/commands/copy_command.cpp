@@ -1,4 +1,4 @@
-#include "dbapi/wall/condition_builder.h"
+#include "dbapi/query/query_condition.h"
 #include "dbapi/words/text_rules.h"
 #include "dbif/connection/transaction_guard.h"
 #include "dbif/copy/copy_verification.h"
@@ -28,15 +28,13 @@ struct CopyOptions
 
 dbif::CopySelection selected(DBIF_Connection& source, const DataRequest& request)
 {
-    DBIF_QueryCondition* condition = nullptr;
-    bool latestOnly = true;
-    std::string errors;
-    if (!dbapi_get_query_str_dbif_query_condition_ptr(
-            source, request.query, &condition, &latestOnly, &errors)) {
-        throw_call_failure(request, errors);
+    QueryCondition built;
+    try {
+        built = build_condition(source, request.query);
+    } catch (const FaultError& error) {
+        throw_call_failure(request, error.fault());
     }
-    const std::unique_ptr<DBIF_QueryCondition> owned(condition);
-    return dbif::select_for_copy(source, condition, latestOnly);
+    return dbif::select_for_copy(source, built.condition.get(), built.latestOnly);
 }
 
 std::string hexadecimal(std::uint64_t number)

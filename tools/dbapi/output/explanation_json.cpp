@@ -64,8 +64,8 @@ Json keys_json(const std::vector<KeyExplanation>& keys)
             {{"keyword", key.keyword},
              {"asked", key.isAsked},
              {"compared", key.isCompared},
-             {"key", key.found.key.keyname},
-             {"table", key.found.key.tablename},
+             {"key", key.keyName()},
+             {"table", key.tableName()},
              {"category", key.category},
              {"data_type", key.datatype},
              {"rule", key.rule}});

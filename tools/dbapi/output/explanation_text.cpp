@@ -115,7 +115,7 @@ private:
     {
         const KeyExplanation* key =
             node.keyword.empty() ? nullptr : explanation_.keyOf(node.keyword);
-        return key == nullptr ? "" : cut(key->found.key.tablename + "." + key->found.key.keyname);
+        return key == nullptr ? "" : cut(key->tableName() + "." + key->keyName());
     }
 
     const Explanation& explanation_;
@@ -188,8 +188,8 @@ std::string keys_text(const Explanation& explanation, const Layout& layout)
     for (const KeyExplanation& key : explanation.keys) {
         const std::vector<std::string> cells{
             cut(shown_keyword(key.keyword)),
-            cut(key.found.key.keyname),
-            key.found.key.tablename,
+            cut(key.keyName()),
+            key.tableName(),
             key.category,
             key.datatype,
             key.rule};

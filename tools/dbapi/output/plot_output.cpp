@@ -10,7 +10,6 @@
 #include "dbsuggest/command_failure.h"
 #include "dbsuggest/display_text.h"
 #include "dbsuggest/known_keys.h"
-#include "dbsuggest/query_fault.h"
 #include "dbsuggest/stored_names.h"
 
 #include "tools/dbapi/output/data_output.h"
@@ -62,27 +61,6 @@ void note_left_out(std::size_t points, std::string* notes)
     }
 }
 
-/// Whether the keywords name keys, but of values that no axis shows.
-bool is_undrawable(KnownKeys& keys, const DataRequest& request)
-{
-    using dbif::ValueKind;
-    const bool isCurve = request.keywords.size() > 1;
-    const std::optional<ValueKind> first = keys.kindOf(request.keywords.front());
-    const std::optional<ValueKind> last = keys.kindOf(request.keywords.back());
-    return first == ValueKind::Matrix || last == ValueKind::Matrix ||
-           (isCurve && last == ValueKind::Text);
-}
-
-/// Like any call's failure, but asking for such a picture is wrong usage.
-[[noreturn]] void throw_plot_failure(const DataRequest& request, const std::string& errors)
-{
-    KnownKeys keys(open_stored(request.connection));
-    if (is_undrawable(keys, request) && !find_query_fault(keys, request.query, errors)) {
-        throw CommandFailure(ExitCode::WrongUsage, dbif::trimmed(errors));
-    }
-    throw_call_failure(request, errors);
-}
-
 void require_none(const std::string& fault)
 {
     if (!fault.empty()) {
@@ -96,7 +74,7 @@ Picture draw_curves(const DataRequest& request, const PlotOptions& options, std:
     CurveSet curves;
     std::string errors;
     if (!db_get_curves(request.connection, request.keywords, &curves, request.query, &errors)) {
-        throw_plot_failure(request, errors);
+        throw_call_failure(request, errors);
     }
     if (curves.setupsLeftOut > 0) {
         *notes += "\n" + counted(curves.setupsLeftOut, "setup") +
@@ -124,7 +102,7 @@ draw_distribution(const DataRequest& request, const PlotOptions& options, std::s
     std::string errors;
     const std::string& keyword = request.keywords.front();
     if (!db_get_value_sample(request.connection, keyword, &sample, request.query, &errors)) {
-        throw_plot_failure(request, errors);
+        throw_call_failure(request, errors);
     }
     std::size_t zeros = 0;
     Picture picture = distribution_picture(sample, keyword, options.isXLogarithmic, &zeros);
