@@ -23,16 +23,79 @@ bool is_list(Comparator comparator)
     return comparator == IN || comparator == NOT_IN;
 }
 
-/// A list reaches a condition as "a', 'b": its outer quotes are gone already.
-std::vector<std::string> list_values(const std::string& list, std::string_view separator)
+bool takes_values_of_list(Comparator comparator)
 {
-    std::vector<std::string> values;
-    std::size_t start = 0;
-    for (std::size_t end = 0; end != std::string::npos; start = end + separator.size()) {
-        end = list.find(separator, start);
-        values.push_back(list.substr(start, end == std::string::npos ? end : end - start));
+    return is_list(comparator) || comparator == EQUAL || comparator == NOT_EQUAL;
+}
+
+std::size_t behind_blanks(std::string_view text, std::size_t at)
+{
+    return std::min(text.find_first_not_of(kBlanks, at), text.size());
+}
+
+/// The length of what separates two texts, if it begins with this quote: a quote, blanks, a comma,
+/// blanks, a quote. 0 if it does not.
+std::size_t separator_length(std::string_view list, std::size_t quote)
+{
+    const std::size_t comma = behind_blanks(list, quote + 1);
+    if (comma == list.size() || list[comma] != ',') {
+        return 0;
     }
-    return values;
+    const std::size_t next = behind_blanks(list, comma + 1);
+    return next < list.size() && list[next] == '\'' ? next + 1 - quote : 0;
+}
+
+/// The texts of "a', 'b": the outer quotes of a list are gone already.
+std::vector<std::string> listed_texts(std::string_view list)
+{
+    std::vector<std::string> texts;
+    std::size_t start = 0;
+    for (std::size_t quote = list.find('\''); quote != std::string_view::npos;) {
+        const std::size_t length = separator_length(list, quote);
+        if (length > 0) {
+            texts.emplace_back(list.substr(start, quote - start));
+            start = quote + length;
+        }
+        quote = list.find('\'', length > 0 ? start : quote + 1);
+    }
+    texts.emplace_back(list.substr(start));
+    return texts;
+}
+
+/// Whether a comma that should have separated this text from a neighbour is left in it.
+bool keeps_separator(std::string_view text)
+{
+    const std::size_t first = behind_blanks(text, 0);
+    if (first < text.size() && text[first] == ',') {
+        const std::size_t next = behind_blanks(text, first + 1);
+        return next == text.size() || text[next] == '\'';
+    }
+    const std::string beginning = dbif::trimmed(text);
+    return beginning.ends_with(',') &&
+           dbif::trimmed(beginning.substr(0, beginning.size() - 1)).ends_with('\'');
+}
+
+/// A list that was written with blanks or commas behind its last quote comes as "'a', 'b', ", so
+/// with its outer quotes. Takes both off.
+std::string without_dangling_end(const std::string& list)
+{
+    const std::size_t end = list.find_last_not_of(std::string(kBlanks) + ",") + 1;
+    const bool dangles = end > 0 && end < list.size() && list.find(',') != std::string::npos;
+    if (!dangles || list.front() != '\'' || list[end - 1] != '\'') {
+        return list;
+    }
+    return end == 1 ? std::string() : list.substr(1, end - 2);
+}
+
+std::vector<std::string> listed_numbers(const std::string& list)
+{
+    std::vector<std::string> numbers;
+    std::size_t start = 0;
+    for (std::size_t end = 0; end != std::string::npos; start = end + 1) {
+        end = list.find(',', start);
+        numbers.push_back(list.substr(start, end == std::string::npos ? end : end - start));
+    }
+    return numbers;
 }
 
 std::string without_quotes(const std::string& given)
@@ -87,7 +150,7 @@ void set_numbers(const std::string& value, double tolerance, ColumnComparison* c
 {
     std::vector<double> numbers;
     if (comparison->comparator != NOT_NULL && comparison->comparator != IS_NULL) {
-        const auto pieces = is_list(comparison->comparator) ? list_values(value, ",")
+        const auto pieces = is_list(comparison->comparator) ? listed_numbers(value)
                                                             : std::vector<std::string>{value};
         for (const std::string& piece : pieces) {
             std::string text = without_quotes(piece);
@@ -110,8 +173,16 @@ void set_texts(const std::string& value, ColumnComparison* comparison)
                 __FILE__, __LINE__);
         }
     }
-    comparison->texts = is_list(comparison->comparator) ? list_values(value, "', '")
-                                                        : std::vector<std::string>{value};
+    comparison->texts =
+        is_list(comparison->comparator) ? listed_texts(value) : std::vector<std::string>{value};
+    if (is_list(comparison->comparator) &&
+        std::any_of(comparison->texts.begin(), comparison->texts.end(), keeps_separator)) {
+        dbif::throw_error(
+            "The column \"" + display_name(*comparison) + "\" cannot be compared with the list \"" +
+                value +
+                "\": a comma or a single quote is left over. Write 'first text', 'second text'.",
+            __FILE__, __LINE__);
+    }
     std::sort(comparison->texts.begin(), comparison->texts.end());
 }
 } // namespace
@@ -131,7 +202,8 @@ DBIF_SingleColumnCondition::DBIF_SingleColumnCondition(
     auto comparison = std::make_shared<ColumnComparison>();
     set_column(table, column, comparison.get());
     comparison->comparator = comparator;
-    const std::string text = dbif::to_utf8(value);
+    const std::string given = dbif::to_utf8(value);
+    const std::string text = takes_values_of_list(comparator) ? without_dangling_end(given) : given;
     if (holdsNumbers) {
         set_numbers(text, isApproximate ? tolerance : 0.0, comparison.get());
     } else {

@@ -10,7 +10,8 @@ struct ColumnComparison;
 }
 
 /// A comparison of one column with a value, or with the values of a list ("a', 'b" for `IN` and
-/// `NOT_IN`).
+/// `NOT_IN`). Blanks may stand around the comma. Blanks or commas left behind the last value, as in
+/// "'a', 'b', ", are taken off together with the outer quotes.
 ///
 /// `table` and `column` are a record table and its fixed column, or a data table ("device_data")
 /// and the unique key of a dynamic column. `holdsNumbers` says that the value is a number,
@@ -18,7 +19,8 @@ struct ColumnComparison;
 /// and not used.
 ///
 /// Throws `DBIF_Exception` naming column and value when a column of numbers is given a value that
-/// is none, and when complex numbers or matrices, which have no order, are compared by one.
+/// is none, when a list of texts has a comma or quote to which no text belongs, and when complex
+/// numbers or matrices, which have no order, are compared by one.
 class DBIF_SingleColumnCondition : public DBIF_QueryCondition
 {
 public:

@@ -104,6 +104,39 @@ TEST_P(DbValues, AnswerEveryKindOfQuery)
     EXPECT_EQ(rows_of({"$DEVNAME", "IND.VG"}, "IND.VG=1", true), "n1|1;");
 }
 
+TEST_P(DbValues, TakeListsHoweverTheyAreWritten)
+{
+    lab.write([](dbif::RecordWriter& writer) {
+        for (const char* process : {"p one", "a, b", "it's"}) {
+            writer.findOrAddDevice(
+                0, {{"name", process}}, {text_key("mask", process, "TECHNOLOGY")});
+        }
+    });
+    const std::vector<Read> reads{
+        {{}, "mask='a, b' , p one", "a, b;p one;"},
+        {{}, "mask!='a, b'\t,p one", "it's;"},
+        {{}, "mask=p one,'a, b' ,", "a, b;p one;"},
+        {{}, "mask=p one, it's,,", "it's;p one;"},
+        {{}, "mask!=p one,,it's , ,", "a, b;"},
+        {{}, "mask='a, b' ,", "a, b;"},
+        {{}, "mask!='p one',,", "a, b;it's;"},
+        {{}, "$DEVNAME!=n1,n2,d3,lonely,'a, b' ,,", "it's;p one;"},
+        {{}, "$DEVDBID=1,3,,", "d3;n1;"},
+        {{}, "$DEVDBID=3,,", "d3;"},
+        {{}, "W=5u,10u,,", "n1;n2;"},
+    };
+    for (const Read& read : reads) {
+        EXPECT_EQ(values_of("$DEVNAME", read.query), read.expected) << read.query;
+    }
+    for (const char* list : {"p one,',it's", "',p one", "p one,'", "','"}) {
+        EXPECT_NE(
+            values_of("$DEVNAME", "mask=" + std::string(list))
+                .find("The column \"device key mask\" cannot be compared with the list \""),
+            std::string::npos)
+            << list;
+    }
+}
+
 TEST_P(DbValues, SeeTheLatestOrAllRecords)
 {
     lab.supersedeFirstSetup();
