@@ -88,7 +88,17 @@ public:
         // Whatever holds prepared statements goes before the connection that they belong to.
         attachment_.reset();
         session_.reset();
+        waiting_.clear();
         database_ = QSqlDatabase();
+    }
+
+    /// Runs the statements that wait until nothing is read; those that still cannot run go on
+    /// waiting.
+    void runWaiting()
+    {
+        std::erase_if(waiting_, [this](const dbif::SqlText& sql) {
+            return QSqlQuery(database_).exec(sql.toQt());
+        });
     }
 
     /// A server that went away is reached anew, once; the caller repeats its statement.
@@ -126,6 +136,7 @@ public:
     std::unique_ptr<dbif::SqlSession> session_;
     std::unique_ptr<dbif::ConnectionAttachment> attachment_;
     dbif::ReadTrace* trace_ = nullptr;
+    std::vector<dbif::SqlText> waiting_;
     bool isInTransaction_ = false;
 
 private:
@@ -266,8 +277,15 @@ void DBIF_Connection::execute(const dbif::SqlText& sql, const char* file, int li
     query(sql.toQt(), 0, file, line);
 }
 
+void DBIF_Connection::executeWhenIdle(const dbif::SqlText& sql) noexcept
+{
+    managed_->waiting_.push_back(sql);
+    managed_->runWaiting();
+}
+
 void DBIF_Connection::beginTransaction()
 {
+    managed_->runWaiting();
     execute(dialect().beginRead(), __FILE__, __LINE__);
     managed_->isInTransaction_ = true;
 }
@@ -292,6 +310,7 @@ void DBIF_Connection::endTransaction()
     // Runs in destructors: a failure leaves the connection to the next statement's error.
     managed_->isInTransaction_ = false;
     QSqlQuery(managed_->database_).exec(QStringLiteral("COMMIT"));
+    managed_->runWaiting();
 }
 
 void DBIF_Connection::rollbackTransaction()

@@ -89,6 +89,10 @@ public:
     void commitTransaction();
     void rollbackTransaction();
     void execute(const dbif::SqlText& sql, const char* file, int line);
+    /// Runs a statement that clears up and that an engine refuses while rows are being read: at
+    /// once if it can be, else when a transaction begins or ends, or another one is to be run.
+    /// Does not throw.
+    void executeWhenIdle(const dbif::SqlText& sql) noexcept;
     /// See `ChangeToken`. Costs a microsecond on SQLite; unknown on a server.
     [[nodiscard]] dbif::ChangeToken changeToken() const;
     /// Whether the SQLite file that was opened still stands at its path; true for a server.

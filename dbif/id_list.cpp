@@ -46,14 +46,8 @@ IdList::IdList(DBIF_Connection connection, RecordTable table, const std::vector<
 
 IdList::~IdList()
 {
-    if (temporaryTable_.empty()) {
-        return;
-    }
-    try {
-        connection_.execute(
-            connection_.dialect().dropIdTable(SqlName(temporaryTable_)), __FILE__, __LINE__);
-    } catch (const DBIF_Exception&) {
-        // It ends with the session anyway.
+    if (!temporaryTable_.empty()) {
+        connection_.executeWhenIdle(connection_.dialect().dropIdTable(SqlName(temporaryTable_)));
     }
 }
 

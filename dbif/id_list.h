@@ -27,7 +27,8 @@ private:
 };
 
 /// Records of one table, picked by their ids, as a condition: a list in the statement up to 500
-/// ids, beyond that a temporary table, which lives as long as this object.
+/// ids, beyond that a temporary table, which lives as long as this object, or until a statement
+/// that still reads then is done.
 class IdList
 {
     Q_DISABLE_COPY_MOVE(IdList)

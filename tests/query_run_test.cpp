@@ -1,4 +1,5 @@
 #include "dbif/constant_condition.h"
+#include "dbif/id_list.h"
 #include "dbif/query_run.h"
 #include "dbif/record_tables.h"
 #include "dbif/transaction_guard.h"
@@ -6,6 +7,8 @@
 #include "tests/support/measurement_database.h"
 
 #include <gmock/gmock.h>
+
+#include <numeric>
 
 using namespace test_support; // NOLINT(google-build-using-namespace)
 using testing::HasSubstr;
@@ -92,6 +95,28 @@ TEST_P(ManyRecords, AreFoundByTheirPoints)
 }
 
 // Whoever holds a transaction open sees one state of the database, whatever is asked in between.
+TEST_P(ManyRecords, LeaveNoListBehindThatIsStillRead)
+{
+    std::vector<int> ids(600);
+    std::iota(ids.begin(), ids.end(), 1);
+    QSqlQuery reading;
+    for (int round = 0; round < 3; ++round) {
+        const dbif::IdList list(database.connection, dbif::RecordTable::Device, ids);
+        const dbif::TreeCondition picked(list.condition());
+        DBIF_VantoQuery query(database.connection);
+        query.addColumn(QStringLiteral("device"), QStringLiteral("name"), false);
+        query.setCondition(&picked);
+        reading = database.connection.query(query.generateSql(false), 0, __FILE__, __LINE__);
+        EXPECT_TRUE(reading.next());
+    }
+    reading.clear();
+    database.connection.beginTransaction();
+    database.connection.endTransaction();
+    if (GetParam() == Engine::Sqlite) {
+        EXPECT_EQ(database.rows("SELECT count(*) FROM sqlite_temp_master"), "0;");
+    }
+}
+
 TEST_P(ManyRecords, AreReadFromOneState)
 {
     database.connection.beginTransaction();
