@@ -13,7 +13,9 @@ public:
     DBIF_Exception(QString sql, QSqlError error, QString file, int line);
 
     /// The whole report in 8-bit text. It stands in one buffer of the process that the next call,
-    /// on any exception, overwrites.
+    /// on any exception, overwrites: pointers from earlier calls stay valid and show the later
+    /// report, or its beginning where that is longer than all before. Not to be called in two
+    /// threads at once.
     [[nodiscard]] const char* what() const noexcept override;
 
     [[nodiscard]] const QString& sql() const { return sql_; }

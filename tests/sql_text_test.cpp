@@ -280,3 +280,22 @@ TEST_P(SqlTexts, RefuseValuesThatAreNoNumbers)
 }
 
 INSTANTIATE_ON_ENGINES(SqlTexts);
+
+TEST(DatabaseExceptions, ShareTheBufferOfTheirReport)
+{
+    const auto failed = [](const QString& sql) {
+        return DBIF_Exception(
+            sql, QSqlError({}, QStringLiteral("no"), QSqlError::StatementError),
+            QStringLiteral("a.cpp"), 7);
+    };
+    const char* first = failed(QStringLiteral("SELECT 1 %1")).what();
+    EXPECT_STREQ(
+        first, "==> Error reported by database in file: a.cpp line: 7\n  Query: SELECT 1 %1\n"
+               "  Error reported: no\n");
+    const char* second = failed(QStringLiteral("SELECT 22")).what();
+    EXPECT_THAT(first, HasSubstr("SELECT 22"));
+    const std::string whole = failed(QString(100'000, u'x')).what();
+    EXPECT_THAT(whole, HasSubstr(std::string(100'000, 'x') + "\n  Error reported: no\n"));
+    EXPECT_TRUE(whole.starts_with(first));
+    EXPECT_THAT(second, HasSubstr("Query: xxx"));
+}
