@@ -24,7 +24,7 @@ void check_text(const std::string& text, const std::string& what)
 }
 
 namespace {
-void check_name(const std::string& name)
+void check_name(const std::string& name, NewKeyNames names)
 {
     const std::string what = "The key name \"" + name + "\"";
     check_text(name, what);
@@ -37,6 +37,12 @@ void check_name(const std::string& name)
     if (name.find(',') != std::string::npos || upper_case(name).find("KEY(") != std::string::npos) {
         throw_error(
             what + " holds a comma or \"KEY(\", which no keyword could name. Choose another name.",
+            __FILE__, __LINE__);
+    }
+    if (names == NewKeyNames::WithoutBuiltins && name.front() == '$') {
+        throw_error(
+            what + " begins with \"$\", as only builtin keynames such as $LOT do, so that it could "
+                   "not be read. Choose another name.",
             __FILE__, __LINE__);
     }
 }
@@ -112,6 +118,20 @@ bool is_missing(const KeyValue& key)
                                          : key.kind != ValueKind::Text && trimmed(key.text).empty();
 }
 
+std::map<std::string, int>& KeyWriter::definitionsOf(RecordTable table)
+{
+    std::optional<std::map<std::string, int>>& ids = ids_.at(static_cast<std::size_t>(table));
+    if (!ids.has_value()) {
+        ids.emplace();
+        ColumnStore& store = ColumnStore::of(rows_.connection());
+        store.refresh();
+        for (const KeyDefinition& definition : store.all(rows_.connection(), table)) {
+            ids->emplace(definition.key, definition.id);
+        }
+    }
+    return *ids;
+}
+
 int KeyWriter::define(
     RecordTable table,
     const std::string& name,
@@ -119,19 +139,14 @@ int KeyWriter::define(
     const std::string& category)
 {
     const std::string key = column_key(category, kind, name);
-    std::map<std::string, int>& ids = ids_.at(static_cast<std::size_t>(table));
+    std::map<std::string, int>& ids = definitionsOf(table);
     const auto known = ids.find(key);
     if (known != ids.end()) {
         return known->second;
     }
     const TableFacts& f = facts(table);
-    check_name(name);
+    check_name(name, names_);
     check_category(f, name, category);
-    const KeyDefinition* stored =
-        ColumnStore::of(rows_.connection()).find(rows_.connection(), table, key);
-    if (stored != nullptr) {
-        return ids[key] = stored->id;
-    }
     const int id = rows_.nextId(f.columnTable());
     const bool hasDirection = f.keys == KeyKind::Direction;
     RowInserter& row = rows_.into(

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,11 +14,17 @@ namespace dbif {
 /// The keys that a record has: ids of their definitions, and the values as text.
 using StoredKeys = std::map<int, std::string>;
 
-/// Defines keys and writes their values.
+/// Which names a new key may have. Databases of older versions can hold keys that are named like a
+/// builtin keyname, and a copy keeps them.
+enum class NewKeyNames { WithoutBuiltins, AsStored };
+
+/// Defines keys and writes their values, within a writing transaction.
 class KeyWriter
 {
 public:
-    explicit KeyWriter(RowStore& rows) : rows_(rows) {}
+    explicit KeyWriter(RowStore& rows, NewKeyNames names = NewKeyNames::WithoutBuiltins)
+        : rows_(rows), names_(names)
+    {}
 
     /// The id of a key's definition, which is added when there is none. Throws for a name that no
     /// keyword could name, and for a category that the table does not have.
@@ -42,8 +49,13 @@ public:
         StoredKeys* stored);
 
 private:
+    /// The ids of a table's keys. The stored ones are read once, at first use, because no other
+    /// writer adds any meanwhile.
+    std::map<std::string, int>& definitionsOf(RecordTable table);
+
     RowStore& rows_;
-    std::array<std::map<std::string, int>, kRecordTables.size()> ids_;
+    NewKeyNames names_;
+    std::array<std::optional<std::map<std::string, int>>, kRecordTables.size()> ids_;
 };
 
 /// Whether the key says that there is no value.

@@ -29,7 +29,7 @@ int place_of(const std::map<int, int>& places, int id)
 struct Writing
 {
     explicit Writing(const DBIF_Connection& target)
-        : transaction(target), rows(target), keys(rows), shared(rows, keys)
+        : transaction(target), rows(target), keys(rows, NewKeyNames::AsStored), shared(rows, keys)
     {}
 
     /// A die, device or routine, whose parent stands at its place in `parents`. One that is

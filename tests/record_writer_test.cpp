@@ -1,4 +1,5 @@
 #include "dbif/newest_time.h"
+#include "dbif/read_trace.h"
 #include "dbif/record_tables.h"
 
 #include "tests/support/measurement_database.h"
@@ -292,6 +293,7 @@ TEST_P(Writer, RefusesWhatCannotBeStoredAndStoresNothing)
         {named("a\n"), "begins or ends with a blank."},
         {named("a,b"), "holds a comma or \"KEY(\", which no keyword could name."},
         {named("xKey(y"), "holds a comma or \"KEY(\""},
+        {named("$LOT"), "begins with \"$\", as only builtin keynames such as $LOT do"},
         {named("a\xC3"), "is not UTF-8 text."},
         {named(zero), "holds a zero byte"},
         {fixed("application", "\xED\xA0\x80"), "\"catalog_entry.application\" is not UTF-8"},
@@ -346,6 +348,28 @@ TEST_P(Writer, RefusesWhatCannotBeStoredAndStoresNothing)
     EXPECT_FALSE(DBIF_SetupColumn::hasColumn(database.connection, QStringLiteral("OUT|DOUBLE|id")));
     import({});
     EXPECT_TRUE(DBIF_SetupColumn::hasColumn(database.connection, QStringLiteral("OUT|DOUBLE|id")));
+}
+
+TEST_P(Writer, ReadsTheStoredKeysOnceHoweverManyAreNew)
+{
+    dbif::ReadTrace trace(dbif::ReadTrace::Plans::Leave);
+    database.connection.setTrace(&trace);
+    database.write([](RecordWriter& writer) {
+        std::vector<dbif::SetupColumn> columns;
+        for (int i = 0; i < 40; ++i) {
+            columns.push_back(sweep("k" + std::to_string(i), {1}));
+        }
+        writer.addSetup(writer.addCondition(writer.addMeasurement({}), {}), {}, columns, "file");
+    });
+    database.connection.setTrace(nullptr);
+    std::size_t reads = 0;
+    for (const dbif::TracedStatement& statement : trace.statements()) {
+        const bool readsKeys =
+            statement.sql.find("column_key FROM setup_column") != std::string::npos;
+        reads += readsKeys ? statement.runs : 0;
+    }
+    EXPECT_EQ(reads, 1U);
+    EXPECT_EQ(database.rows("SELECT count(*) FROM setup_column"), "40;");
 }
 
 TEST_P(Writer, MovesTheNewestTimeAlways)
