@@ -3,6 +3,7 @@
 #include "dbif/column_store.h"
 #include "dbif/content_digest.h"
 #include "dbif/exception.h"
+#include "dbif/measurement_recognition.h"
 #include "dbif/record_identity.h"
 #include "dbif/sweep_packing.h"
 
@@ -208,11 +209,10 @@ void Comparison::compareSome(
 /// Adds the measurements to a side, and notes what supersedes them and their setups.
 void add_measurements(
     DBIF_Connection& connection,
-    const std::vector<int>& ids,
+    std::vector<MeasurementContent> contents,
     Side* side,
     std::map<RecordTable, std::map<int, int>>* links)
 {
-    std::vector<MeasurementContent> contents = read_measurements(connection, ids);
     std::vector<MeasurementContent*> all;
     all.reserve(contents.size());
     for (MeasurementContent& content : contents) {
@@ -237,13 +237,36 @@ void add_measurements(
     }
 }
 
+/// Measurements that the target has a second time. `taken` holds the places of all copies.
+std::vector<int>
+doubles_of(DBIF_Connection& target, std::vector<MeasurementContent>* contents, std::set<int>* taken)
+{
+    std::vector<int> doubles;
+    for (bool hasMore = true; hasMore;) {
+        hasMore = false;
+        for (const auto& [id, content] : recognised_measurements(target, contents, *taken)) {
+            hasMore = taken->insert(content.record.id).second;
+            doubles.push_back(content.record.id);
+        }
+    }
+    return doubles;
+}
+
 void Comparison::compareMeasurements(const std::vector<int>& ids, const std::map<int, int>& places)
 {
     std::map<RecordTable, std::map<int, int>> ignored;
+    std::set<int> taken;
+    for (const auto& [from, to] : places) {
+        taken.insert(to);
+    }
     for (std::size_t first = 0; first < ids.size(); first += kRecordsPerRead) {
         const std::vector<int> some = part_of(ids, first, kRecordsPerRead);
-        add_measurements(source_, some, &sourceSide_, &ignored);
-        add_measurements(target_, mapped(some, places), &targetSide_, &targetLinks_);
+        std::vector<MeasurementContent> contents = read_measurements(source_, some);
+        std::vector<int> copies = mapped(some, places);
+        const std::vector<int> doubles = doubles_of(target_, &contents, &taken);
+        copies.insert(copies.end(), doubles.begin(), doubles.end());
+        add_measurements(source_, std::move(contents), &sourceSide_, &ignored);
+        add_measurements(target_, read_measurements(target_, copies), &targetSide_, &targetLinks_);
         if (progress_) {
             progress_(std::min(first + kRecordsPerRead, ids.size()));
         }

@@ -28,7 +28,8 @@ struct CopiedTable
 /// Reads all records of the selection from both sides again, with the whole payload, and compares
 /// them table by table; "superseded_by" is the links between records of the selection. Of a die,
 /// device or routine only what the source holds is compared, without time and user, because the
-/// target may have had it before, with more. Throws `DBIF_Exception` on a database error.
+/// target may have had it before, with more. A measurement that the target holds more often than
+/// the source counts as often as the target holds it. Throws `DBIF_Exception` on a database error.
 std::vector<CopiedTable> compare_copies(
     DBIF_Connection& source,
     DBIF_Connection& target,

@@ -102,9 +102,12 @@ private:
         const std::map<int, int>* parents);
     void copyCatalogEntries();
     std::map<int, int>
-    writeCatalogEntries(const std::vector<RecordContent>& records, const std::map<int, int>& known);
+    writeCatalogEntries(const std::vector<RecordContent>& records, const std::set<int>& taken);
     void copyMeasurements(const std::vector<int>& ids);
-    void write(MeasurementContent& measurement);
+    void write(MeasurementContent&& measurement);
+    bool foundUnderLock(std::vector<MeasurementContent>* measurement);
+    CopyPlaces insert(Writing& writing, const MeasurementContent& measurement);
+    void notePresent(const MeasurementContent& from, const MeasurementContent& to);
     static void writeCondition(
         Writing& writing,
         const ConditionContent& condition,
@@ -122,6 +125,9 @@ private:
     CopyOutcome outcome_;
     /// The measurements of the target that are copies of ones of the source.
     std::set<int> taken_;
+    /// What `writes_so_far` of the target is unless others have written since its measurements were
+    /// last recognised.
+    long long writesExpected_ = 0;
     std::size_t done_ = 0;
 };
 
@@ -176,23 +182,26 @@ void Copy::copyShared(
     }
 }
 
-/// Those that are not known, in one transaction; the place of each.
-std::map<int, int> Copy::writeCatalogEntries(
-    const std::vector<RecordContent>& records,
-    const std::map<int, int>& known)
+/// Those that the target does not have, in one transaction; the place of each, also of those that
+/// it has. They are recognised here, where no other copy can add them meanwhile.
+std::map<int, int>
+Copy::writeCatalogEntries(const std::vector<RecordContent>& records, const std::set<int>& taken)
 {
-    std::map<int, int> written;
     Writing writing(target_);
+    std::map<int, int> places = recognised_catalog_entries(target_, records, taken);
+    if (places.size() == records.size()) {
+        return places;
+    }
     for (const RecordContent& record : records) {
-        if (known.contains(record.id)) {
-            continue;
+        if (!places.contains(record.id)) {
+            const int id =
+                insert_record(writing.rows, facts(RecordTable::CatalogEntry), record.row);
+            writing.keys.add(RecordTable::CatalogEntry, id, record.keys);
+            places[record.id] = id;
         }
-        const int id = insert_record(writing.rows, facts(RecordTable::CatalogEntry), record.row);
-        writing.keys.add(RecordTable::CatalogEntry, id, record.keys);
-        written[record.id] = id;
     }
     writing.commit();
-    return written;
+    return places;
 }
 
 void Copy::copyCatalogEntries()
@@ -203,19 +212,14 @@ void Copy::copyCatalogEntries()
     for (std::size_t first = 0; first < ids.size(); first += kParentsPerTransaction) {
         const std::vector<RecordContent> records =
             read_records(source_, f, "id", part_of(ids, first, kParentsPerTransaction));
-        std::map<int, int> known = recognised_catalog_entries(target_, records, taken);
-        std::map<int, int> written;
-        const auto write = [&] {
-            written = writeCatalogEntries(records, known);
-        };
-        if (known.size() < records.size()) {
-            write_with_retries(target_, write);
+        std::map<int, int> places = recognised_catalog_entries(target_, records, taken);
+        if (places.size() < records.size()) {
+            write_with_retries(target_, [&] { places = writeCatalogEntries(records, taken); });
         }
-        known.merge(written);
-        for (const auto& [from, to] : known) {
+        for (const auto& [from, to] : places) {
             taken.insert(to);
         }
-        outcome_.places.catalogEntries.merge(known);
+        outcome_.places.catalogEntries.merge(places);
     }
 }
 
@@ -223,6 +227,7 @@ void Copy::copyMeasurements(const std::vector<int>& ids)
 {
     std::vector<MeasurementContent> contents = read_measurements(source_, ids);
     std::vector<MeasurementContent*> missing;
+    writesExpected_ = writes_so_far(target_);
     const std::map<int, MeasurementContent> known =
         recognised_measurements(target_, &contents, taken_);
     for (MeasurementContent& content : contents) {
@@ -231,9 +236,7 @@ void Copy::copyMeasurements(const std::vector<int>& ids)
             missing.push_back(&content);
             continue;
         }
-        note_places(content, found->second, &outcome_.places);
-        taken_.insert(found->second.record.id);
-        ++outcome_.present;
+        notePresent(content, found->second);
         step();
     }
     for (std::size_t first = 0; first < missing.size();) {
@@ -241,46 +244,85 @@ void Copy::copyMeasurements(const std::vector<int>& ids)
         const auto begin = missing.begin() + static_cast<std::ptrdiff_t>(first);
         read_chunks(source_, Payload::Whole, {begin, begin + static_cast<std::ptrdiff_t>(count)});
         for (std::size_t i = first; i < first + count; ++i) {
-            write(*missing[i]);
-            *missing[i] = {};
-            ++outcome_.copied;
+            write(std::move(*missing[i]));
             step();
         }
         first += count;
     }
 }
 
-void Copy::write(MeasurementContent& measurement)
+void Copy::notePresent(const MeasurementContent& from, const MeasurementContent& to)
+{
+    note_places(from, to, &outcome_.places);
+    taken_.insert(to.record.id);
+    ++outcome_.present;
+}
+
+void Copy::write(MeasurementContent&& measurement)
 {
     for_each_setup(measurement, [](const SetupContent& setup) {
         for (const SweepContent& sweep : setup.sweeps) {
             check_sweep(sweep, setup.record.id);
         }
     });
-    CopyPlaces& places = outcome_.places;
+    std::vector<MeasurementContent> content;
+    content.push_back(std::move(measurement));
+    bool isThere = false;
     CopyPlaces added;
     write_with_retries(target_, [&] {
-        added = {};
         Writing writing(target_);
-        RecordRow row = measurement.record.row;
-        row.links = {
-            place_of(places.devices, row.links.at(0)),
-            place_of(places.catalogEntries, row.links.at(1)),
-            place_of(places.routines, row.links.at(2))};
-        const int id = insert_record(writing.rows, facts(RecordTable::Measurement), row);
-        writing.keys.add(RecordTable::Measurement, id, measurement.record.keys);
-        added.measurements[measurement.record.id] = id;
-        for (const ConditionContent& condition : measurement.conditions) {
-            writeCondition(writing, condition, id, &added);
+        isThere = foundUnderLock(&content);
+        if (!isThere) {
+            added = insert(writing, content.front());
+            writing.commit();
         }
-        writing.rows.flush();
-        writeLinks(measurement, added);
-        writing.commit();
     });
+    if (isThere) {
+        return;
+    }
+    ++outcome_.copied;
+    ++writesExpected_;
+    CopyPlaces& places = outcome_.places;
     taken_.insert(added.measurements.begin()->second);
     places.measurements.merge(added.measurements);
     places.conditions.merge(added.conditions);
     places.setups.merge(added.setups);
+}
+
+/// Whether others, such as a second copy from the same source, have written the measurement since
+/// those of the target were recognised. To be called in a writing transaction.
+bool Copy::foundUnderLock(std::vector<MeasurementContent>* measurement)
+{
+    if (writes_so_far(target_) == writesExpected_ + 1) {
+        return false;
+    }
+    const std::map<int, MeasurementContent> found =
+        recognised_measurements(target_, measurement, taken_);
+    if (found.empty()) {
+        return false;
+    }
+    notePresent(measurement->front(), found.begin()->second);
+    return true;
+}
+
+/// The places of the measurement and of all below it.
+CopyPlaces Copy::insert(Writing& writing, const MeasurementContent& measurement)
+{
+    const CopyPlaces& places = outcome_.places;
+    CopyPlaces added;
+    RecordRow row = measurement.record.row;
+    row.links = {
+        place_of(places.devices, row.links.at(0)), place_of(places.catalogEntries, row.links.at(1)),
+        place_of(places.routines, row.links.at(2))};
+    const int id = insert_record(writing.rows, facts(RecordTable::Measurement), row);
+    writing.keys.add(RecordTable::Measurement, id, measurement.record.keys);
+    added.measurements[measurement.record.id] = id;
+    for (const ConditionContent& condition : measurement.conditions) {
+        writeCondition(writing, condition, id, &added);
+    }
+    writing.rows.flush();
+    writeLinks(measurement, added);
+    return added;
 }
 
 void Copy::writeCondition(

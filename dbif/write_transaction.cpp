@@ -89,4 +89,10 @@ bool WriteTransaction::isStoredAfter(
             __FILE__, __LINE__, QSqlError::TransactionError);
     }
 }
+
+long long writes_so_far(DBIF_Connection& connection)
+{
+    const auto row = connection.prepare(SqlText("SELECT writes FROM database_info WHERE id = 1"));
+    return row->step() ? row->integer(0) : 0;
+}
 } // namespace dbif

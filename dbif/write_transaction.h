@@ -33,4 +33,7 @@ private:
     std::string stamp_;
     bool isOpen_ = false;
 };
+
+/// How many writing transactions the database has seen; within one, it counts as well.
+long long writes_so_far(DBIF_Connection& connection);
 } // namespace dbif

@@ -216,6 +216,38 @@ TEST_P(RecordCopy, IsCompletedAfterAKill)
     }
 }
 
+TEST_P(RecordCopy, MakesNoDoublesBesideAnother)
+{
+    fill();
+    // The other copy runs as a whole between two measurements of this one.
+    DBIF_Connection source = from.open();
+    DBIF_Connection own = to.open();
+    const DBIF_TrueCondition all;
+    const dbif::CopySelection selection = dbif::select_for_copy(source, &all, false);
+    const dbif::CopyOutcome outcome =
+        dbif::copy_records(source, own, selection, [this](std::size_t done) {
+            if (done == 2) {
+                EXPECT_EQ(copy(from, to).copied, 7);
+            }
+        });
+    EXPECT_EQ(outcome.copied, 2);
+    EXPECT_EQ(outcome.present, 7);
+    EXPECT_EQ(dump(to), dump(from));
+
+    // What is stored twice all the same is told.
+    to.execute("UPDATE measurement_condition SET name = 'other' WHERE measurement_id <= 2");
+    const dbif::CopyOutcome again = dbif::copy_records(source, own, selection);
+    EXPECT_EQ(again.copied, 2);
+    to.execute("UPDATE measurement_condition SET name = 'dc'");
+    for (const dbif::CopiedTable& table :
+         dbif::compare_copies(source, own, selection, again.places)) {
+        if (table.name == "measurement") {
+            EXPECT_EQ(table.sourceRows, 9U);
+            EXPECT_EQ(table.targetRows, 11U);
+        }
+    }
+}
+
 TEST_P(RecordCopy, TakesWhatAQuerySelectsWithItsHistory)
 {
     fill();
