@@ -28,9 +28,7 @@ int stamp_copy_mark(RowStore& rows, const std::string& stamp)
         mark.identity = mark_identity();
         return insert_record(rows, facts(RecordTable::CatalogEntry), mark);
     }
-    SqlText sql;
-    sql << "UPDATE catalog_entry SET modified_time = " << SqlLiteral(stamp) << " WHERE id = " << id;
-    rows.connection().execute(sql, __FILE__, __LINE__);
+    set_modified_time(rows.connection(), "catalog_entry", id, stamp);
     return id;
 }
 } // namespace dbif

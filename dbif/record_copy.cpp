@@ -43,11 +43,7 @@ struct Writing
         }
         const SharedRecords::Found found = shared.findOrAdd(f, row, record.keys);
         if (found.hasChanged) {
-            SqlText sql;
-            sql << "UPDATE " << SqlName(f.name)
-                << " SET modified_time = " << SqlLiteral(transaction.stamp())
-                << " WHERE id = " << found.id;
-            rows.connection().execute(sql, __FILE__, __LINE__);
+            set_modified_time(rows.connection(), f.name, found.id, transaction.stamp());
         }
         return found;
     }
@@ -350,12 +346,9 @@ void Copy::writeSetup(Writing& writing, const SetupContent& setup, int id)
     for (const SweepContent& sweep : setup.sweeps) {
         const int column = writing.keys.define(
             RecordTable::Setup, sweep.name, sweep.kind, sweep.isInput ? "IN" : "OUT");
-        insert_association(
-            writing.rows, id, column, sweep.header, sweep.points, sweep.minimum, sweep.maximum);
-        int number = 0;
-        for (const std::string& chunk : sweep.chunks) {
-            insert_chunk(writing.rows, id, column, number++, chunk);
-        }
+        insert_sweep(
+            writing.rows, id, column,
+            {sweep.header, sweep.points, sweep.minimum, sweep.maximum, sweep.chunks});
     }
 }
 

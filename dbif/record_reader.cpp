@@ -128,9 +128,9 @@ QueryResult read_cells(
     return result;
 }
 
-Kind key_column_kind(const KeyDefinition& definition)
+Kind key_column_kind(ValueKind kind)
 {
-    switch (definition.kind) {
+    switch (kind) {
     case ValueKind::Double:
         return Kind::Double;
     case ValueKind::Complex:
@@ -162,7 +162,7 @@ ResultColumn read_key_values(
         // An index has them in this order.
         sql << " AND " << value << " IS NOT NULL ORDER BY " << value;
     }
-    ResultColumn column = empty_column(key_column_kind(definition), 0);
+    ResultColumn column = empty_column(key_column_kind(definition.kind), 0);
     BulkCursor cursor(connection, sql);
     if (column.kind == Kind::Double) {
         while (cursor.next()) {
@@ -188,7 +188,7 @@ ResultColumn read_key_beside(
 {
     const TraceStep step(connection.trace(), "read the keys of the records");
     const TableFacts& f = facts(table);
-    ResultColumn column = empty_column(key_column_kind(definition), hasValue->size());
+    ResultColumn column = empty_column(key_column_kind(definition.kind), hasValue->size());
     const std::vector<int>& ids = rows.distinctIds();
     SqlText sql;
     sql << "SELECT " << SqlName(f.linkColumn()) << ", " << value_column(definition) << " FROM "

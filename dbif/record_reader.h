@@ -25,7 +25,7 @@ QueryResult read_cells(
     RowMask* hasValue);
 
 /// The kind of column that a record key's values are read into.
-ResultColumn::Kind key_column_kind(const KeyDefinition& definition);
+ResultColumn::Kind key_column_kind(ValueKind kind);
 
 /// All values of one key of the records that `idSelect` yields (of all records when it is empty).
 ResultColumn read_key_values(

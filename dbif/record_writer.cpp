@@ -218,15 +218,12 @@ public:
         const int id = keys_.define(
             RecordTable::Setup, column.name, column.kind, column.isInput ? "IN" : "OUT");
         const std::optional<SweepBounds>& limits = column.bounds;
-        insert_association(
-            rows_, setup, id, column.header.empty() ? std::nullopt : std::optional(column.header),
-            static_cast<long long>(column.points),
-            limits.has_value() ? std::optional(limits->minimum) : std::nullopt,
-            limits.has_value() ? std::optional(limits->maximum) : std::nullopt);
-        int number = 0;
-        for (const std::string& chunk : column.chunks) {
-            insert_chunk(rows_, setup, id, number++, chunk);
-        }
+        insert_sweep(
+            rows_, setup, id,
+            {column.header.empty() ? std::nullopt : std::optional(column.header),
+             static_cast<long long>(column.points),
+             limits.has_value() ? std::optional(limits->minimum) : std::nullopt,
+             limits.has_value() ? std::optional(limits->maximum) : std::nullopt, column.chunks});
     }
 
     void commit()
@@ -278,10 +275,7 @@ private:
 
     void touch(const TableFacts& f, int id)
     {
-        SqlText sql;
-        sql << "UPDATE " << SqlName(f.name)
-            << " SET modified_time = " << SqlLiteral(transaction_.stamp()) << " WHERE id = " << id;
-        connection_.execute(sql, __FILE__, __LINE__);
+        set_modified_time(connection_, f.name, id, transaction_.stamp());
         stamped_ = {f.table, id};
     }
 

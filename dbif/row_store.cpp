@@ -1,7 +1,8 @@
 #include "dbif/row_store.h"
 
-#include "dbif/bulk_cursor.h"
 #include "dbif/exception.h"
+
+#include <limits>
 
 namespace dbif {
 /// Passes values on and counts their bytes.
@@ -74,10 +75,18 @@ int RowStore::nextId(std::string_view table)
     if (last == lastId_.end()) {
         SqlText sql;
         sql << "SELECT max(id) FROM " << SqlName(table);
-        BulkCursor cursor(connection_, sql);
-        last = lastId_.emplace(std::string(table), cursor.next() ? cursor.integer(0) : 0).first;
+        const auto row = connection_.prepare(sql);
+        const long long highest = row->step() && !row->isNull(0) ? row->integer(0) : 0;
+        last = lastId_.emplace(std::string(table), highest).first;
     }
-    return ++last->second;
+    if (last->second >= std::numeric_limits<int>::max()) {
+        throw_error(
+            "The table \"" + std::string(table) + "\" has given out its last id, " +
+                std::to_string(std::numeric_limits<int>::max()) +
+                ". Nothing is stored: store in a new database.",
+            __FILE__, __LINE__, QSqlError::TransactionError);
+    }
+    return static_cast<int>(++last->second);
 }
 
 RowInserter& RowStore::into(std::string_view table, std::initializer_list<std::string_view> columns)
@@ -169,31 +178,40 @@ int insert_record(RowStore& rows, const TableFacts& f, const RecordRow& record)
     return id;
 }
 
-void insert_association(
-    RowStore& rows,
-    int setup,
-    int column,
-    const std::optional<std::string>& header,
-    long long points,
-    const std::optional<double>& minimum,
-    const std::optional<double>& maximum)
+void insert_sweep(RowStore& rows, int setup, int column, const SweepRow& sweep)
 {
+    const auto insertNumber = [](const std::optional<double>& number, RowInserter& row) {
+        number.has_value() ? row.number(*number) : row.null();
+    };
     RowInserter& row = rows.into(
         "setup_association",
         {"setup_id", "setup_column_id", "vanto_header", "points", "minimum", "maximum"});
     row.integer(setup).integer(column);
-    (header.has_value() ? row.text(*header) : row.null()).integer(points);
-    minimum.has_value() ? row.number(*minimum) : row.null();
-    (maximum.has_value() ? row.number(*maximum) : row.null()).endRow();
+    insert_text(sweep.header, row);
+    row.integer(sweep.points);
+    insertNumber(sweep.minimum, row);
+    insertNumber(sweep.maximum, row);
+    row.endRow();
+    int number = 0;
+    for (const std::string& chunk : sweep.chunks) {
+        rows.into("setup_data", {"setup_column_id", "setup_id", "chunk", "payload"})
+            .integer(column)
+            .integer(setup)
+            .integer(number++)
+            .blob(chunk)
+            .endRow();
+    }
 }
 
-void insert_chunk(RowStore& rows, int setup, int column, int number, std::string_view payload)
+void set_modified_time(
+    DBIF_Connection& connection,
+    std::string_view table,
+    int id,
+    const std::string& time)
 {
-    rows.into("setup_data", {"setup_column_id", "setup_id", "chunk", "payload"})
-        .integer(column)
-        .integer(setup)
-        .integer(number)
-        .blob(payload)
-        .endRow();
+    SqlText sql;
+    sql << "UPDATE " << SqlName(table) << " SET modified_time = " << SqlLiteral(time)
+        << " WHERE id = " << id;
+    connection.execute(sql, __FILE__, __LINE__);
 }
 } // namespace dbif

@@ -28,6 +28,7 @@ public:
 
     [[nodiscard]] DBIF_Connection& connection() { return connection_; }
 
+    /// The id of a new record; throws when the table has none left.
     int nextId(std::string_view table);
     /// The inserter of a table with those columns, made at the first call.
     RowInserter& into(std::string_view table, std::initializer_list<std::string_view> columns);
@@ -45,7 +46,7 @@ private:
 
     DBIF_Connection connection_;
     TransactionLimit limit_;
-    std::map<std::string, int, std::less<>> lastId_;
+    std::map<std::string, long long, std::less<>> lastId_;
     std::map<std::string, std::unique_ptr<RowInserter>, std::less<>> inserters_;
     std::size_t rows_ = 0;
     std::size_t bytes_ = 0;
@@ -68,17 +69,23 @@ struct RecordRow
 /// Inserts the record and returns its id.
 int insert_record(RowStore& rows, const TableFacts& f, const RecordRow& record);
 
-/// Inserts what a setup says of one of its keys.
-void insert_association(
-    RowStore& rows,
-    int setup,
-    int column,
-    const std::optional<std::string>& header,
-    long long points,
-    const std::optional<double>& minimum,
-    const std::optional<double>& maximum);
+/// One key of a setup to insert: what the setup says of it, and its packed values.
+struct SweepRow
+{
+    std::optional<std::string> header;
+    long long points = 0;
+    std::optional<double> minimum;
+    std::optional<double> maximum;
+    const std::vector<std::string>& chunks;
+};
 
-/// Inserts packed values of one key of a setup.
-void insert_chunk(RowStore& rows, int setup, int column, int number, std::string_view payload);
+/// Inserts it; `column` is the id of the key's definition.
+void insert_sweep(RowStore& rows, int setup, int column, const SweepRow& sweep);
 
+/// Stamps a stored record, so that readers notice that it has changed.
+void set_modified_time(
+    DBIF_Connection& connection,
+    std::string_view table,
+    int id,
+    const std::string& time);
 } // namespace dbif

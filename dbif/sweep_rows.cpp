@@ -80,7 +80,7 @@ private:
     {
         Output output;
         output.column = column;
-        output.values.kind = point_column_kind(key.kind);
+        output.values.kind = key_column_kind(key.kind);
         return output;
     }
 
@@ -96,20 +96,6 @@ private:
         output.values.kind = Kind::SharedText;
         output.values.dictionary = std::move(record->texts);
         return output;
-    }
-
-    static Kind point_column_kind(ValueKind kind)
-    {
-        switch (kind) {
-        case ValueKind::Double:
-            return Kind::Double;
-        case ValueKind::Complex:
-            return Kind::Complex;
-        case ValueKind::Matrix:
-        case ValueKind::Text:
-            break;
-        }
-        return Kind::Text;
     }
 
     static void mark_values(const SweepSlice& values, PointMask* isKept)
