@@ -4,12 +4,12 @@
 
 namespace bench {
 namespace {
-dbif::FixedTexts columns_of(const DieData& die)
+dbif::DieFields fields_of(const DieData& die)
 {
-    return {{"lot", die.lot}, {"wafer", die.wafer}, {"die", die.die}};
+    return {.lot = die.lot, .wafer = die.wafer, .die = die.die};
 }
 
-dbif::FixedTexts columns_of(const DeviceData& device)
+dbif::DeviceFields fields_of(const DeviceData& device)
 {
     return {
         {"name", device.name},
@@ -52,16 +52,16 @@ void fill_library_database(DBIF_Connection connection, const DevicePopulation& p
     connection.initializeSchemaIfMissing();
     dbif::RecordWriter writer(connection);
     dbif::MeasurementRecord measurement;
-    measurement.catalogEntry = writer.addCatalogEntry({{"application", "benchmarks"}});
-    measurement.routine = writer.findOrAddRoutine({{"name", "dc"}});
+    measurement.catalogEntry = writer.addCatalogEntry({.application = "benchmarks"});
+    measurement.routine = writer.findOrAddRoutine({.name = "dc"});
     std::vector<int> dies;
     for (std::size_t i = 0; i < population.dies(); ++i) {
-        dies.push_back(writer.findOrAddDie(columns_of(population.die(i))));
+        dies.push_back(writer.findOrAddDie(fields_of(population.die(i))));
     }
     for (std::size_t i = 0; i < population.devices(); ++i) {
         const DeviceData device = population.device(i);
         measurement.device =
-            writer.findOrAddDevice(dies[device.die], columns_of(device), keys_of(device));
+            writer.findOrAddDevice(dies[device.die], fields_of(device), keys_of(device));
         measurement.temperature = device.temperature;
         writer.addMeasurement(measurement);
     }
@@ -73,22 +73,22 @@ void fill_library_database(DBIF_Connection connection, const SweepPopulation& po
     connection.initializeSchemaIfMissing();
     dbif::RecordWriter writer(connection);
     dbif::MeasurementRecord measurement;
-    measurement.catalogEntry = writer.addCatalogEntry({{"application", "benchmarks"}});
+    measurement.catalogEntry = writer.addCatalogEntry({.application = "benchmarks"});
     std::vector<int> devices;
     for (std::size_t i = 0; i < population.devices(); ++i) {
         const DeviceData device = population.device(i);
-        const int die = writer.findOrAddDie(columns_of(population.die(device.die)));
-        devices.push_back(writer.findOrAddDevice(die, columns_of(device)));
+        const int die = writer.findOrAddDie(fields_of(population.die(device.die)));
+        devices.push_back(writer.findOrAddDevice(die, fields_of(device)));
     }
     for (std::size_t i = 0; i < population.setups(); ++i) {
         SweepData sweep = population.setup(i);
         measurement.device = devices[sweep.device];
-        measurement.routine = writer.findOrAddRoutine({{"name", sweep.routine}});
+        measurement.routine = writer.findOrAddRoutine({.name = sweep.routine});
         measurement.temperature = sweep.temperature;
         const int condition =
-            writer.addCondition(writer.addMeasurement(measurement), {{"name", sweep.condition}});
+            writer.addCondition(writer.addMeasurement(measurement), {.name = sweep.condition});
         writer.addSetup(
-            condition, {{"name", sweep.setup}}, columns_of(sweep), "setup " + std::to_string(i));
+            condition, {.name = sweep.setup}, columns_of(sweep), "setup " + std::to_string(i));
     }
     writer.commit();
 }

@@ -34,28 +34,23 @@ struct ConditionContext
     std::string digest;
 };
 
+/// The fields of a record as columns, once their texts are checked.
+template <typename Fields>
+FixedTexts columns_of(const Fields& fields)
+{
+    FixedTexts columns;
+    for_each_field(fields, [&columns](std::string_view column, const std::string& text) {
+        const std::string table(facts(Fields::kTable).name);
+        check_text(text, "The value of \"" + table + "." + std::string(column) + "\"");
+        columns.emplace(column, text);
+    });
+    return columns;
+}
+
 std::optional<std::string> column_of(const FixedTexts& columns, const std::string& name)
 {
     const auto found = columns.find(name);
     return found == columns.end() ? std::nullopt : std::optional(found->second);
-}
-
-void check_columns(const TableFacts& f, const FixedTexts& columns)
-{
-    for (const auto& [name, text] : columns) {
-        const bool isKnown = std::any_of(
-            f.fixedColumns.begin(), f.fixedColumns.end(),
-            [&name = name](const FixedColumnFacts& column) {
-                return column.name == name && column.kind == FixedKind::Text &&
-                       name != "modified_time" && name != "user";
-            });
-        if (!isKnown) {
-            throw_error(
-                "\"" + name + "\" of the table \"" + std::string(f.name) + "\" cannot be written.",
-                __FILE__, __LINE__);
-        }
-        check_text(text, "The value of \"" + std::string(f.name) + "." + name + "\"");
-    }
 }
 
 std::string user_name()
@@ -128,7 +123,6 @@ public:
         const std::optional<double>& number,
         const std::string& identity)
     {
-        check_columns(f, columns);
         const int id = insert_record(rows_, f, row(links, columns, number, identity));
         stamped_ = {f.table, id};
         return id;
@@ -176,7 +170,6 @@ public:
         const FixedTexts& columns,
         const std::vector<KeyValue>& keys)
     {
-        check_columns(f, columns);
         const std::string identity = identity_of(f, parentDigest, columns);
         const SharedRecords::Found found =
             shared_.findOrAdd(f, row(links, columns, std::nullopt, identity), keys);
@@ -190,13 +183,11 @@ public:
     }
 
     /// A setup without its columns.
-    int addSetup(int condition, const FixedTexts& columns, const std::string& label)
+    int addSetup(int condition, const SetupFields& fields, const std::string& label)
     {
         const ConditionContext& context = this->condition(condition);
         RecordIdentity identity;
-        identity.text(context.digest)
-            .textOrMissing(column_of(columns, "name"))
-            .textOrMissing(column_of(columns, "path"));
+        identity.text(context.digest).textOrMissing(fields.name).textOrMissing(fields.path);
         const std::string digest = identity.digest();
         const auto [first, isNew] = setups_.emplace(digest, label);
         if (!isNew) {
@@ -206,8 +197,8 @@ public:
                     "one out, or give their $SETNAME or $SETPATH different values.",
                 __FILE__, __LINE__);
         }
-        const int id =
-            insert(facts(RecordTable::Setup), {condition}, columns, std::nullopt, digest);
+        const int id = insert(
+            facts(RecordTable::Setup), {condition}, columns_of(fields), std::nullopt, digest);
         firstSetup_ = firstSetup_ == 0 ? id : firstSetup_;
         ++measurement(context.measurement).setups;
         return id;
@@ -305,30 +296,33 @@ RecordWriter::RecordWriter(const DBIF_Connection& connection)
 
 RecordWriter::~RecordWriter() = default;
 
-int RecordWriter::addCatalogEntry(const FixedTexts& columns, const std::vector<KeyValue>& keys)
+int RecordWriter::addCatalogEntry(
+    const CatalogEntryFields& fields,
+    const std::vector<KeyValue>& keys)
 {
-    const int id = work_->insert(facts(RecordTable::CatalogEntry), {}, columns, std::nullopt, {});
+    const int id =
+        work_->insert(facts(RecordTable::CatalogEntry), {}, columns_of(fields), std::nullopt, {});
     work_->keys_.add(RecordTable::CatalogEntry, id, keys);
     return id;
 }
 
-int RecordWriter::findOrAddDie(const FixedTexts& columns)
+int RecordWriter::findOrAddDie(const DieFields& fields)
 {
-    return work_->findOrAdd(facts(RecordTable::Die), {}, {}, columns, {});
+    return work_->findOrAdd(facts(RecordTable::Die), {}, {}, columns_of(fields), {});
 }
 
-int RecordWriter::findOrAddRoutine(const FixedTexts& columns)
+int RecordWriter::findOrAddRoutine(const RoutineFields& fields)
 {
-    return work_->findOrAdd(facts(RecordTable::Routine), {}, {}, columns, {});
+    return work_->findOrAdd(facts(RecordTable::Routine), {}, {}, columns_of(fields), {});
 }
 
 int RecordWriter::findOrAddDevice(
     int die,
-    const FixedTexts& columns,
+    const DeviceFields& fields,
     const std::vector<KeyValue>& keys)
 {
     const std::string dieDigest = work_->digestOf(RecordTable::Die, die);
-    return work_->findOrAdd(facts(RecordTable::Device), dieDigest, {die}, columns, keys);
+    return work_->findOrAdd(facts(RecordTable::Device), dieDigest, {die}, columns_of(fields), keys);
 }
 
 int RecordWriter::addMeasurement(const MeasurementRecord& measurement)
@@ -354,15 +348,16 @@ int RecordWriter::addMeasurement(const MeasurementRecord& measurement)
 
 int RecordWriter::addCondition(
     int measurement,
-    const FixedTexts& columns,
+    const ConditionFields& fields,
     const std::vector<KeyValue>& keys)
 {
     const std::string parentDigest = work_->measurement(measurement).digest;
     const int id = work_->insert(
-        facts(RecordTable::MeasurementCondition), {measurement}, columns, std::nullopt, {});
+        facts(RecordTable::MeasurementCondition), {measurement}, columns_of(fields), std::nullopt,
+        {});
     work_->keys_.add(RecordTable::MeasurementCondition, id, keys);
     RecordIdentity identity;
-    identity.text(parentDigest).textOrMissing(column_of(columns, "name"));
+    identity.text(parentDigest).textOrMissing(fields.name);
     add_keys(keys, &identity);
     work_->conditions_[id] = {measurement, identity.digest()};
     return id;
@@ -370,12 +365,12 @@ int RecordWriter::addCondition(
 
 int RecordWriter::addSetup(
     int condition,
-    const FixedTexts& columns,
+    const SetupFields& fields,
     const std::vector<SetupColumn>& sweep,
     const std::string& label)
 {
     check_sweep(sweep);
-    const int id = work_->addSetup(condition, columns, label);
+    const int id = work_->addSetup(condition, fields, label);
     for (const SetupColumn& column : sweep) {
         work_->insertColumn(id, pack_column(column));
     }
@@ -384,11 +379,11 @@ int RecordWriter::addSetup(
 
 int RecordWriter::addPackedSetup(
     int condition,
-    const FixedTexts& columns,
+    const SetupFields& fields,
     const std::vector<PackedColumn>& sweep,
     const std::string& label)
 {
-    const int id = work_->addSetup(condition, columns, label);
+    const int id = work_->addSetup(condition, fields, label);
     for (const PackedColumn& column : sweep) {
         work_->insertColumn(id, column);
     }

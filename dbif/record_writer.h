@@ -2,6 +2,7 @@
 
 #include "dbif/connection.h"
 #include "dbif/packed_sweep.h"
+#include "dbif/record_fields.h"
 #include "dbif/record_values.h"
 
 #include <QtGlobal>
@@ -26,31 +27,32 @@ public:
     explicit RecordWriter(const DBIF_Connection& connection);
     ~RecordWriter();
 
-    int addCatalogEntry(const FixedTexts& columns, const std::vector<KeyValue>& keys = {});
+    int addCatalogEntry(const CatalogEntryFields& fields, const std::vector<KeyValue>& keys = {});
     /// By lot, wafer, die and block.
-    int findOrAddDie(const FixedTexts& columns);
+    int findOrAddDie(const DieFields& fields);
     /// By name.
-    int findOrAddRoutine(const FixedTexts& columns);
+    int findOrAddRoutine(const RoutineFields& fields);
     /// By die, name, subsite and position. `die` may be 0. Keys and columns that the device does
     /// not have yet are added; a value that differs from the stored one is an error.
-    int findOrAddDevice(int die, const FixedTexts& columns, const std::vector<KeyValue>& keys = {});
+    int
+    findOrAddDevice(int die, const DeviceFields& fields, const std::vector<KeyValue>& keys = {});
 
     int addMeasurement(const MeasurementRecord& measurement);
     int addCondition(
         int measurement,
-        const FixedTexts& columns,
+        const ConditionFields& fields,
         const std::vector<KeyValue>& keys = {});
     /// The columns have equal length. `label` names the setup's source in errors: two setups of one
     /// identity in one transaction are an error that names both.
     int addSetup(
         int condition,
-        const FixedTexts& columns,
+        const SetupFields& fields,
         const std::vector<SetupColumn>& sweep,
         const std::string& label);
     /// The same of columns that `pack_sweep` packed.
     int addPackedSetup(
         int condition,
-        const FixedTexts& columns,
+        const SetupFields& fields,
         const std::vector<PackedColumn>& sweep,
         const std::string& label);
 

@@ -45,22 +45,35 @@ std::string points_of(const AnnotatedCsv& csv)
     return text;
 }
 
-std::string records_of(const AnnotatedCsv& csv)
+std::string keys_of(RecordTable table, const std::vector<dbif::KeyValue>& keys)
 {
     std::string text;
-    for (const dbif::RecordTable table : dbif::kRecordTables) {
-        const dbapi::tool::RecordParts& parts = csv.annotations.of(table);
-        for (const auto& [column, value] : parts.columns) {
-            text += std::string(dbif::facts(table).name) + "." + column + "=" + value + "\n";
-        }
-        for (const dbif::KeyValue& key : parts.keys) {
-            const bool isNumber = key.kind == dbif::ValueKind::Double;
-            text += std::string(dbif::facts(table).name) + ";" +
-                    dbif::column_key(key.category, key.kind, key.name) + "=" +
-                    (isNumber ? dbif::double_text(key.number) : key.text) + "\n";
-        }
+    for (const dbif::KeyValue& key : keys) {
+        const bool isNumber = key.kind == dbif::ValueKind::Double;
+        text += std::string(dbif::facts(table).name) + ";" +
+                dbif::column_key(key.category, key.kind, key.name) + "=" +
+                (isNumber ? dbif::double_text(key.number) : key.text) + "\n";
     }
     return text;
+}
+
+template <typename Fields>
+std::string record_of(const dbapi::tool::RecordParts<Fields>& parts)
+{
+    std::string text;
+    dbif::for_each_field(parts.fields, [&text](std::string_view column, const std::string& value) {
+        text += std::string(dbif::facts(Fields::kTable).name) + "." + std::string(column) + "=" +
+                value + "\n";
+    });
+    return text + keys_of(Fields::kTable, parts.keys);
+}
+
+std::string records_of(const AnnotatedCsv& csv)
+{
+    const dbapi::tool::Annotations& said = csv.annotations;
+    return record_of(said.catalogEntry) + record_of(said.device) + record_of(said.die) +
+           keys_of(RecordTable::Measurement, said.measurementKeys) + record_of(said.condition) +
+           record_of(said.routine) + record_of(said.setup);
 }
 
 TEST(AnnotatedCsv, ReadsWhatItIsAskedToAccept)
@@ -115,12 +128,11 @@ TEST(AnnotatedCsv, PutsAnnotationsIntoTheirRecords)
                          "measurement_condition.name=mc\n"
                          "measurement_condition;|DOUBLE|VB=-0.1\n"
                          "routine.name=dc\n"
-                         "setup.data_origin=MEASURED\n"
-                         "setup.name=IDVG\n");
+                         "setup.name=IDVG\n"
+                         "setup.data_origin=MEASURED\n");
     EXPECT_EQ(
         read("# $SETDATAORIGIN = SIMULATED\n# $DATAORIGIN = MEASURED\nOUTD.ID\n")
-            .annotations.of(RecordTable::Setup)
-            .columns.at("data_origin"),
+            .annotations.setup.fields.data_origin,
         "SIMULATED");
 }
 

@@ -24,12 +24,12 @@ void import_once(const DBIF_Connection& connection, int number)
 {
     dbif::RecordWriter writer(connection);
     const std::vector<double> values(kPoints, number);
-    const int device = writer.findOrAddDevice(0, {{"name", "n"}});
+    const int device = writer.findOrAddDevice(0, {.name = "n"});
     for (int i = 0; i < kSetups; ++i) {
         const int condition =
             writer.addCondition(writer.addMeasurement({0, device, 0, 25.0, {}}), {});
         writer.addSetup(
-            condition, {{"name", std::to_string(i)}}, {sweep("a", values), sweep("b", values)},
+            condition, {.name = std::to_string(i)}, {sweep("a", values), sweep("b", values)},
             "file");
     }
     writer.commit();

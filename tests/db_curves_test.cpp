@@ -44,12 +44,12 @@ protected:
         lab.write([&](dbif::RecordWriter& writer) {
             const int entry = writer.addCatalogEntry({});
             const int device = writer.findOrAddDevice(
-                writer.findOrAddDie({{"lot", "C"}}), {{"name", "m"}},
+                writer.findOrAddDie({.lot = "C"}), {.name = "m"},
                 {number_key("W", 3, "PHYSICAL"), text_key("kind", "n", "TECHNOLOGY")});
             const int measurement = writer.addMeasurement({entry, device, 0, 25, {}});
             const int condition = writer.addCondition(measurement, {});
             const auto add = [&](const char* name, const std::vector<dbif::SetupColumn>& columns) {
-                writer.addSetup(condition, {{"name", name}}, columns, name);
+                writer.addSetup(condition, {.name = name}, columns, name);
             };
             // g up and down again under two d; d over two g; both together.
             add("over g", {input("g", {1, 2, 1, 1, 2, 1}), input("d", {5, 5, 5, 8, 8, 8}),

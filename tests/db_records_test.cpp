@@ -163,8 +163,7 @@ TEST_P(DbRecords, ShowASetupWhole)
         const int measurement = writer.addMeasurement({entry, 0, 0, 25, {}});
         dbif::SetupColumn empty = sweep("VG", std::vector<double>());
         empty.header = "a 'header'";
-        writer.addSetup(
-            writer.addCondition(measurement, {}), {{"name", "empty"}}, {empty}, "empty");
+        writer.addSetup(writer.addCondition(measurement, {}), {.name = "empty"}, {empty}, "empty");
     });
     ASSERT_TRUE(
         dbapi::db_get_setup_keys_values_for_setup_id_as_text("lab", 3, &keys, &values, &errors))

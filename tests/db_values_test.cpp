@@ -108,8 +108,7 @@ TEST_P(DbValues, TakeListsHoweverTheyAreWritten)
 {
     lab.write([](dbif::RecordWriter& writer) {
         for (const char* process : {"p one", "a, b", "it's"}) {
-            writer.findOrAddDevice(
-                0, {{"name", process}}, {text_key("mask", process, "TECHNOLOGY")});
+            writer.findOrAddDevice(0, {.name = process}, {text_key("mask", process, "TECHNOLOGY")});
         }
     });
     const std::vector<Read> reads{
@@ -217,7 +216,7 @@ TEST_P(DbValues, KeepTheCallCacheCurrent)
     DBIF_Connection other = lab.open();
     dbif::RecordWriter writer(other);
     writer.findOrAddDevice(
-        0, {{"name", "new"}}, {number_key("W", 5e-6, "PHYSICAL"), number_key("new", 1, "ID")});
+        0, {.name = "new"}, {number_key("W", 5e-6, "PHYSICAL"), number_key("new", 1, "ID")});
     writer.commit();
     EXPECT_EQ(values_of("$DEVNAME", "W=5u"), "n1;new;");
     EXPECT_EQ(values_of("new", "W=5u"), "1;");

@@ -208,8 +208,8 @@ private:
         database_.write([](RecordWriter& writer) {
             for (std::size_t i = 0; i < kTexts.size(); ++i) {
                 const int die = writer.findOrAddDie(
-                    i % 3 == 0 ? dbif::FixedTexts{{"lot", kTexts[i]}}
-                               : dbif::FixedTexts{{"lot", kTexts[i]}, {"wafer", kTexts[i / 2]}});
+                    i % 3 == 0 ? dbif::DieFields{.lot = kTexts[i]}
+                               : dbif::DieFields{.lot = kTexts[i], .wafer = kTexts[i / 2]});
                 std::vector<dbif::KeyValue> keys{text_key("T", kTexts[i], "TECHNOLOGY")};
                 if (i < kNumbers.size()) {
                     keys.push_back(number_key("W", kNumbers[i], "PHYSICAL"));
@@ -222,20 +222,20 @@ private:
                         "m", "[[1+0j, " + std::to_string(i) + "j]]", "NODE",
                         dbif::ValueKind::Matrix));
                 }
-                const int device = writer.findOrAddDevice(die, {{"name", kTexts[i]}}, keys);
-                const int entry = writer.addCatalogEntry(
-                    {{"application", kTexts[i]}}, {text_key("o", kTexts[i])});
+                const int device = writer.findOrAddDevice(die, {.name = kTexts[i]}, keys);
+                const int entry =
+                    writer.addCatalogEntry({.application = kTexts[i]}, {text_key("o", kTexts[i])});
                 if (i % 2 == 0) {
                     const std::optional<double> temperature =
                         i < kNumbers.size() ? std::optional(kNumbers[i]) : std::nullopt;
                     const int condition = writer.addCondition(
                         writer.addMeasurement({entry, device, 0, temperature, {}}),
-                        {{"name", kTexts[i]}}, {number_key("VS", kNumbers[i % kNumbers.size()])});
+                        {.name = kTexts[i]}, {number_key("VS", kNumbers[i % kNumbers.size()])});
                     if (i % 6 == 0) {
                         dbif::SetupColumn headed = sweep("x", kNumbers);
                         headed.header = kTexts[i];
                         writer.addSetup(
-                            condition, {{"name", kTexts[i]}, {"path", ""}},
+                            condition, {.name = kTexts[i], .path = ""},
                             {headed,
                              text_sweep(
                                  "s", {kTexts.begin(), kTexts.begin() + static_cast<std::ptrdiff_t>(
@@ -247,13 +247,13 @@ private:
         });
         // A second version of some, which supersedes.
         database_.write([](RecordWriter& writer) {
-            const int die = writer.findOrAddDie({{"lot", ""}});
-            const int device = writer.findOrAddDevice(die, {{"name", ""}});
+            const int die = writer.findOrAddDie({.lot = ""});
+            const int device = writer.findOrAddDevice(die, {.name = ""});
             const int condition = writer.addCondition(
-                writer.addMeasurement({0, device, 0, 0.0, {}}), {{"name", ""}},
+                writer.addMeasurement({0, device, 0, 0.0, {}}), {.name = ""},
                 {number_key("VS", 0)});
             writer.addSetup(
-                condition, {{"name", ""}, {"path", ""}}, {sweep("x", {1.0, std::nan(""), -5e-324})},
+                condition, {.name = "", .path = ""}, {sweep("x", {1.0, std::nan(""), -5e-324})},
                 "file");
         });
         for (const char* table :

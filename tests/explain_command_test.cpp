@@ -120,7 +120,7 @@ TEST_P(ExplainCommand, ShowsTheStatementsThatRan)
 {
     lab.write([](dbif::RecordWriter& writer) {
         for (int i = 0; i < 600; ++i) {
-            const int device = writer.findOrAddDevice(0, {{"name", "m" + std::to_string(i)}});
+            const int device = writer.findOrAddDevice(0, {.name = "m" + std::to_string(i)});
             writer.addSetup(
                 writer.addCondition(writer.addMeasurement({0, device, 0, 25, {}}), {}), {},
                 {sweep("x", {1, 2})}, "");

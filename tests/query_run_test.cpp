@@ -26,7 +26,7 @@ protected:
             for (int i = 1; i <= kDevices; ++i) {
                 const double w = i;
                 const int device = writer.findOrAddDevice(
-                    0, {{"name", "d" + std::to_string(i)}}, {number_key("W", w, "ID")});
+                    0, {.name = "d" + std::to_string(i)}, {number_key("W", w, "ID")});
                 const int measurement = writer.addMeasurement({0, device, 0, 25, {}});
                 writer.addSetup(
                     writer.addCondition(measurement, {}), {},
@@ -126,7 +126,7 @@ TEST_P(ManyRecords, AreReadFromOneState)
     const std::string before = rows({{"device", "id"}}, all);
     DBIF_Connection other = database.open();
     dbif::RecordWriter writer(other);
-    writer.findOrAddDevice(0, {{"name", "later"}});
+    writer.findOrAddDevice(0, {.name = "later"});
     writer.commit();
     EXPECT_EQ(rows({{"device", "id"}}, DBIF_TrueCondition()), before);
 }

@@ -97,20 +97,20 @@ void add_measurement(
     double value)
 {
     const int entry =
-        writer.addCatalogEntry({{"application", "test"}}, {text_key("operator", "Zo\xC3\xAB ")});
-    const int die = writer.findOrAddDie({{"lot", "A"}, {"wafer", ""}});
+        writer.addCatalogEntry({.application = "test"}, {text_key("operator", "Zo\xC3\xAB ")});
+    const int die = writer.findOrAddDie({.lot = "A", .wafer = ""});
     const int deviceId = writer.findOrAddDevice(
-        die, {{"name", device}, {"device_type", "n"}},
+        die, {.name = device, .device_type = "n"},
         {number_key("W", 1.3000000000000003e-07, "PHYSICAL"),
          text_key("process", "it's; \"x\" \\", "TECHNOLOGY"),
          text_key("s11", "1.5-2j", "NODE", dbif::ValueKind::Complex)});
-    const int routine = writer.findOrAddRoutine({{"name", "r"}, {"definition", ""}});
+    const int routine = writer.findOrAddRoutine({.name = "r", .definition = ""});
     const int measurement = writer.addMeasurement(
         {entry, deviceId, routine, temperature, {text_key("DataOrigin", "MEASURED")}});
     const int condition =
-        writer.addCondition(measurement, {{"name", "dc"}}, {number_key("VS", -1e300)});
+        writer.addCondition(measurement, {.name = "dc"}, {number_key("VS", -1e300)});
     if (!setup.empty()) {
-        writer.addSetup(condition, {{"name", setup}}, all_kinds(value), "file");
+        writer.addSetup(condition, {.name = setup}, all_kinds(value), "file");
     }
 }
 
@@ -126,7 +126,7 @@ protected:
                 add_measurement(writer, "a", 25, "IDVG", value);
                 add_measurement(writer, "b", 25 + value, "IDVG", value);
                 add_measurement(writer, "c", 25, "", value);
-                writer.findOrAddDevice(0, {{"name", "lonely" + std::to_string(value)}});
+                writer.findOrAddDevice(0, {.name = "lonely" + std::to_string(value)});
             });
         }
         from.execute("UPDATE measurement SET \"user\" = NULL WHERE id = 1");
@@ -281,7 +281,7 @@ TEST_P(RecordCopy, MergesWithWhatTheTargetHas)
     fill();
     const auto other = [](RecordWriter& writer) {
         add_measurement(writer, "a", 25, "IDVG", 9);
-        writer.findOrAddDevice(1, {{"name", "a"}}, {number_key("more", 1, "ID")});
+        writer.findOrAddDevice(1, {.name = "a"}, {number_key("more", 1, "ID")});
     };
     to.write(other);
     const QDateTime before = dbif::newest_time(to.connection);
@@ -299,7 +299,7 @@ TEST_P(RecordCopy, MergesWithWhatTheTargetHas)
     MeasurementDatabase conflicting(GetParam().to);
     conflicting.write([](RecordWriter& writer) {
         writer.findOrAddDevice(
-            writer.findOrAddDie({{"lot", "A"}, {"wafer", ""}}), {{"name", "b"}},
+            writer.findOrAddDie({.lot = "A", .wafer = ""}), {.name = "b"},
             {number_key("W", 7, "PHYSICAL")});
     });
     EXPECT_THAT(

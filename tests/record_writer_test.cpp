@@ -8,6 +8,7 @@
 
 #include <ctime>
 #include <functional>
+#include <set>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -27,19 +28,19 @@ protected:
         std::string device = "a";
         std::optional<double> temperature = 25;
         std::vector<dbif::KeyValue> measurementKeys{text_key("DataOrigin", "MEASURED")};
-        dbif::FixedTexts condition{{"name", "c"}};
+        dbif::ConditionFields condition{.name = "c"};
         std::vector<dbif::KeyValue> conditionKeys{number_key("vd", 1)};
-        std::vector<dbif::FixedTexts> setups{{{"name", "s"}}};
+        std::vector<dbif::SetupFields> setups{{.name = "s"}};
     };
 
     static void add(RecordWriter& writer, const Sweep& sweepOf)
     {
-        const int device = writer.findOrAddDevice(0, {{"name", sweepOf.device}});
+        const int device = writer.findOrAddDevice(0, {.name = sweepOf.device});
         const int measurement =
             writer.addMeasurement({0, device, 0, sweepOf.temperature, sweepOf.measurementKeys});
         const int condition =
             writer.addCondition(measurement, sweepOf.condition, sweepOf.conditionKeys);
-        for (const dbif::FixedTexts& setup : sweepOf.setups) {
+        for (const dbif::SetupFields& setup : sweepOf.setups) {
             writer.addSetup(condition, setup, {sweep("id", {1})}, "file");
         }
     }
@@ -65,28 +66,27 @@ protected:
 
 TEST_P(Writer, FindsRecordsByWhatTheyAre)
 {
-    const std::vector<dbif::FixedTexts> dies{
+    const std::vector<dbif::DieFields> dies{
         {},
-        {{"lot", "L"}},
-        {{"lot", ""}},
-        {{"lot", "L"}, {"wafer", ""}},
-        {{"wafer", "L"}},
-        {{"lot", "L"}, {"wafer", "1"}, {"die", "2"}, {"block", "3"}}};
+        {.lot = "L"},
+        {.lot = ""},
+        {.lot = "L", .wafer = ""},
+        {.wafer = "L"},
+        {.lot = "L", .wafer = "1", .die = "2", .block = "3"}};
     for (int round = 0; round < 2; ++round) {
         database.write([&dies](RecordWriter& writer) {
             for (std::size_t i = 0; i < 2 * dies.size(); ++i) {
                 EXPECT_EQ(writer.findOrAddDie(dies[i % dies.size()]), i % dies.size() + 1);
             }
-            EXPECT_EQ(writer.findOrAddRoutine({{"name", "r"}}), 1);
+            EXPECT_EQ(writer.findOrAddRoutine({.name = "r"}), 1);
             EXPECT_EQ(writer.findOrAddRoutine({}), 2);
-            EXPECT_EQ(writer.findOrAddDevice(0, {{"name", "a"}}), 1);
-            EXPECT_EQ(writer.findOrAddDevice(1, {{"name", "a"}}), 2);
-            EXPECT_EQ(writer.findOrAddDevice(1, {{"name", "a"}, {"parent_subsite_name", "a"}}), 3);
-            EXPECT_EQ(
-                writer.findOrAddDevice(1, {{"name", "a"}, {"position_within_subsite", "a"}}), 4);
+            EXPECT_EQ(writer.findOrAddDevice(0, {.name = "a"}), 1);
+            EXPECT_EQ(writer.findOrAddDevice(1, {.name = "a"}), 2);
+            EXPECT_EQ(writer.findOrAddDevice(1, {.name = "a", .parent_subsite_name = "a"}), 3);
+            EXPECT_EQ(writer.findOrAddDevice(1, {.name = "a", .position_within_subsite = "a"}), 4);
             EXPECT_EQ(
                 writer.findOrAddDevice(
-                    1, {{"name", "a"}, {"device_type", "n"}}, {number_key("W", -0.0, "ID")}),
+                    1, {.name = "a", .device_type = "n"}, {number_key("W", -0.0, "ID")}),
                 2);
         });
     }
@@ -95,33 +95,58 @@ TEST_P(Writer, FindsRecordsByWhatTheyAre)
         database.rows("SELECT device_type, number FROM device JOIN device_data ON device_id = id"),
         "n|0;");
     const auto device =
-        [this](const dbif::FixedTexts& columns, const std::vector<dbif::KeyValue>& keys) {
+        [this](const dbif::DeviceFields& fields, const std::vector<dbif::KeyValue>& keys) {
             return thrown_by(
-                [&] { RecordWriter(database.connection).findOrAddDevice(1, columns, keys); });
+                [&] { RecordWriter(database.connection).findOrAddDevice(1, fields, keys); });
         };
     EXPECT_THAT(
-        device({{"name", "a"}, {"device_type", "p"}}, {}),
+        device({.name = "a", .device_type = "p"}, {}),
         HasSubstr("The device \"a\" is stored with device_type \"n\", but here it has \"p\"."));
     EXPECT_THAT(
-        device({{"name", "a"}}, {number_key("W", 2, "ID")}),
+        device({.name = "a"}, {number_key("W", 2, "ID")}),
         HasSubstr("The device \"a\" is stored with W = 0, but here W = 2."));
     EXPECT_EQ(
-        device({{"name", "a"}}, {number_key("W", 0, "ID"), number_key("W", 2, "NODE")}),
+        device({.name = "a"}, {number_key("W", 0, "ID"), number_key("W", 2, "NODE")}),
         "nothing thrown");
     EXPECT_THAT(
-        device({{"name", "b"}}, {number_key("W", 1, "ID"), number_key("W", 2, "ID")}),
+        device({.name = "b"}, {number_key("W", 1, "ID"), number_key("W", 2, "ID")}),
         HasSubstr("\"W\" is given twice, as \"1\" and as \"2\"."));
     EXPECT_EQ(database.rows("SELECT count(*) FROM device_data"), "1;");
     const auto routine = [this](const char* definition) {
         RecordWriter writer(database.connection);
-        writer.findOrAddRoutine({{"name", "r"}});
-        writer.findOrAddRoutine({{"name", "r"}, {"definition", "d"}});
-        return thrown_by([&] {
-            writer.findOrAddRoutine({{"name", "r"}, {"definition", definition}});
-        });
+        writer.findOrAddRoutine({.name = "r"});
+        writer.findOrAddRoutine({.name = "r", .definition = "d"});
+        return thrown_by([&] { writer.findOrAddRoutine({.name = "r", .definition = definition}); });
     };
     EXPECT_EQ(routine("d"), "nothing thrown");
     EXPECT_THAT(routine("e"), HasSubstr("is stored with definition \"d\", but here it has \"e\"."));
+}
+
+template <typename Fields>
+void expect_all_texts_of_table()
+{
+    std::set<std::string_view> names;
+    for (const auto& [name, member] : Fields::columns()) {
+        names.insert(name);
+    }
+    std::set<std::string_view> stored;
+    for (const dbif::FixedColumnFacts& column : dbif::facts(Fields::kTable).fixedColumns) {
+        if (column.kind == dbif::FixedKind::Text && column.name != "modified_time" &&
+            column.name != "user") {
+            stored.insert(column.name);
+        }
+    }
+    EXPECT_EQ(names, stored);
+}
+
+TEST(WriterFields, AreTheFixedTextsOfTheSchema)
+{
+    expect_all_texts_of_table<dbif::CatalogEntryFields>();
+    expect_all_texts_of_table<dbif::RoutineFields>();
+    expect_all_texts_of_table<dbif::DieFields>();
+    expect_all_texts_of_table<dbif::DeviceFields>();
+    expect_all_texts_of_table<dbif::ConditionFields>();
+    expect_all_texts_of_table<dbif::SetupFields>();
 }
 
 TEST_P(Writer, KnowsManyRecordsAsWellAsFew)
@@ -131,10 +156,10 @@ TEST_P(Writer, KnowsManyRecordsAsWellAsFew)
         database.write([&](RecordWriter& writer) {
             for (int i = 0; i < 2 * kDevices; ++i) {
                 const int place = i % kDevices;
-                const int die = writer.findOrAddDie({{"lot", std::to_string(place / 5)}});
+                const int die = writer.findOrAddDie({.lot = std::to_string(place / 5)});
                 EXPECT_EQ(
                     writer.findOrAddDevice(
-                        die, {{"name", std::to_string(place)}, {"device_type", type}},
+                        die, {.name = std::to_string(place), .device_type = type},
                         {number_key(key, place, "ID")}),
                     place + 1);
             }
@@ -154,7 +179,7 @@ TEST_P(Writer, KnowsManyRecordsAsWellAsFew)
             RecordWriter writer(database.connection);
             for (int i = 0; i < kDevices; ++i) {
                 writer.findOrAddDevice(
-                    i / 5 + 1, {{"name", std::to_string(i)}},
+                    i / 5 + 1, {.name = std::to_string(i)},
                     {number_key("W", i == 400 ? 0 : i, "ID")});
             }
         }),
@@ -170,14 +195,14 @@ TEST_P(Writer, SupersedesWhatIsTheSame)
         [](Sweep& s) { s.temperature.reset(); },
         [](Sweep& s) { s.measurementKeys.clear(); },
         [](Sweep& s) { s.measurementKeys[0].text = "SIMULATED"; },
-        [](Sweep& s) { s.condition.clear(); },
-        [](Sweep& s) { s.condition["name"] = ""; },
+        [](Sweep& s) { s.condition = {}; },
+        [](Sweep& s) { s.condition.name = ""; },
         [](Sweep& s) { s.conditionKeys[0].number = 2; },
         [](Sweep& s) { s.conditionKeys.clear(); },
         [](Sweep& s) { s.conditionKeys.push_back(text_key("vg", "1")); },
-        [](Sweep& s) { s.setups[0].clear(); },
+        [](Sweep& s) { s.setups[0] = {}; },
         [](Sweep& s) {
-            s.setups[0]["path"] = "p";
+            s.setups[0].path = "p";
         }};
     import({});
     for (const Change& change : others) {
@@ -189,7 +214,7 @@ TEST_P(Writer, SupersedesWhatIsTheSame)
     const int count = static_cast<int>(others.size()) + 1;
     const std::vector<Change> same{
         [](Sweep& s) { s.measurementKeys.push_back(number_key("gain", 1)); },
-        [](Sweep& s) { s.setups[0]["run_type"] = "r"; },
+        [](Sweep& s) { s.setups[0].run_type = "r"; },
         // Stored alike, so alike.
         [](Sweep& s) { s.conditionKeys.push_back(number_key("vg", std::nan(""))); },
         [](Sweep& s) {
@@ -211,12 +236,12 @@ TEST_P(Writer, SupersedesWhatIsTheSame)
 TEST_P(Writer, SupersedesMeasurementsWithTheirLastSetup)
 {
     Sweep two;
-    two.setups = {{{"name", "s"}}, {{"name", "t"}}};
+    two.setups = {{.name = "s"}, {.name = "t"}};
     import(two);
     import({});
     EXPECT_EQ(superseded(), "1|3; ");
     Sweep other;
-    other.setups = {{{"name", "t"}}};
+    other.setups = {{.name = "t"}};
     import(other);
     EXPECT_EQ(superseded(), "1|3;2|4; 1|3;");
 
@@ -238,13 +263,11 @@ TEST_P(Writer, RefusesOneSweepTwiceInAnImport)
 {
     RecordWriter writer(database.connection);
     const int condition = writer.addCondition(writer.addMeasurement({}), {});
-    writer.addSetup(condition, {{"name", "a"}}, {}, "first.csv");
-    writer.addSetup(condition, {{"name", "b"}}, {}, "second.csv");
+    writer.addSetup(condition, {.name = "a"}, {}, "first.csv");
+    writer.addSetup(condition, {.name = "b"}, {}, "second.csv");
     const int equal = writer.addCondition(writer.addMeasurement({}), {});
     EXPECT_THAT(
-        thrown_by([&] {
-            writer.addSetup(equal, {{"name", "a"}}, {}, "third.csv");
-        }),
+        thrown_by([&] { writer.addSetup(equal, {.name = "a"}, {}, "third.csv"); }),
         HasSubstr("\"first.csv\" and \"third.csv\" hold the same sweep"));
 }
 
@@ -266,12 +289,12 @@ TEST_P(Writer, RefusesWhatCannotBeStoredAndStoresNothing)
             static int count = 0;
             writer.addSetup(
                 writer.addCondition(writer.addMeasurement({}), {}),
-                {{"name", std::to_string(++count)}}, columns, "file");
+                {.name = std::to_string(++count)}, columns, "file");
         };
     };
-    const auto fixed = [](const std::string& column, const std::string& text) {
+    const auto application = [](const std::string& text) {
         return [=](RecordWriter& writer) {
-            writer.addCatalogEntry({{column, text}});
+            writer.addCatalogEntry({.application = text});
         };
     };
     dbif::SetupColumn headed = sweep("id", {1});
@@ -296,12 +319,8 @@ TEST_P(Writer, RefusesWhatCannotBeStoredAndStoresNothing)
         {named("$LOT"), "begins with \"$\", as only builtin keynames such as $LOT do"},
         {named("a\xC3"), "is not UTF-8 text."},
         {named(zero), "holds a zero byte"},
-        {fixed("application", "\xED\xA0\x80"), "\"catalog_entry.application\" is not UTF-8"},
-        {fixed("application", zero), "holds a zero byte"},
-        {fixed("user", "me"), "\"user\" of the table \"catalog_entry\" cannot be written."},
-        {fixed("modified_time", "2026"), "cannot be written."},
-        {fixed("id", "7"), "cannot be written."},
-        {fixed("lot", "7"), "\"lot\" of the table \"catalog_entry\" cannot be written."},
+        {application("\xED\xA0\x80"), "\"catalog_entry.application\" is not UTF-8"},
+        {application(zero), "holds a zero byte"},
         {key(number_key("W", kInfinity, "ID")), "The value of the key \"W\" is infinite."},
         {key(number_key("W", 1, "")), "key \"W\" has the category \"\". Give it one of ID,"},
         {key(number_key("W", 1, "physical")), "has the category \"physical\"."},
@@ -326,10 +345,7 @@ TEST_P(Writer, RefusesWhatCannotBeStoredAndStoresNothing)
             EXPECT_THAT(thrown_by([&work = work, &all] { work(all); }), HasSubstr(message));
             // The writer goes on, so that an import can name all that is wrong.
             EXPECT_EQ(
-                thrown_by([&] {
-                    all.findOrAddDevice(0, {{"name", "good"}});
-                }),
-                "nothing thrown")
+                thrown_by([&] { all.findOrAddDevice(0, {.name = "good"}); }), "nothing thrown")
                 << message;
         }
         EXPECT_EQ(
@@ -372,6 +388,16 @@ TEST_P(Writer, ReadsTheStoredKeysOnceHoweverManyAreNew)
     EXPECT_EQ(database.rows("SELECT count(*) FROM setup_column"), "40;");
 }
 
+TEST_P(Writer, RefusesRecordsBeyondTheLastId)
+{
+    database.execute("INSERT INTO die (id, lot) VALUES (2147483646, 'A')");
+    RecordWriter writer(database.connection);
+    EXPECT_EQ(writer.findOrAddDie({.lot = "B"}), 2147483647);
+    EXPECT_THAT(
+        thrown_by([&writer] { writer.findOrAddDie({.lot = "C"}); }),
+        HasSubstr("The table \"die\" has given out its last id, 2147483647."));
+}
+
 TEST_P(Writer, MovesTheNewestTimeAlways)
 {
     // Local time makes no difference, not even one that a clock change leaves out.
@@ -386,16 +412,14 @@ TEST_P(Writer, MovesTheNewestTimeAlways)
         before = newest();
     };
     for (int i = 0; i < 20; ++i) {
-        expectMove([i](RecordWriter& writer) {
-            writer.findOrAddRoutine({{"name", std::to_string(i)}});
-        });
+        expectMove(
+            [i](RecordWriter& writer) { writer.findOrAddRoutine({.name = std::to_string(i)}); });
     }
     expectMove([](RecordWriter& writer) {
-        writer.findOrAddDevice(0, {{"name", "a"}}, {number_key("W", 1, "ID")});
+        writer.findOrAddDevice(0, {.name = "a"}, {number_key("W", 1, "ID")});
     });
-    expectMove([](RecordWriter& writer) {
-        writer.findOrAddDevice(0, {{"name", "a"}, {"device_type", "n"}});
-    });
+    expectMove(
+        [](RecordWriter& writer) { writer.findOrAddDevice(0, {.name = "a", .device_type = "n"}); });
     database.execute("UPDATE device SET modified_time = '2931-03-25T02:30:00.999'");
     expectMove([](RecordWriter& writer) { writer.addCatalogEntry({}); });
     EXPECT_EQ(database.rows("SELECT modified_time FROM catalog_entry"), "2931-03-25T02:30:01.000;");
@@ -411,9 +435,9 @@ TEST_P(Writer, MakesNoDoublesBesideAnother)
         const std::string fault = thrown_by([&own] {
             for (int i = 0; i < kDies; ++i) {
                 RecordWriter writer(own);
-                const int die = writer.findOrAddDie({{"lot", std::to_string(i)}});
+                const int die = writer.findOrAddDie({.lot = std::to_string(i)});
                 writer.findOrAddDevice(
-                    die, {{"name", "a"}}, {number_key("k" + std::to_string(i), 1, "ID")});
+                    die, {.name = "a"}, {number_key("k" + std::to_string(i), 1, "ID")});
                 writer.commit();
             }
         });

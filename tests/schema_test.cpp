@@ -61,7 +61,7 @@ protected:
         DBIF_Connection connection = open(path);
         connection.initializeSchemaIfMissing();
         dbif::RecordWriter writer(connection);
-        writer.findOrAddDevice(0, {{"name", "a"}});
+        writer.findOrAddDevice(0, {.name = "a"});
         writer.commit();
     }
 
@@ -73,7 +73,7 @@ protected:
 TEST_P(Schema, IsCreatedOnceInAnEmptyDatabase)
 {
     EXPECT_EQ(refusal(), "nothing thrown");
-    database.write([](dbif::RecordWriter& writer) { writer.findOrAddDie({{"lot", "a"}}); });
+    database.write([](dbif::RecordWriter& writer) { writer.findOrAddDie({.lot = "a"}); });
     EXPECT_EQ(refusal(), "nothing thrown");
     EXPECT_EQ(database.rows("SELECT lot FROM die"), "a;");
     EXPECT_EQ(database.rows("SELECT count(*) FROM latest_setup"), "0;");

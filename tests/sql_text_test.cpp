@@ -100,17 +100,17 @@ TEST_P(SqlTexts, KeepTextsApartAndWhole)
     database.write([&texts](dbif::RecordWriter& writer) {
         const int entry = writer.addCatalogEntry({});
         for (const std::string& text : texts) {
-            const int die = writer.findOrAddDie({{"lot", text}});
+            const int die = writer.findOrAddDie({.lot = text});
             std::vector<dbif::KeyValue> keys{text_key("plain", text, "ID")};
             if (is_key_name(text)) {
                 keys.push_back(text_key(text, "here", "ID"));
             }
-            const int device = writer.findOrAddDevice(die, {{"name", text}}, keys);
+            const int device = writer.findOrAddDevice(die, {.name = text}, keys);
             const int condition =
                 writer.addCondition(writer.addMeasurement({entry, device, 0, {}, {}}), {});
             dbif::SetupColumn column = text_sweep("s", {text, std::nullopt});
             column.header = text;
-            writer.addSetup(condition, {{"path", text}}, {column}, text);
+            writer.addSetup(condition, {.path = text}, {column}, text);
         }
     });
     for (std::size_t i = 0; i < texts.size(); ++i) {
@@ -167,7 +167,7 @@ TEST_P(SqlTexts, TakeListsAndChainsOfAnyLength)
     database.write([](dbif::RecordWriter& writer) {
         for (int i = 1; i <= kDevices; ++i) {
             writer.findOrAddDevice(
-                0, {{"name", std::to_string(i)}},
+                0, {.name = std::to_string(i)},
                 {number_key("W", i, "ID"), text_key("T", std::to_string(i), "ID")});
         }
     });
@@ -209,7 +209,7 @@ TEST_P(SqlTexts, TakeConditionsWithinConditions)
 {
     database.write([](dbif::RecordWriter& writer) {
         for (const char* name : {"a", "b", "c"}) {
-            writer.findOrAddDevice(0, {{"name", name}});
+            writer.findOrAddDevice(0, {.name = name});
         }
     });
     const auto isA = DBIF_Device::NAME.singleColumnCondition(EQUAL, QStringLiteral("a"));
@@ -234,7 +234,7 @@ TEST_P(SqlTexts, CompareNumbersAtTheirEnds)
     database.write([&numbers](dbif::RecordWriter& writer) {
         for (const double number : numbers) {
             writer.findOrAddDevice(
-                0, {{"name", dbif::double_text(number)}}, {number_key("W", number, "ID")});
+                0, {.name = dbif::double_text(number)}, {number_key("W", number, "ID")});
         }
     });
     for (const double with : numbers) {

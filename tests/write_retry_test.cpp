@@ -62,7 +62,7 @@ TEST(WriteRetry, StoresOnceWhenTheConnectionIsLostMariaDb)
             ++attempt;
             RecordWriter writer(database.connection);
             loseHere(0);
-            const int device = writer.findOrAddDevice(0, {{"name", "n" + std::to_string(lostAt)}});
+            const int device = writer.findOrAddDevice(0, {.name = "n" + std::to_string(lostAt)});
             const int condition =
                 writer.addCondition(writer.addMeasurement({0, device, 0, {}, {}}), {});
             loseHere(1);

@@ -36,14 +36,14 @@ std::vector<dbif::KeyValue> device_keys(std::size_t n)
 void add_setup(dbif::RecordWriter& writer, int measurement, std::size_t n)
 {
     const int condition = writer.addCondition(
-        measurement, {{"name", "dc"}},
+        measurement, {.name = "dc"},
         {number_key("VD", 0.01 * static_cast<double>(n % 100)),
          text_key("MODE", n % 2 == 0 ? "pulsed" : "steady")});
     dbif::SetupColumn gate = sweep("VG", {0, 0.4, 0.8, 1.2});
     gate.isInput = true;
     const double current = 1e-9 * static_cast<double>(n);
     writer.addSetup(
-        condition, {{"name", numbered("sweep", n % 1000)}},
+        condition, {.name = numbered("sweep", n % 1000)},
         {gate, sweep("ID", {current, current + 1e-6, current + 1e-5, current + 1e-4})},
         numbered("setup ", n));
 }
@@ -54,19 +54,17 @@ void write_device_series(const DBIF_Connection& connection)
     constexpr std::array kTemperatures{-40.0, 25.0, 125.0};
     dbif::RecordWriter writer(connection);
     dbif::MeasurementRecord measurement;
-    measurement.catalogEntry = writer.addCatalogEntry({{"application", "tests"}});
-    measurement.routine = writer.findOrAddRoutine({{"name", "dc"}});
+    measurement.catalogEntry = writer.addCatalogEntry({.application = "tests"});
+    measurement.routine = writer.findOrAddRoutine({.name = "dc"});
     int die = 0;
     for (std::size_t n = 1; n <= kSeriesDevices; ++n) {
         if (n % 100 == 1) {
             const std::size_t place = n / 100;
             die = writer.findOrAddDie(
-                {{"lot", numbered("L", place % 50)},
-                 {"wafer", numbered("", place / 50)},
-                 {"die", "1"}});
+                {.lot = numbered("L", place % 50), .wafer = numbered("", place / 50), .die = "1"});
         }
         measurement.device =
-            writer.findOrAddDevice(die, {{"name", numbered("dev", n)}}, device_keys(n));
+            writer.findOrAddDevice(die, {.name = numbered("dev", n)}, device_keys(n));
         measurement.temperature = n % 1000 == 0 ? 77 : kTemperatures.at(n % kTemperatures.size());
         measurement.keys = {
             number_key("GAIN", static_cast<double>(n)), text_key("RUN", numbered("R", n / 100))};

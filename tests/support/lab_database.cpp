@@ -18,9 +18,9 @@ dbif::SetupColumn input(dbif::SetupColumn column)
 
 int device_n1(dbif::RecordWriter& writer)
 {
-    const int die = writer.findOrAddDie({{"lot", "A"}, {"wafer", "1"}});
+    const int die = writer.findOrAddDie({.lot = "A", .wafer = "1"});
     return writer.findOrAddDevice(
-        die, {{"name", "n1"}},
+        die, {.name = "n1"},
         {number_key("W", 5e-6, "PHYSICAL"), number_key("L", 1.5e-7, "PHYSICAL"),
          text_key("process", "it's; \"x\"", "TECHNOLOGY")});
 }
@@ -33,11 +33,11 @@ void add_setup(
     const Columns& sweep)
 {
     keys.push_back(text_key("DataOrigin", "MEASURED"));
-    const int entry = writer.addCatalogEntry({{"application", "test"}});
+    const int entry = writer.addCatalogEntry({.application = "test"});
     const int measurement = writer.addMeasurement({entry, device, 0, temperature, keys});
-    const int condition = writer.addCondition(measurement, {{"name", "dc"}}, {number_key("VS", 0)});
+    const int condition = writer.addCondition(measurement, {.name = "dc"}, {number_key("VS", 0)});
     if (!sweep.empty()) {
-        writer.addSetup(condition, {{"name", "IDVG"}}, sweep, "setup");
+        writer.addSetup(condition, {.name = "IDVG"}, sweep, "setup");
     }
 }
 } // namespace
@@ -52,15 +52,15 @@ LabDatabase::LabDatabase(Engine engine) : MeasurementDatabase(engine)
     store_connection(*this, "lab");
     write([](dbif::RecordWriter& writer) {
         const int n1 = device_n1(writer);
-        const int dieA = writer.findOrAddDie({{"lot", "A"}, {"wafer", "1"}});
-        const int dieB = writer.findOrAddDie({{"lot", "B"}});
+        const int dieA = writer.findOrAddDie({.lot = "A", .wafer = "1"});
+        const int dieB = writer.findOrAddDie({.lot = "B"});
         const int n2 = writer.findOrAddDevice(
-            dieA, {{"name", "n2"}},
+            dieA, {.name = "n2"},
             {number_key("W", 1e-5, "PHYSICAL"), number_key("vth", 0.5, "NODE")});
         writer.findOrAddDevice(
-            dieB, {{"name", "d3"}}, {text_key("process", "back\\slash", "TECHNOLOGY")});
+            dieB, {.name = "d3"}, {text_key("process", "back\\slash", "TECHNOLOGY")});
         writer.findOrAddDevice(
-            dieB, {{"name", "lonely"}}, {number_key("W", 1.3000000000000003e-07, "PHYSICAL")});
+            dieB, {.name = "lonely"}, {number_key("W", 1.3000000000000003e-07, "PHYSICAL")});
         add_setup(
             writer, n1, 25, {number_key("vth", 0.4)},
             {input(sweep("VG", {0, 1, 2})), sweep("ID", {1e-9, std::nan(""), 3e-6})});

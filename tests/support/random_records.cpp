@@ -52,6 +52,16 @@ std::string identity_of(const dbif::FixedTexts& texts, const std::vector<dbif::K
     return text + "\n";
 }
 
+template <typename Fields>
+Fields fields_of(const dbif::FixedTexts& texts)
+{
+    Fields fields;
+    for (const auto& [column, text] : texts) {
+        EXPECT_TRUE(dbif::set_field(column, text, &fields)) << column;
+    }
+    return fields;
+}
+
 int id_of(const ModelRecord* record)
 {
     return record == nullptr ? 0 : record->id;
@@ -107,8 +117,9 @@ void RandomRecords::import()
     newSetups_.clear();
     const dbif::FixedTexts texts = fixedTexts(CatalogEntry);
     const Keys values = keys(CatalogEntry);
-    const ModelRecord& catalog =
-        note(CatalogEntry, writer.addCatalogEntry(texts, values), {}, texts, values);
+    const ModelRecord& catalog = note(
+        CatalogEntry, writer.addCatalogEntry(fields_of<dbif::CatalogEntryFields>(texts), values),
+        {}, texts, values);
     for (std::size_t i = 1 + dice_.below(4); i > 0; --i) {
         const ModelRecord* device = dice_.chance(10) ? nullptr : addDevice(writer);
         for (std::size_t m = dice_.below(3); m > 0; --m) {
@@ -187,7 +198,7 @@ const ModelRecord* RandomRecords::addDevice(dbif::RecordWriter& writer)
     const ModelRecord* die = nullptr;
     if (dice_.chance(80)) {
         const dbif::FixedTexts texts = fixedTexts(Die);
-        die = &note(Die, writer.findOrAddDie(texts), {}, texts);
+        die = &note(Die, writer.findOrAddDie(fields_of<dbif::DieFields>(texts)), {}, texts);
     }
     const dbif::FixedTexts texts = fixedTexts(Device);
     const std::string identity = std::to_string(id_of(die)) + identity_of(texts, {});
@@ -198,8 +209,9 @@ const ModelRecord* RandomRecords::addDevice(dbif::RecordWriter& writer)
         }
     }
     const Keys values = keys(Device, stored);
-    ModelRecord& device =
-        note(Device, writer.findOrAddDevice(id_of(die), texts, values), {die}, texts, values);
+    ModelRecord& device = note(
+        Device, writer.findOrAddDevice(id_of(die), fields_of<dbif::DeviceFields>(texts), values),
+        {die}, texts, values);
     EXPECT_EQ(device.identity, stored.empty() ? "" : identity) << "found another device";
     device.identity = identity;
     return &device;
@@ -213,7 +225,8 @@ void RandomRecords::addMeasurement(
     const ModelRecord* routine = nullptr;
     if (dice_.chance(60)) {
         const dbif::FixedTexts texts = fixedTexts(Routine);
-        routine = &note(Routine, writer.findOrAddRoutine(texts), {}, texts);
+        routine = &note(
+            Routine, writer.findOrAddRoutine(fields_of<dbif::RoutineFields>(texts)), {}, texts);
     }
     dbif::MeasurementRecord row{id_of(catalog), id_of(device), id_of(routine), {}, {}};
     row.keys = keys(Measurement);
@@ -241,8 +254,9 @@ void RandomRecords::addCondition(dbif::RecordWriter& writer, const ModelRecord& 
     const dbif::FixedTexts texts = fixedTexts(MeasurementCondition);
     const Keys values = keys(MeasurementCondition);
     ModelRecord& condition = note(
-        MeasurementCondition, writer.addCondition(measurement.id, texts, values), {&measurement},
-        texts, values);
+        MeasurementCondition,
+        writer.addCondition(measurement.id, fields_of<dbif::ConditionFields>(texts), values),
+        {&measurement}, texts, values);
     condition.identity = measurement.identity + "\n" + identity_of(texts, values);
     for (std::size_t i = dice_.below(3); i > 0; --i) {
         addSetup(writer, condition);
@@ -252,6 +266,7 @@ void RandomRecords::addCondition(dbif::RecordWriter& writer, const ModelRecord& 
 void RandomRecords::addSetup(dbif::RecordWriter& writer, const ModelRecord& condition)
 {
     const dbif::FixedTexts texts = fixedTexts(Setup);
+    const auto fields = fields_of<dbif::SetupFields>(texts);
     const std::size_t points = dice_.below(dice_.chance(20) ? 21 : 5);
     std::vector<dbif::SetupColumn> sweep;
     std::map<std::string, std::vector<ModelCell>> cells;
@@ -262,11 +277,11 @@ void RandomRecords::addSetup(dbif::RecordWriter& writer, const ModelRecord& cond
     }
     const std::string identity = condition.identity + identity_of(texts, {});
     if (!newSetups_.insert(identity).second) {
-        EXPECT_THROW(writer.addSetup(condition.id, texts, sweep, "again"), DBIF_Exception);
+        EXPECT_THROW(writer.addSetup(condition.id, fields, sweep, "again"), DBIF_Exception);
         return;
     }
     ModelRecord& setup =
-        note(Setup, writer.addSetup(condition.id, texts, sweep, "setup"), {&condition}, texts);
+        note(Setup, writer.addSetup(condition.id, fields, sweep, "setup"), {&condition}, texts);
     setup.identity = identity;
     setup.points = sweep.empty() ? 0 : points;
     setup.sweeps = cells;

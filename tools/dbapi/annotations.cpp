@@ -16,9 +16,34 @@ namespace dbapi::tool {
 namespace {
 constexpr const char* kDataOrigin = "DataOrigin";
 
-RecordParts& parts_of(Annotations& annotations, const std::string& table)
+/// Calls `use` with what is said of the table's record, except a measurement, which has no fixed
+/// texts.
+template <typename Use>
+void with_parts(Annotations& annotations, dbif::RecordTable table, const Use& use)
 {
-    return annotations.of(dbif::find_table(table)->table);
+    switch (table) {
+    case dbif::RecordTable::CatalogEntry:
+        return use(annotations.catalogEntry);
+    case dbif::RecordTable::Routine:
+        return use(annotations.routine);
+    case dbif::RecordTable::Die:
+        return use(annotations.die);
+    case dbif::RecordTable::Device:
+        return use(annotations.device);
+    case dbif::RecordTable::MeasurementCondition:
+        return use(annotations.condition);
+    case dbif::RecordTable::Setup:
+        return use(annotations.setup);
+    case dbif::RecordTable::Measurement:
+        break;
+    }
+}
+
+std::vector<dbif::KeyValue>& keys_of(Annotations& annotations, dbif::RecordTable table)
+{
+    std::vector<dbif::KeyValue>* keys = &annotations.measurementKeys;
+    with_parts(annotations, table, [&keys](auto& parts) { keys = &parts.keys; });
+    return *keys;
 }
 
 /// Whether the database gives the column its value.
@@ -142,7 +167,9 @@ void AnnotationReader::addBuiltin(
         return;
     }
     if (table != "measurement") {
-        parts_of(read_, table).columns[column] = value;
+        with_parts(read_, dbif::find_table(table)->table, [&](auto& parts) {
+            dbif::set_field(column, value, &parts.fields);
+        });
         return;
     }
     dbif::KeyValue temperature;
@@ -199,7 +226,7 @@ void AnnotationReader::addKeyValue(
     }
     std::string reason;
     if (set_key_value(value, &key, &reason)) {
-        parts_of(read_, table).keys.push_back(std::move(key));
+        keys_of(read_, dbif::find_table(table)->table).push_back(std::move(key));
     } else {
         faults_->add(line, shown + ": " + reason);
     }
@@ -221,9 +248,10 @@ bool AnnotationReader::isFirst(
 
 Annotations AnnotationReader::take()
 {
-    for (const dbif::KeyValue& key : read_.of(dbif::RecordTable::Measurement).keys) {
-        if (key.name == kDataOrigin && key.kind == dbif::ValueKind::Text) {
-            read_.of(dbif::RecordTable::Setup).columns.emplace("data_origin", key.text);
+    for (const dbif::KeyValue& key : read_.measurementKeys) {
+        std::optional<std::string>& origin = read_.setup.fields.data_origin;
+        if (key.name == kDataOrigin && key.kind == dbif::ValueKind::Text && !origin.has_value()) {
+            origin = key.text;
         }
     }
     return std::move(read_);

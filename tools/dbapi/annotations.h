@@ -1,11 +1,9 @@
 #pragma once
 
 #include "dbif/record_writer.h"
-#include "dbif/schema_names.h"
 
 #include "tools/dbapi/file_faults.h"
 
-#include <array>
 #include <cstddef>
 #include <map>
 #include <optional>
@@ -14,12 +12,13 @@
 
 namespace dbapi::tool {
 /// What the file says of one record.
+template <typename Fields>
 struct RecordParts
 {
-    dbif::FixedTexts columns;
+    Fields fields;
     std::vector<dbif::KeyValue> keys;
 
-    [[nodiscard]] bool isEmpty() const { return columns.empty() && keys.empty(); }
+    [[nodiscard]] bool isEmpty() const { return fields == Fields() && keys.empty(); }
 
     bool operator==(const RecordParts& other) const = default;
 };
@@ -27,18 +26,14 @@ struct RecordParts
 /// The records that a sweep belongs to, as the lines "# KEYWORD = VALUE" of its file tell them.
 struct Annotations
 {
-    std::array<RecordParts, dbif::kRecordTables.size()> records;
+    RecordParts<dbif::CatalogEntryFields> catalogEntry;
+    RecordParts<dbif::RoutineFields> routine;
+    RecordParts<dbif::DieFields> die;
+    RecordParts<dbif::DeviceFields> device;
     std::optional<double> temperature;
-
-    [[nodiscard]] RecordParts& of(dbif::RecordTable table)
-    {
-        return records.at(static_cast<std::size_t>(table));
-    }
-
-    [[nodiscard]] const RecordParts& of(dbif::RecordTable table) const
-    {
-        return records.at(static_cast<std::size_t>(table));
-    }
+    std::vector<dbif::KeyValue> measurementKeys;
+    RecordParts<dbif::ConditionFields> condition;
+    RecordParts<dbif::SetupFields> setup;
 };
 
 /// Reads the annotation lines of one file.

@@ -16,17 +16,17 @@
 
 namespace dbapi::tool {
 namespace {
-using dbif::RecordTable;
+using CatalogEntryParts = RecordParts<dbif::CatalogEntryFields>;
 
 /// What the files of an import must agree in: keyword to value.
-std::map<std::string, std::string> catalogue_texts(const RecordParts& entry)
+std::map<std::string, std::string> catalogue_texts(const CatalogEntryParts& entry)
 {
     std::map<std::string, std::string> texts;
-    for (const auto& [column, text] : entry.columns) {
+    dbif::for_each_field(entry.fields, [&texts](std::string_view column, const std::string& text) {
         std::string keyword;
-        dbapi_convert_keyword_to_builtin_keyname("catalog_entry." + column, &keyword);
+        dbapi_convert_keyword_to_builtin_keyname("catalog_entry." + std::string(column), &keyword);
         texts[keyword] = text;
-    }
+    });
     for (const dbif::KeyValue& key : entry.keys) {
         const bool isNumber = key.kind == dbif::ValueKind::Double;
         const std::string datatype = dbif::to_utf8(dbif::datatype_name(key.kind));
@@ -37,12 +37,13 @@ std::map<std::string, std::string> catalogue_texts(const RecordParts& entry)
 }
 
 /// A record that the last file named; the next one often names it again.
+template <typename Fields>
 struct SharedRecord
 {
-    RecordParts parts;
+    RecordParts<Fields> parts;
     std::optional<int> id;
 
-    [[nodiscard]] bool is(const RecordParts& named) const
+    [[nodiscard]] bool is(const RecordParts<Fields>& named) const
     {
         return id.has_value() && parts == named;
     }
@@ -70,11 +71,11 @@ private:
     std::optional<dbif::RecordWriter> writer_;
     int catalogEntry_ = 0;
     /// What the catalogue entry is, and the file that said so.
-    std::optional<RecordParts> catalogue_;
+    std::optional<CatalogEntryParts> catalogue_;
     std::string catalogueFile_;
-    SharedRecord lastDie_;
-    SharedRecord lastDevice_;
-    SharedRecord lastRoutine_;
+    SharedRecord<dbif::DieFields> lastDie_;
+    SharedRecord<dbif::DeviceFields> lastDevice_;
+    SharedRecord<dbif::RoutineFields> lastRoutine_;
     std::set<int> devices_;
     ImportResult result_;
 };
@@ -113,7 +114,7 @@ void Import::storeUnlessRefused(const std::string& file, const ReadSweep& sweep)
 
 bool Import::isOneEntry(const std::string& file, const Annotations& annotations)
 {
-    const RecordParts& entry = annotations.of(RecordTable::CatalogEntry);
+    const CatalogEntryParts& entry = annotations.catalogEntry;
     if (!catalogue_.has_value()) {
         catalogue_ = entry;
         catalogueFile_ = file;
@@ -156,18 +157,18 @@ void Import::addFault(const std::string& file, std::size_t line, const std::stri
 
 int Import::deviceOf(const Annotations& annotations)
 {
-    const RecordParts& die = annotations.of(RecordTable::Die);
-    const RecordParts& device = annotations.of(RecordTable::Device);
+    const RecordParts<dbif::DieFields>& die = annotations.die;
+    const RecordParts<dbif::DeviceFields>& device = annotations.device;
     if (!lastDie_.is(die)) {
         lastDevice_.id.reset();
-        lastDie_.id = die.isEmpty() ? 0 : writer_->findOrAddDie(die.columns);
+        lastDie_.id = die.isEmpty() ? 0 : writer_->findOrAddDie(die.fields);
         lastDie_.parts = die;
     }
     if (*lastDie_.id == 0 && device.isEmpty()) {
         return 0;
     }
     if (!lastDevice_.is(device)) {
-        lastDevice_.id = writer_->findOrAddDevice(*lastDie_.id, device.columns, device.keys);
+        lastDevice_.id = writer_->findOrAddDevice(*lastDie_.id, device.fields, device.keys);
         lastDevice_.parts = device;
         devices_.insert(*lastDevice_.id);
     }
@@ -176,9 +177,9 @@ int Import::deviceOf(const Annotations& annotations)
 
 int Import::routineOf(const Annotations& annotations)
 {
-    const RecordParts& routine = annotations.of(RecordTable::Routine);
+    const RecordParts<dbif::RoutineFields>& routine = annotations.routine;
     if (!lastRoutine_.is(routine)) {
-        lastRoutine_.id = routine.isEmpty() ? 0 : writer_->findOrAddRoutine(routine.columns);
+        lastRoutine_.id = routine.isEmpty() ? 0 : writer_->findOrAddRoutine(routine.fields);
         lastRoutine_.parts = routine;
     }
     return *lastRoutine_.id;
@@ -188,20 +189,19 @@ void Import::store(const std::string& file, const ReadSweep& sweep)
 {
     const Annotations& annotations = sweep.csv.annotations;
     if (catalogEntry_ == 0) {
-        const RecordParts& entry = annotations.of(RecordTable::CatalogEntry);
-        catalogEntry_ = writer_->addCatalogEntry(entry.columns, entry.keys);
+        const CatalogEntryParts& entry = annotations.catalogEntry;
+        catalogEntry_ = writer_->addCatalogEntry(entry.fields, entry.keys);
     }
     dbif::MeasurementRecord measurement;
     measurement.catalogEntry = catalogEntry_;
     measurement.device = deviceOf(annotations);
     measurement.routine = routineOf(annotations);
     measurement.temperature = annotations.temperature;
-    measurement.keys = annotations.of(RecordTable::Measurement).keys;
-    const RecordParts& condition = annotations.of(RecordTable::MeasurementCondition);
-    const int conditionId = writer_->addCondition(
-        writer_->addMeasurement(measurement), condition.columns, condition.keys);
-    writer_->addPackedSetup(
-        conditionId, annotations.of(RecordTable::Setup).columns, sweep.columns, file);
+    measurement.keys = annotations.measurementKeys;
+    const int condition = writer_->addCondition(
+        writer_->addMeasurement(measurement), annotations.condition.fields,
+        annotations.condition.keys);
+    writer_->addPackedSetup(condition, annotations.setup.fields, sweep.columns, file);
     ++result_.setups;
     result_.points += sweep.csv.points;
 }
