@@ -83,7 +83,21 @@ public:
 
     long long integer(int column) override { return sqlite3_column_int64(statement_, column); }
 
-    double number(int column) override { return sqlite3_column_double(statement_, column); }
+    double number(int column) override
+    {
+        // SQLite stores a text in a column of numbers as it is, and would read it as 0.
+        const int type = sqlite3_column_type(statement_, column);
+        if (type == SQLITE_TEXT || type == SQLITE_BLOB) {
+            throw_error(
+                "The database is damaged: its column \"" +
+                    std::string(sqlite3_column_name(statement_, column)) + "\" holds \"" +
+                    std::string(text(column)) +
+                    "\" where a number belongs. Restore the database from a backup, or import the "
+                    "data again.",
+                __FILE__, __LINE__);
+        }
+        return sqlite3_column_double(statement_, column);
+    }
 
     std::string_view text(int column) override
     {

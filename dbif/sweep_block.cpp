@@ -1,5 +1,6 @@
 #include "dbif/sweep_block.h"
 
+#include "dbif/exception.h"
 #include "dbif/sweep_packing.h"
 
 #include <algorithm>
@@ -26,9 +27,16 @@ void SweepBlock::begin(std::span<const int> setups, std::size_t first)
     }
 }
 
-void SweepBlock::note(std::size_t place, int key, std::size_t points)
+void SweepBlock::note(std::size_t place, int key, long long points)
 {
-    points_[place] = std::max(points_[place], points);
+    if (points < 0) {
+        throw_error(
+            "Setup " + std::to_string(setups_[place]) + " is damaged (it has " +
+                std::to_string(points) +
+                " points). Restore the database from a backup, or import the data again.",
+            __FILE__, __LINE__);
+    }
+    points_[place] = std::max(points_[place], static_cast<std::size_t>(points));
     for (std::size_t column = 0; column < columns_.size(); ++column) {
         if (columns_[column].id == key) {
             slices_[place * columns_.size() + column].array = &stored_[column].array;
@@ -40,10 +48,20 @@ std::span<const int> SweepBlock::limitPoints(std::size_t points)
 {
     std::size_t count = 0;
     for (std::size_t sum = 0; count < setups_.size() && sum < points; ++count) {
-        sum += points_[count];
+        sum += this->points(count).count;
     }
     setups_ = setups_.first(count);
     return setups_;
+}
+
+SweepPoints SweepBlock::points(std::size_t place) const
+{
+    const std::span<const SweepSlice> columns(
+        slices_.data() + place * columns_.size(), columns_.size());
+    const bool hasColumn = std::any_of(
+        columns.begin(), columns.end(), [](const SweepSlice& slice) { return slice.isPresent(); });
+    const std::size_t count = points_[place];
+    return {first_ + place, hasColumn ? count : std::min<std::size_t>(count, 1), columns};
 }
 
 void SweepBlock::store(std::size_t place, std::size_t column, std::string_view chunk)

@@ -32,8 +32,9 @@ public:
     /// first of them among all that are read. The ids must outlive the block.
     void begin(std::span<const int> setups, std::size_t first);
 
-    /// A setup has the key of that id, and so many points.
-    void note(std::size_t place, int key, std::size_t points);
+    /// A setup has the key of that id, and so many points. Throws `DBIF_Exception` naming the setup
+    /// when there cannot be so many.
+    void note(std::size_t place, int key, long long points);
 
     /// Leaves out setups at the end, so that those before them have about so many points; one
     /// stays at least. Returns those that are left.
@@ -53,13 +54,9 @@ public:
 
     [[nodiscard]] std::size_t size() const { return setups_.size(); }
 
-    [[nodiscard]] SweepPoints points(std::size_t place) const
-    {
-        return {
-            first_ + place,
-            points_[place],
-            {slices_.data() + place * columns_.size(), columns_.size()}};
-    }
+    /// The points of a setup. One that has none of the columns counts as one point, as all of
+    /// them are alike.
+    [[nodiscard]] SweepPoints points(std::size_t place) const;
 
 private:
     /// Of a chunk: whose it is, and how many bytes it takes.

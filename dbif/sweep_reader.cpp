@@ -90,7 +90,7 @@ private:
         while (cursor.next()) {
             const std::size_t place = finder.find(cursor.integer(0));
             if (place != kAbsent) {
-                block->note(place, cursor.integer(1), static_cast<std::size_t>(cursor.integer(2)));
+                block->note(place, cursor.integer(1), cursor.integer(2));
             }
         }
     }

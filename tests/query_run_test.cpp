@@ -131,8 +131,36 @@ TEST_P(ManyRecords, AreReadFromOneState)
     EXPECT_EQ(rows({{"device", "id"}}, DBIF_TrueCondition()), before);
 }
 
+TEST_P(ManyRecords, DoNotTrustTheNumberOfTheirPoints)
+{
+    database.write([](dbif::RecordWriter& writer) {
+        const int device = writer.findOrAddDevice(0, {.name = "other"});
+        const int measurement = writer.addMeasurement({0, device, 0, 25, {}});
+        writer.addSetup(writer.addCondition(measurement, {}), {}, {sweep("x", {1})}, "");
+    });
+    const auto isFirst = DBIF_Device::NAME.singleColumnCondition(EQUAL, QStringLiteral("d1"));
+    const auto hasX = point("x", EQUAL, 1);
+    const DBIF_CompoundQueryCondition either(&hasX, OR, &isFirst);
+    const auto found = [&] {
+        return dbif::matching_ids(database.connection, dbif::RecordTable::Device, &either, false);
+    };
+    // The setup has no point of the key, and all its points are alike.
+    database.execute("UPDATE setup_association SET points = 2000000000 WHERE setup_id = 1");
+    EXPECT_EQ(found(), (std::vector<int>{1, kDevices + 1}));
+    database.execute("UPDATE setup_association SET points = -1 WHERE setup_id = 1");
+    EXPECT_THAT(thrown_by(found), HasSubstr("Setup 1 is damaged (it has -1 points)."));
+}
+
 TEST_P(ManyRecords, SayWhichKeyIsDamaged)
 {
+    if (GetParam() == Engine::Sqlite) {
+        database.execute("UPDATE device_data SET number = 'abc' WHERE device_id = 9");
+        EXPECT_THAT(
+            thrown_by([this] {
+                return rows({{"device_data", "ID|DOUBLE|W"}}, DBIF_TrueCondition());
+            }),
+            HasSubstr("its column \"number\" holds \"abc\" where a number belongs."));
+    }
     database.execute(
         "UPDATE setup_data SET payload = X'00' WHERE setup_id = 7 AND setup_column_id = 2");
     EXPECT_THAT(
