@@ -7,6 +7,7 @@
 #include <QSqlQuery>
 #include <QVariant>
 
+#include <algorithm>
 #include <chrono>
 #include <set>
 #include <thread>
@@ -268,6 +269,21 @@ void refuse(const std::string& reason)
     throw_error("The database \"" + reason, __FILE__, __LINE__, QSqlError::ConnectionError);
 }
 
+/// Whether one of the record tables among `tables` has a row.
+bool has_records(QSqlDatabase& database, const std::set<std::string>& tables)
+{
+    return std::any_of(kRecordTables.begin(), kRecordTables.end(), [&](RecordTable table) {
+        const std::string name(facts(table).name);
+        if (!tables.contains(name)) {
+            return false;
+        }
+        QSqlQuery query(database);
+        SqlText sql;
+        run(query, sql << "SELECT 1 FROM " << SqlName(name) << " LIMIT 1");
+        return query.next();
+    });
+}
+
 void check_version(const SchemaState& state, const std::string& name)
 {
     if (state.version > kSchemaVersion) {
@@ -291,9 +307,14 @@ SchemaState schema_state(QSqlDatabase& database, const SqlDialect& dialect)
     QSqlQuery query(database);
     run(query, SqlText("SELECT schema_version FROM database_info WHERE id = 1"));
     if (!query.next()) {
-        return {SchemaState::Kind::Incomplete};
+        return {
+            has_records(database, tables) ? SchemaState::Kind::Damaged
+                                          : SchemaState::Kind::Incomplete};
     }
-    return {SchemaState::Kind::Complete, query.value(0).toInt()};
+    bool isNumber = false;
+    const int version = query.value(0).toInt(&isNumber);
+    return isNumber && version >= 1 ? SchemaState{SchemaState::Kind::Complete, version}
+                                    : SchemaState{SchemaState::Kind::Damaged};
 }
 
 void initialize_schema(QSqlDatabase& database, const SqlDialect& dialect)
@@ -316,6 +337,11 @@ void initialize_schema(QSqlDatabase& database, const SqlDialect& dialect)
         refuse(
             name +
             "\" holds an incomplete measurement schema: its creation was interrupted. Remove it and create it again.");
+        break;
+    case SchemaState::Kind::Damaged:
+        refuse(
+            name + "\" is damaged: its table \"database_info\" does not tell the version of the "
+                   "schema. Make a backup of it as it is, then restore it from an earlier one.");
         break;
     case SchemaState::Kind::Complete:
         check_version(state, name);

@@ -15,6 +15,7 @@ struct SchemaState
         Empty,      ///< no tables
         Foreign,    ///< tables, but not these
         Incomplete, ///< its creation was interrupted
+        Damaged,    ///< records, but no version of their schema that could be read
         Complete
     };
     Kind kind = Kind::Empty;

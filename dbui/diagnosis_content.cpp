@@ -57,6 +57,13 @@ bool diagnose_schema(DBIF_Connection& connection, DiagnosisReport* report)
             Layer::Schema, "the measurement tables are incomplete: their creation was interrupted",
             "Remove the database and create it again; it holds no data yet.");
         break;
+    case Kind::Damaged:
+        report->fail(
+            Layer::Schema,
+            "the database is damaged: its table \"database_info\" does not tell the version of the "
+            "schema",
+            "Make a backup of it as it is, then restore it from an earlier one.");
+        break;
     case Kind::Complete:
         diagnose_version(state.version, report);
     }

@@ -94,8 +94,18 @@ TEST_P(Schema, RefusesWhatItDidNotWrite)
         refusal(),
         HasSubstr(
             "was written by a newer version of this program: its schema has version 2, and this program reads versions up to 1."));
+    for (const char* version : {"0", "-1"}) {
+        database.execute(std::string("UPDATE database_info SET schema_version = ") + version);
+        EXPECT_THAT(refusal(), HasSubstr("does not tell the version of the schema. Make a backup"));
+    }
+    if (GetParam() == Engine::Sqlite) {
+        database.execute("UPDATE database_info SET schema_version = 'abc'");
+        EXPECT_THAT(refusal(), HasSubstr("does not tell the version of the schema."));
+    }
     database.execute("DELETE FROM database_info");
     EXPECT_THAT(refusal(), HasSubstr("\" holds an incomplete measurement schema"));
+    database.execute("INSERT INTO die (id, lot) VALUES (1, 'A')");
+    EXPECT_THAT(refusal(), HasSubstr("is damaged: its table \"database_info\""));
 }
 
 INSTANTIATE_ON_ENGINES(Schema);
