@@ -1,6 +1,8 @@
 #include "dbif/condition_simplification.h"
 
+#include <algorithm>
 #include <map>
+#include <span>
 #include <tuple>
 
 namespace dbif {
@@ -19,24 +21,73 @@ bool is_always_true(const ColumnComparison& comparison, RecordTable base)
            comparison.comparator == NOT_NULL;
 }
 
-/// The comparison for both ranges. Its comparator is one that compares with ranges.
-ColumnComparison intersected(const ColumnComparison& a, const ColumnComparison& b)
+/// Whether comparisons with these texts, joined by that kind, are one comparison with a list.
+bool compares_list(const ConditionTree& part, Kind kind)
 {
-    ColumnComparison both = a.comparator == NOT_NULL ? b : a;
-    if (a.comparator != NOT_NULL && b.comparator != NOT_NULL) {
-        both.comparator = IN;
-        both.ranges = intersection(a.ranges, b.ranges);
+    if (part.kind() != Kind::Comparison || part.comparison().holdsNumbers ||
+        part.comparison().idSelect.has_value()) {
+        return false;
     }
-    return both;
+    const Comparator comparator = part.comparison().comparator;
+    return kind == Kind::Or ? comparator == EQUAL || comparator == IN
+                            : comparator == NOT_EQUAL || comparator == NOT_IN;
 }
 
-ConditionTree with_one_comparison_each(const std::vector<ConditionTree>& operands)
+/// Half by half, so that many ranges are not walked again for each of them.
+NumberRanges intersected(std::span<const NumberRanges> parts)
+{
+    if (parts.size() == 1) {
+        return parts.front();
+    }
+    const std::size_t half = parts.size() / 2;
+    return intersection(intersected(parts.first(half)), intersected(parts.subspan(half)));
+}
+
+using Group = std::vector<const ColumnComparison*>;
+
+/// One comparison for all, whose comparator is one that compares with ranges.
+ColumnComparison joined_ranges(const Group& group, Kind kind)
+{
+    std::vector<NumberRanges> ranges;
+    ColumnComparison joined = *group.front();
+    joined.comparator = IN;
+    for (const ColumnComparison* comparison : group) {
+        if (comparison->comparator != NOT_NULL) {
+            ranges.push_back(
+                kind == Kind::And ? comparison->ranges : complement(comparison->ranges));
+        } else if (kind == Kind::Or) {
+            return *comparison;
+        }
+    }
+    if (ranges.empty()) {
+        return *group.front();
+    }
+    joined.ranges = kind == Kind::And ? intersected(ranges) : complement(intersected(ranges));
+    return joined;
+}
+
+ColumnComparison joined_texts(const Group& group, Kind kind)
+{
+    ColumnComparison joined = *group.front();
+    joined.comparator = kind == Kind::Or ? IN : NOT_IN;
+    joined.texts.clear();
+    for (const ColumnComparison* comparison : group) {
+        joined.texts.insert(joined.texts.end(), comparison->texts.begin(), comparison->texts.end());
+    }
+    std::sort(joined.texts.begin(), joined.texts.end());
+    joined.texts.erase(std::unique(joined.texts.begin(), joined.texts.end()), joined.texts.end());
+    return joined;
+}
+
+ConditionTree with_one_comparison_each(Kind kind, const std::vector<ConditionTree>& operands)
 {
     std::map<std::tuple<RecordTable, bool, std::string>, std::size_t> placeOf;
     std::vector<ConditionTree> parts;
+    std::vector<Group> groups;
     for (const ConditionTree& operand : operands) {
-        if (!compares_ranges(operand)) {
+        if (!compares_ranges(operand) && !compares_list(operand, kind)) {
             parts.push_back(operand);
+            groups.emplace_back();
             continue;
         }
         const ColumnComparison& comparison = operand.comparison();
@@ -44,12 +95,18 @@ ConditionTree with_one_comparison_each(const std::vector<ConditionTree>& operand
             std::tuple(comparison.table, comparison.isKey, comparison.column), parts.size());
         if (isNew) {
             parts.push_back(operand);
-        } else {
-            ConditionTree& earlier = parts[place->second];
-            earlier = ConditionTree::comparison(intersected(earlier.comparison(), comparison));
+            groups.emplace_back();
+        }
+        groups[place->second].push_back(&comparison);
+    }
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        if (groups[i].size() > 1) {
+            const bool isOfNumbers = groups[i].front()->holdsNumbers;
+            parts[i] = ConditionTree::comparison(
+                isOfNumbers ? joined_ranges(groups[i], kind) : joined_texts(groups[i], kind));
         }
     }
-    return ConditionTree::joined(Kind::And, parts);
+    return ConditionTree::joined(kind, parts);
 }
 } // namespace
 
@@ -66,7 +123,6 @@ ConditionTree simplified(const ConditionTree& condition, RecordTable base)
     for (ConditionTree& operand : operands) {
         operand = simplified(operand, base);
     }
-    return condition.kind() == Kind::And ? with_one_comparison_each(operands)
-                                         : ConditionTree::joined(Kind::Or, operands);
+    return with_one_comparison_each(condition.kind(), operands);
 }
 } // namespace dbif

@@ -1,7 +1,9 @@
 #include "dbif/selected_setups.h"
 
 #include "dbif/bulk_cursor.h"
+#include "dbif/condition_simplification.h"
 #include "dbif/condition_sql.h"
+#include "dbif/exception.h"
 #include "dbif/id_list.h"
 #include "dbif/record_query.h"
 
@@ -10,6 +12,9 @@
 namespace dbif {
 namespace {
 using Kind = ConditionTree::Kind;
+
+/// SQLite gives a row 2,000 columns at most.
+constexpr std::size_t kMostFlags = 1900;
 
 /// The part of a condition that has to be decided on points; the rest is decided by SQL.
 ConditionTree point_part(const ConditionTree& condition)
@@ -135,7 +140,7 @@ SelectedSetups::SelectedSetups(
     const std::vector<KeyDefinition>& keys,
     const ConditionTree& condition,
     bool latestOnly)
-    : pointPart_(point_part(condition)), trace_(connection.trace())
+    : pointPart_(point_part(simplified(condition, RecordTable::Setup))), trace_(connection.trace())
 {
     const TraceStep step(trace_, "select the setups");
     select(connection, sources, selecting_condition(connection, keys, condition), latestOnly);
@@ -170,6 +175,14 @@ void SelectedSetups::select(
                      << " THEN 1 ELSE 0 END");
         }
     });
+    if (flags_.size() > kMostFlags) {
+        throw_error(
+            "The condition has " + std::to_string(flags_.size()) +
+                " different comparisons of records beside ones of points, and " +
+                std::to_string(kMostFlags) +
+                " is the most. Write the values of one keyword as a list, or ask in several queries.",
+            __FILE__, __LINE__);
+    }
     const RecordQuery query(connection, tables, condition, latestOnly);
     SqlText sql = query.select(expressions, false);
     sql << "\nORDER BY setup.id";
