@@ -24,8 +24,9 @@ bool is_worth_repeating(const DBIF_Connection& connection, const QSqlError& erro
 {
     const QSqlError& error = exception.error();
     const QString text =
-        QStringLiteral("%1 (tried %2 times; nothing is stored. Another program may be writing, or "
-                       "the server be away: try again later.)")
+        QStringLiteral(
+            "%1 (tried %2 times; these records are not stored. Another program may be writing, or "
+            "the server be away: try again later.)")
             .arg(error.databaseText().trimmed())
             .arg(kAttempts);
     throw DBIF_Exception(

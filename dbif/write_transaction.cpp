@@ -69,11 +69,15 @@ bool WriteTransaction::isStoredAfter(
     const std::string& table,
     int id)
 {
-    if (!connection_.dialect().isConnectionLost(failure.error()) || table.empty()) {
+    // What a file or a server refuses for such a reason is taken back. After any other error of a
+    // server, such as a line that broke in the middle of the answer, it may have been stored.
+    const SqlDialect& dialect = connection_.dialect();
+    if (!dialect.isServer() || dialect.isTransient(failure.error()) || table.empty()) {
         return false;
     }
     connection_.rollbackTransaction();
     isOpen_ = false;
+    ColumnStore::of(connection_).refresh();
     try {
         // No other transaction has our stamp.
         SqlText sql;

@@ -20,7 +20,7 @@ public:
     /// A time later than all that are stored, whatever the clock says, so that readers notice.
     [[nodiscard]] const std::string& stamp() const { return stamp_; }
 
-    /// Makes everything durable. When the connection is lost meanwhile, a record that
+    /// Makes everything durable. When a server fails meanwhile, a record that
     /// the transaction wrote with the stamp, of `stampedTable` (empty: none), tells whether all was
     /// stored or nothing; throws when it was not, or when the server cannot be asked.
     void commit(const std::string& stampedTable, int stampedId);

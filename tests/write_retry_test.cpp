@@ -41,7 +41,7 @@ TEST(WriteRetry, RepeatsOnlyWhatMaySucceedMariaDb)
     MeasurementDatabase database(Engine::MariaDb);
     std::string text;
     EXPECT_EQ(attempts(database.connection, "1213", &text), 5);
-    EXPECT_THAT(text, HasSubstr("conflict (tried 5 times; nothing is stored."));
+    EXPECT_THAT(text, HasSubstr("conflict (tried 5 times; these records are not stored."));
     EXPECT_EQ(attempts(database.connection, "1064", &text), 1);
     EXPECT_EQ(text, "conflict");
 }
