@@ -1,6 +1,7 @@
 #include "dbif/query.h"
 
 #include "dbif/host_string.h"
+#include "dbif/schema_names.h"
 #include "dbif/sql_text.h"
 
 #include <QStringList>
@@ -126,44 +127,62 @@ void DBIF_Query::preprocessQuery()
     for (const Column& column : std::as_const(data_->columns)) {
         tables.insert(column.table);
     }
+    QSet<QString> compared;
     if (data_->condition != nullptr) {
-        data_->condition->addTableToSet(tables);
+        data_->condition->addTableToSet(compared);
+    }
+    for (const QString& table : std::as_const(compared)) {
+        // A comparison of a key looks the key up for the record, whose own table has to be there.
+        const dbif::TableFacts* keyed = dbif::find_data_table(dbif::to_utf8(table));
+        tables.insert(keyed == nullptr ? table : dbif::to_qt(keyed->name));
     }
     data_->tables = tables;
     data_->joins.clear();
     data_->joinAlgorithm->computeJoins(*this);
 }
 
-QString DBIF_Query::generateSql(bool isOrdered)
+namespace {
+/// The SELECT statement without order and limit. `areCounted` gives each column a name of its own.
+QString select_of(const DBIF_Query::SharedData& data, bool areCounted)
 {
-    preprocessQuery();
     QStringList columns;
-    for (const Column& column : std::as_const(data_->columns)) {
+    for (const DBIF_Query::Column& column : data.columns) {
         columns << quoted_column(column.table, column.column);
+        if (areCounted) {
+            columns.back() += QStringLiteral(" AS column_%1").arg(columns.size());
+        }
     }
-    QSet<QString> unjoined = data_->tables;
+    QSet<QString> unjoined = data.tables;
     QString joins;
-    for (const Join& join : std::as_const(data_->joins)) {
+    for (const DBIF_Query::Join& join : data.joins) {
         unjoined.remove(join.table);
         joins +=
             QStringLiteral("\nLEFT JOIN ") + join.table + QStringLiteral(" ON ") + join.condition;
     }
     QStringList tables(unjoined.cbegin(), unjoined.cend());
     tables.sort();
-    QString sql =
-        (data_->distinct ? QStringLiteral("SELECT DISTINCT ") : QStringLiteral("SELECT ")) +
-        columns.join(QStringLiteral(", ")) + QStringLiteral("\nFROM ") +
-        tables.join(QStringLiteral(", ")) + joins;
-    if (data_->condition != nullptr) {
-        sql += QStringLiteral("\nWHERE ") +
-               data_->condition->generateSelectionCriteria(data_->connection);
+    QString sql = (data.distinct ? QStringLiteral("SELECT DISTINCT ") : QStringLiteral("SELECT ")) +
+                  columns.join(QStringLiteral(", ")) + QStringLiteral("\nFROM ") +
+                  tables.join(QStringLiteral(", ")) + joins;
+    if (data.condition != nullptr) {
+        sql +=
+            QStringLiteral("\nWHERE ") + data.condition->generateSelectionCriteria(data.connection);
     }
+    return sql;
+}
+} // namespace
+
+QString DBIF_Query::generateSql(bool isOrdered)
+{
+    preprocessQuery();
+    const QString sql = select_of(*data_, false);
     return isOrdered ? sql + generateOrder() + generateLimit() : sql;
 }
 
 QString DBIF_Query::generateCountSql()
 {
-    return QStringLiteral("SELECT count(*) FROM (") + generateSql(false) +
+    preprocessQuery();
+    return QStringLiteral("SELECT count(*) FROM (") + select_of(*data_, true) + generateLimit() +
            QStringLiteral(") AS counted");
 }
 

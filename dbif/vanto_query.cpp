@@ -7,6 +7,7 @@
 #include "dbif/record_query.h"
 #include "dbif/result_source.h"
 
+#include <functional>
 #include <utility>
 
 namespace {
@@ -37,18 +38,6 @@ dbif::SqlText expression_of(const dbif::ResultSource& source)
                << dbif::SqlName(f.columnLink()) << " = " << source.key.id << ")";
 }
 
-dbif::SqlText order_clause(DBIF_Connection& connection, const QList<DBIF_Query::Order>& orders)
-{
-    dbif::SqlText order;
-    for (const DBIF_Query::Order& by : orders) {
-        order << (order.isEmpty() ? dbif::SqlText("\nORDER BY ") : dbif::SqlText(", "))
-              << expression_of(dbif::find_source(connection, by.table, by.column))
-              << (by.direction == QStringLiteral("ASC") ? dbif::SqlText(" ASC")
-                                                        : dbif::SqlText(" DESC"));
-    }
-    return order;
-}
-
 QList<DBIF_DataType*> objects_of(const dbif::ResultColumn& column, const QString& datatype)
 {
     using Kind = dbif::ResultColumn::Kind;
@@ -76,43 +65,76 @@ void DBIF_VantoQuery::preprocessQuery()
     DBIF_Query::preprocessQuery();
 }
 
-QString DBIF_VantoQuery::generateSql(bool isOrdered)
+namespace {
+using NameOf = std::function<std::string(const DBIF_Query::Column&)>;
+
+/// The SELECT statement without order and limit; `nameOf` gives a column its name in the result,
+/// none when it is empty. Empty for a sub-select of ids that would select every record, where
+/// `mayBeEmpty`.
+dbif::SqlText select_of(const DBIF_Query::SharedData& data, const NameOf& nameOf, bool mayBeEmpty)
 {
-    preprocessQuery();
-    DBIF_Connection connection = data().connection;
+    DBIF_Connection connection = data.connection;
     std::vector<dbif::SqlText> expressions;
     std::vector<dbif::ResultSource> sources;
-    bool isSubSelect = data().columns.size() == 1;
-    for (const Column& column : data().columns) {
+    for (const DBIF_Query::Column& column : data.columns) {
         sources.push_back(dbif::find_source(connection, column.table, column.column));
         dbif::SqlText expression = expression_of(sources.back());
-        if (column.isNamedByTable) {
-            expression << " AS "
-                       << dbif::SqlName(
-                              dbif::to_utf8(column.table) + "_" + dbif::to_utf8(column.column));
+        const std::string name = nameOf(column);
+        if (!name.empty()) {
+            expression << " AS " << dbif::SqlName(name);
         }
-        isSubSelect = isSubSelect && column.isNamedByTable;
         expressions.push_back(std::move(expression));
     }
     dbif::TableSet tables = dbif::tables_of(sources);
-    for (const QString& added : data().addedTables) {
+    for (const QString& added : data.addedTables) {
         if (const dbif::TableFacts* found = dbif::find_table(dbif::to_utf8(added))) {
             tables.add(found->table);
         }
     }
-    const dbif::ConditionTree condition = data().condition == nullptr
+    const dbif::ConditionTree condition = data.condition == nullptr
                                               ? dbif::ConditionTree::constant(true)
-                                              : data().condition->tree(false);
-    const dbif::RecordQuery query(connection, tables, condition, data().latestOnly);
-    if (isSubSelect && query.selectsAll()) {
-        return {};
+                                              : data.condition->tree(false);
+    const dbif::RecordQuery query(connection, tables, condition, data.latestOnly);
+    return mayBeEmpty && query.selectsAll() ? dbif::SqlText()
+                                            : query.select(expressions, data.distinct);
+}
+} // namespace
+
+QString DBIF_VantoQuery::generateSql(bool isOrdered)
+{
+    preprocessQuery();
+    const QList<Column>& columns = data().columns;
+    const bool isSubSelect = columns.size() == 1 && columns.front().isNamedByTable;
+    const auto nameOf = [](const Column& column) {
+        return column.isNamedByTable
+                   ? dbif::to_utf8(column.table) + "_" + dbif::to_utf8(column.column)
+                   : std::string();
+    };
+    const QString sql = select_of(data(), nameOf, isSubSelect).toQt();
+    return isOrdered && !sql.isEmpty() ? sql + generateOrder() + generateLimit() : sql;
+}
+
+QString DBIF_VantoQuery::generateCountSql()
+{
+    preprocessQuery();
+    const auto nameOf = [place = 0](const Column& /*column*/) mutable {
+        return "column_" + std::to_string(++place);
+    };
+    return QStringLiteral("SELECT count(*) FROM (") + select_of(data(), nameOf, false).toQt() +
+           generateLimit() + QStringLiteral(") AS counted");
+}
+
+QString DBIF_VantoQuery::generateOrder()
+{
+    DBIF_Connection connection = data().connection;
+    dbif::SqlText order;
+    for (const Order& by : data().orders) {
+        order << (order.isEmpty() ? dbif::SqlText("\nORDER BY ") : dbif::SqlText(", "))
+              << expression_of(dbif::find_source(connection, by.table, by.column))
+              << (by.direction == QStringLiteral("ASC") ? dbif::SqlText(" ASC")
+                                                        : dbif::SqlText(" DESC"));
     }
-    dbif::SqlText sql = query.select(expressions, data().distinct);
-    if (!isOrdered) {
-        return sql.toQt();
-    }
-    sql << order_clause(connection, data().orders);
-    return sql.toQt() + generateLimit();
+    return order.toQt();
 }
 
 // NOLINTBEGIN(performance-unnecessary-value-param): a published signature

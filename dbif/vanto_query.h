@@ -19,6 +19,8 @@ public:
     explicit DBIF_VantoQuery(DBIF_Connection connection);
 
     [[nodiscard]] QString generateSql(bool isOrdered) override;
+    [[nodiscard]] QString generateCountSql() override;
+    [[nodiscard]] QString generateOrder() override;
     void preprocessQuery() override;
 
     void markAbstract() {}

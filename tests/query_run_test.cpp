@@ -117,6 +117,35 @@ TEST_P(ManyRecords, LeaveNoListBehindThatIsStillRead)
     }
 }
 
+TEST_P(ManyRecords, AreCountedAndOrderedBySqlToo)
+{
+    const auto key = DBIF_DeviceColumn::get(database.connection, QStringLiteral("ID|DOUBLE|W"));
+    const auto fewW = key->singleColumnCondition(LESS, QStringLiteral("4"));
+    DBIF_VantoQuery query(database.connection);
+    query.addColumn(QStringLiteral("device"), QStringLiteral("id"), true);
+    const auto counted = [this](DBIF_Query& of) {
+        return database.rows(dbif::to_utf8(of.generateCountSql()));
+    };
+    EXPECT_EQ(query.generateSql(false), QString());
+    EXPECT_EQ(counted(query), "1100;");
+    query.addColumn(QStringLiteral("setup"), QStringLiteral("id"), false);
+    query.setCondition(fewW);
+    EXPECT_EQ(counted(query), "3;");
+    query.setLimit(2);
+    EXPECT_EQ(counted(query), "2;");
+    query.addOrder(QStringLiteral("device_data"), QStringLiteral("ID|DOUBLE|W"), false);
+    EXPECT_EQ(
+        database.rows(dbif::to_utf8(
+            query.generateSql(false) + query.generateOrder() + query.generateLimit())),
+        "3|3;2|2;");
+
+    DBIF_Query plain(database.connection);
+    plain.addColumn(QStringLiteral("device"), QStringLiteral("id"), false);
+    plain.setCondition(fewW);
+    EXPECT_EQ(database.rows(dbif::to_utf8(plain.generateSql(false))), "1;2;3;");
+    EXPECT_EQ(counted(plain), "3;");
+}
+
 TEST_P(ManyRecords, AreReadFromOneState)
 {
     database.connection.beginTransaction();
