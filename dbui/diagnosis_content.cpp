@@ -86,11 +86,32 @@ std::vector<std::string> tables_to_read()
     return names;
 }
 
+/// The first fault that SQLite finds in the structure of a file, which single tables may hide by
+/// giving fewer rows; empty when there is none, and for a server.
+std::string fault_of_structure(DBIF_Connection& connection)
+{
+    if (connection.dialect().isServer()) {
+        return {};
+    }
+    QSqlQuery check =
+        connection.query(QStringLiteral("PRAGMA quick_check(1)"), 0, __FILE__, __LINE__);
+    const std::string found =
+        check.next() ? dbif::to_utf8(check.value(0).toString()) : std::string();
+    return found == "ok" ? std::string() : dbif::to_utf8(dbif::to_qt(found).simplified());
+}
+
 void diagnose_reading(
     DBIF_Connection& connection,
     const std::string& advice,
     DiagnosisReport* report)
 {
+    const std::string fault = fault_of_structure(connection);
+    if (!fault.empty()) {
+        report->fail(
+            Layer::Reading, "the file is damaged: " + fault,
+            "Make a backup of it as it is, then restore it from an earlier one.");
+        return;
+    }
     for (const std::string& name : tables_to_read()) {
         dbif::SqlText sql;
         connection.execute(

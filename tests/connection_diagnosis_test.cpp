@@ -105,6 +105,22 @@ TEST_F(ConnectionDiagnosis, FindsTheFaultOfAFile)
     EXPECT_EQ(diagnosis_of({"lab", "QSQLITE", "", "", "", "", ""}).substr(0, 8), "fsssssss");
 }
 
+TEST_F(ConnectionDiagnosis, FindsRowsThatGotLost)
+{
+    make_schema(record("torn"));
+    std::string bytes = content("torn");
+    constexpr std::size_t kPage = 4096;
+    constexpr char kRowsOfTable = 0x0D;
+    std::size_t page = kPage;
+    while (page + kPage < bytes.size() && !(bytes[page] == kRowsOfTable && bytes[page + 4] > 1)) {
+        page += kPage;
+    }
+    // One row less on the page; every statement still runs.
+    --bytes.at(page + 4);
+    test_support::write_file(folder.file("torn"), bytes);
+    EXPECT_NE(diagnosis_of(record("torn")).find("the file is damaged: "), std::string::npos);
+}
+
 TEST_F(ConnectionDiagnosis, TellsWhoMayOnlyRead)
 {
     namespace fs = std::filesystem;
