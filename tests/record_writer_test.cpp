@@ -8,7 +8,6 @@
 
 #include <ctime>
 #include <functional>
-#include <set>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -120,33 +119,6 @@ TEST_P(Writer, FindsRecordsByWhatTheyAre)
     };
     EXPECT_EQ(routine("d"), "nothing thrown");
     EXPECT_THAT(routine("e"), HasSubstr("is stored with definition \"d\", but here it has \"e\"."));
-}
-
-template <typename Fields>
-void expect_all_texts_of_table()
-{
-    std::set<std::string_view> names;
-    for (const auto& [name, member] : Fields::columns()) {
-        names.insert(name);
-    }
-    std::set<std::string_view> stored;
-    for (const dbif::FixedColumnFacts& column : dbif::facts(Fields::kTable).fixedColumns) {
-        if (column.kind == dbif::FixedKind::Text && column.name != "modified_time" &&
-            column.name != "user") {
-            stored.insert(column.name);
-        }
-    }
-    EXPECT_EQ(names, stored);
-}
-
-TEST(WriterFields, AreTheFixedTextsOfTheSchema)
-{
-    expect_all_texts_of_table<dbif::CatalogEntryFields>();
-    expect_all_texts_of_table<dbif::RoutineFields>();
-    expect_all_texts_of_table<dbif::DieFields>();
-    expect_all_texts_of_table<dbif::DeviceFields>();
-    expect_all_texts_of_table<dbif::ConditionFields>();
-    expect_all_texts_of_table<dbif::SetupFields>();
 }
 
 TEST_P(Writer, KnowsManyRecordsAsWellAsFew)
