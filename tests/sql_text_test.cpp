@@ -203,6 +203,23 @@ TEST_P(SqlTexts, TakeListsAndChainsOfAnyLength)
     }
 }
 
+TEST_P(SqlTexts, NameTheLimitOfAConditionInWords)
+{
+    database.write([](dbif::RecordWriter& writer) {
+        writer.findOrAddDevice(0, {}, {number_key("W", 1, "ID")});
+    });
+    const auto isOne = deviceKey("W", EQUAL, "1");
+    const auto isFirst = DBIF_Device::ID.singleColumnCondition(EQUAL, QStringLiteral("1"));
+    const DBIF_CompoundQueryCondition both(&isOne, AND, &isFirst);
+    DBIF_CompoundQueryCondition chain = both;
+    for (int i = 0; i < 15'000; ++i) {
+        chain = DBIF_CompoundQueryCondition(&chain, OR, &both);
+    }
+    EXPECT_THAT(
+        thrown_by([&] { devices(chain); }),
+        HasSubstr("The condition has 30002 comparisons, and 30000 is the most."));
+}
+
 TEST_P(SqlTexts, TakeConditionsWithinConditions)
 {
     database.write([](dbif::RecordWriter& writer) {
