@@ -167,14 +167,14 @@ TEST_P(Writer, SupersedesWhatIsTheSame)
         [](Sweep& s) { s.temperature.reset(); },
         [](Sweep& s) { s.measurementKeys.clear(); },
         [](Sweep& s) { s.measurementKeys[0].text = "SIMULATED"; },
-        [](Sweep& s) { s.condition.clear(); },
-        [](Sweep& s) { s.condition["name"] = ""; },
+        [](Sweep& s) { s.condition = {}; },
+        [](Sweep& s) { s.condition.name = ""; },
         [](Sweep& s) { s.conditionKeys[0].number = 2; },
         [](Sweep& s) { s.conditionKeys.clear(); },
         [](Sweep& s) { s.conditionKeys.push_back(text_key("vg", "1")); },
-        [](Sweep& s) { s.setups[0].clear(); },
+        [](Sweep& s) { s.setups[0] = {}; },
         [](Sweep& s) {
-            s.setups[0]["path"] = "p";
+            s.setups[0].path = "p";
         }};
     import({});
     for (const Change& change : others) {
@@ -186,7 +186,7 @@ TEST_P(Writer, SupersedesWhatIsTheSame)
     const int count = static_cast<int>(others.size()) + 1;
     const std::vector<Change> same{
         [](Sweep& s) { s.measurementKeys.push_back(number_key("gain", 1)); },
-        [](Sweep& s) { s.setups[0]["run_type"] = "r"; },
+        [](Sweep& s) { s.setups[0].run_type = "r"; },
         // Stored alike, so alike.
         [](Sweep& s) { s.conditionKeys.push_back(number_key("vg", std::nan(""))); },
         [](Sweep& s) {

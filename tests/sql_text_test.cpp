@@ -61,6 +61,11 @@ std::vector<std::string> odd_texts()
         longText + "y "};
 }
 
+bool is_key_name(const std::string& text)
+{
+    return dbif::trimmed(text) == text && text.front() != '$';
+}
+
 std::vector<int> numbered(std::size_t count)
 {
     std::vector<int> numbers(count);
@@ -97,7 +102,7 @@ TEST_P(SqlTexts, KeepTextsApartAndWhole)
         for (const std::string& text : texts) {
             const int die = writer.findOrAddDie({.lot = text});
             std::vector<dbif::KeyValue> keys{text_key("plain", text, "ID")};
-            if (dbif::trimmed(text) == text) {
+            if (is_key_name(text)) {
                 keys.push_back(text_key(text, "here", "ID"));
             }
             const int device = writer.findOrAddDevice(die, {.name = text}, keys);
@@ -130,7 +135,7 @@ TEST_P(SqlTexts, KeepTextsApartAndWhole)
                 "SELECT vanto_header FROM setup_association WHERE setup_id = " +
                 std::to_string(own.front())),
             text + ";");
-        if (dbif::trimmed(text) == text) {
+        if (is_key_name(text)) {
             EXPECT_EQ(devices(deviceKey(text, EQUAL, "here")), own);
         }
     }
@@ -196,6 +201,23 @@ TEST_P(SqlTexts, TakeListsAndChainsOfAnyLength)
             EXPECT_EQ(devices(negated), std::vector<int>());
         }
     }
+}
+
+TEST_P(SqlTexts, NameTheLimitOfAConditionInWords)
+{
+    database.write([](dbif::RecordWriter& writer) {
+        writer.findOrAddDevice(0, {}, {number_key("W", 1, "ID")});
+    });
+    const auto isOne = deviceKey("W", EQUAL, "1");
+    const auto isFirst = DBIF_Device::ID.singleColumnCondition(EQUAL, QStringLiteral("1"));
+    const DBIF_CompoundQueryCondition both(&isOne, AND, &isFirst);
+    DBIF_CompoundQueryCondition chain = both;
+    for (int i = 0; i < 15'000; ++i) {
+        chain = DBIF_CompoundQueryCondition(&chain, OR, &both);
+    }
+    EXPECT_THAT(
+        thrown_by([&] { devices(chain); }),
+        HasSubstr("The condition has 30002 comparisons, and 30000 is the most."));
 }
 
 TEST_P(SqlTexts, TakeConditionsWithinConditions)

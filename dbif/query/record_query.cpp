@@ -2,6 +2,7 @@
 
 #include "dbif/condition/condition_simplification.h"
 #include "dbif/condition/condition_sql.h"
+#include "dbif/host/exception.h"
 #include "dbif/query/driving_term.h"
 
 #include <algorithm>
@@ -63,6 +64,24 @@ TableSet tables_of(const ConditionTree& tree)
     return tables;
 }
 
+namespace {
+/// Engines give up at 65,535 references to one table, of which a comparison takes up to two.
+constexpr std::size_t kMostComparisons = 30'000;
+
+ConditionTree simplified_and_checked(const ConditionTree& condition, RecordTable base)
+{
+    ConditionTree result = simplified(condition, base);
+    if (result.size() > kMostComparisons) {
+        throw_error(
+            "The condition has " + std::to_string(result.size()) + " comparisons, and " +
+                std::to_string(kMostComparisons) +
+                " is the most. Write the values of one keyword as a list, or ask in several queries.",
+            __FILE__, __LINE__);
+    }
+    return result;
+}
+} // namespace
+
 RecordQuery::RecordQuery(
     DBIF_Connection connection,
     const TableSet& results,
@@ -74,7 +93,7 @@ RecordQuery::RecordQuery(
       base_(meeting_table(results)),
       aboveBase_(with_ancestors(base_)),
       condition_(with_driving_term(
-          simplified(condition, base_),
+          simplified_and_checked(condition, base_),
           base_,
           connection_,
           [this](const std::vector<ConditionTree>& alternatives) { return united(alternatives); }))

@@ -41,8 +41,9 @@ void check_name(const std::string& name, NewKeyNames names)
     }
     if (names == NewKeyNames::WithoutBuiltins && name.front() == '$') {
         throw_error(
-            what + " begins with \"$\", as only builtin keynames such as $LOT do, so that it could "
-                   "not be read. Choose another name.",
+            what +
+                " begins with \"$\", as only builtin keynames such as $LOT do, and would be taken "
+                "for one. Choose another name.",
             __FILE__, __LINE__);
     }
 }
