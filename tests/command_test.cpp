@@ -259,7 +259,7 @@ TEST_F(Command, PointsAtTheFault)
          "  device.length\n  ^^^^^^^^^^^^^\nDid you mean Key(length,measurement,DOUBLE)?\n"},
         {{"W"},
          "  W\n  ^\nDid you mean Key(W,catalog_entry,DOUBLE) or Key(W,device,DOUBLE,PHYSICAL)?\n"},
-        {{"Key(length"}, "  Key(length\n  ^^^^^^^^^^\n"},
+        {{"Key(length"}, "  Key(length\n            ^\n"},
         {{"$dataorigin"}, "  $dataorigin\n  ^^^^^^^^^^^\nDid you mean $DATAORIGIN"},
         {{"length", "-q", "length=1; DEVD.w = 5u"},
          "  length=1; DEVD.w = 5u\n            ^^^^^^\n"},

@@ -295,7 +295,8 @@ void check(
     expect_equal_rows(query, found, model.rows(query));
     if (query.columns.size() == 1) {
         ModelRows texts;
-        for (const std::string& text : dbif::query_texts(real)) {
+        dbif::QueryResult result = dbif::run_query(real);
+        for (const std::string& text : dbif::take_texts(&result.columns.front())) {
             texts.push_back({text});
         }
         EXPECT_EQ(texts, found);

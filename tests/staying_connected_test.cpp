@@ -153,7 +153,7 @@ public:
         : MeasurementDatabase(Engine::Sqlite)
     {
         write([&keys](dbif::RecordWriter& writer) {
-            writer.findOrAddDevice(writer.findOrAddDie({{"lot", "A"}}), {{"name", "n1"}}, keys);
+            writer.findOrAddDevice(writer.findOrAddDie({.lot = "A"}), {.name = "n1"}, keys);
         });
     }
 };

@@ -1,6 +1,5 @@
 #include "dbapi/words/builtin_keynames.h"
 
-#include "dbapi/wall/keyword_map.h"
 #include "dbapi/words/text_rules.h"
 
 #include <array>
@@ -70,8 +69,8 @@ const std::map<std::string, Builtin>& places()
     static const std::map<std::string, Builtin> table = [] {
         std::map<std::string, Builtin> made;
         for (const auto& [builtin, column] : builtins()) {
-            Builtin& place = made[builtin];
-            dbapi_is_keyword_in_map(builtins(), builtin, &place.column, &place.table, nullptr);
+            const std::size_t dot = column.find('.');
+            made[builtin] = {column.substr(dot + 1), column.substr(0, dot)};
         }
         return made;
     }();

@@ -4,7 +4,6 @@
 #include "dbif/host/exception.h"
 #include "dbif/host/host_number.h"
 #include "dbif/host/host_string.h"
-#include "dbif/query/fixed_column.h"
 
 #include <algorithm>
 #include <cmath>

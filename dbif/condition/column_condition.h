@@ -3,12 +3,24 @@
 #include "dbif/condition/condition.h"
 #include "dbif/condition/query_enums.h"
 
+#include <limits>
 #include <memory>
 #include <string>
 
 namespace dbif {
 struct ColumnComparison;
 class TableColumn;
+
+/// The flags and numbers that a column hands on to its conditions.
+struct ColumnTraits
+{
+    bool holdsNumbers = false;
+    bool isApproximate = false;
+    /// The relative distance within which numbers are equal.
+    double tolerance = 1e-10;
+    /// Kept and not used.
+    double epsilon = std::numeric_limits<double>::epsilon();
+};
 } // namespace dbif
 
 /// A comparison of one column with a value, or with the values of a list ("a', 'b" for `IN` and

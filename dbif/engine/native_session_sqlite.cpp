@@ -1,6 +1,6 @@
 #include "dbif/engine/native_session_sqlite.h"
 
-#include "dbif/connection/sqlite_file_watch.h"
+#include "dbif/engine/sqlite_file_watch.h"
 #include "dbif/host/exception.h"
 #include "dbif/host/host_string.h"
 

@@ -4,21 +4,6 @@
 
 #include <QString>
 
-#include <limits>
-
-namespace dbif {
-/// The flags and numbers that a column hands on to its conditions.
-struct ColumnTraits
-{
-    bool holdsNumbers = false;
-    bool isApproximate = false;
-    /// The relative distance within which numbers are equal.
-    double tolerance = 1e-10;
-    /// Kept and not used.
-    double epsilon = std::numeric_limits<double>::epsilon();
-};
-} // namespace dbif
-
 /// A column that every record of the table class `T` has. A default-made one has an empty name.
 template <typename T>
 class DBIF_FixedColumn

@@ -1,4 +1,4 @@
-#include "dbif/connection/sqlite_file_watch.h"
+#include "dbif/engine/sqlite_file_watch.h"
 
 #include <cstring>
 #include <sqlite3.h>
