@@ -61,6 +61,7 @@ bool dbui_add_connection(const DbuiConnection& connection, bool interactive, std
         [&connection](Connections* connections) {
             erase_first(connections, connection);
             connections->push_back(connection);
+            return true;
         },
         &message);
     return finish(
@@ -85,6 +86,7 @@ bool dbui_update_connection(
             [&](Connections* connections) {
                 std::replace(
                     connections->begin(), connections->end(), oldConnection, newConnection);
+                return true;
             },
             &message);
     } else {
@@ -103,7 +105,10 @@ bool dbui_remove_connection(const DbuiConnection& connection, bool interactive, 
     }
     std::string message;
     const bool saved = dbui::rewrite_connections(
-        [&connection](Connections* connections) { erase_first(connections, connection); },
+        [&connection](Connections* connections) {
+            erase_first(connections, connection);
+            return true;
+        },
         &message);
     return finish(
         saved, interactive, "Remove Connection", message,

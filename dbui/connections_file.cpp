@@ -125,21 +125,25 @@ bool create_file(const std::string& path)
            (state == FileContent::State::Missing && dbui::replace_file(target, empty_document()));
 }
 
-bool change_file(const std::string& path, const std::function<void(Connections*)>& change)
+enum class Rewrite { Saved, Declined, Failed };
+
+Rewrite change_file(const std::string& path, const dbui::ConnectionsChange& change)
 {
     const std::string target = dbui::follow_links(path);
     const dbui::FileLock lock(target);
     const FileContent old = lock.is_held() ? dbui::read_whole_file(target) : FileContent();
     if (!lock.is_held() || old.state == FileContent::State::Unreadable) {
-        return false;
+        return Rewrite::Failed;
     }
     Connections connections;
-    if (old.state == FileContent::State::Read && !read_document(old.bytes, &connections) &&
-        !dbui::replace_file(path + ".unreadable", old.bytes)) {
-        return false;
+    const bool isDamaged =
+        old.state == FileContent::State::Read && !read_document(old.bytes, &connections);
+    if (!change(&connections)) {
+        return Rewrite::Declined;
     }
-    change(&connections);
-    return dbui::replace_file(target, document_of(connections));
+    const bool saved = (!isDamaged || dbui::replace_file(path + ".unreadable", old.bytes)) &&
+                       dbui::replace_file(target, document_of(connections));
+    return saved ? Rewrite::Saved : Rewrite::Failed;
 }
 } // namespace
 
@@ -177,11 +181,15 @@ bool dbui_get_connections_from_file(Connections* connections, std::string* error
 bool dbui_save_connections_to_file(const Connections& connections, std::string* error)
 {
     return dbui::rewrite_connections(
-        [&connections](Connections* stored) { *stored = connections; }, error);
+        [&connections](Connections* stored) {
+            *stored = connections;
+            return true;
+        },
+        error);
 }
 
 namespace dbui {
-bool rewrite_connections(const std::function<void(Connections*)>& change, std::string* error)
+bool rewrite_connections(const ConnectionsChange& change, std::string* error)
 {
     dbif::clear_error(error);
     const QSharedPointer<dbConnectionNameListener> listener =
@@ -196,14 +204,14 @@ bool rewrite_connections(const std::function<void(Connections*)>& change, std::s
     }
 
     // The signals go out while the lock is free, so that a slot can save and nobody waits for one.
-    const bool saved = change_file(path, change);
-    if (saved) {
+    const Rewrite rewrite = change_file(path, change);
+    if (rewrite == Rewrite::Saved) {
         listener->sendConnectionNameListChanged();
-    } else {
+    } else if (rewrite == Rewrite::Failed) {
         dbif::deliver_error(
             error, "Failed to save database connections storage file: \"" + path + "\"!\n");
     }
     listener->sendPostNotifyConnectionNameListChange();
-    return saved;
+    return rewrite == Rewrite::Saved;
 }
 } // namespace dbui

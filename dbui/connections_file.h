@@ -27,11 +27,12 @@ bool dbui_save_connections_to_file(
     std::string* error = nullptr);
 
 namespace dbui {
-/// Writes the stored list as `change` leaves it; the rest as `dbui_save_connections_to_file`.
-/// `change` gets the list as it stands in the file (empty when that is missing or no XML), and no
-/// other process can change the file before the result is written. It must not change the stored
-/// list itself.
-bool rewrite_connections(
-    const std::function<void(std::vector<DbuiConnection>*)>& change,
-    std::string* error);
+/// Changes the list, which it gets as it stands in the file (empty when that is missing or no XML);
+/// no other process can change the file before the result is written. False leaves the file as it
+/// is. Must not change the stored list itself.
+using ConnectionsChange = std::function<bool(std::vector<DbuiConnection>*)>;
+
+/// Writes the stored list as `change` leaves it; the rest as `dbui_save_connections_to_file`. False
+/// without a message when `change` gave false; then only the signals before and after go out.
+bool rewrite_connections(const ConnectionsChange& change, std::string* error);
 } // namespace dbui

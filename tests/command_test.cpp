@@ -1,3 +1,5 @@
+#include "dbui/connection_registry.h"
+
 #include "tests/support/command_fixture.h"
 #include "tests/support/mariadb_server.h"
 #include "tests/support/sqlite_file.h"
@@ -48,6 +50,14 @@ TEST_F(Command, KeepsConnectionsFromAddToRemove)
             "The SQLite file \"" + database +
             "\" does not open: file is not a database.\nThe file is something else"));
     EXPECT_EQ(dbapi({"connection", "remove", "lab"}).code, 0);
+    for (const char* place : {"one", "two"}) {
+        dbui_add_connection({"twice", "QSQLITE", "", "", place, "", ""}, false);
+    }
+    EXPECT_EQ(
+        lines({"connection", "list"}), "twice\tQSQLITE\tone\t\t\t\ntwice\tQSQLITE\ttwo\t\t\t\n");
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(dbapi({"connection", "remove", "twice"}).code, 0);
+    }
     EXPECT_TRUE(std::filesystem::exists(database));
     const Outcome none = dbapi({"connection", "list"});
     EXPECT_EQ(none.code, 1);

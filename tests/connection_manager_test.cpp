@@ -294,6 +294,50 @@ TEST_F(ConnectionManagerWindow, FollowsChangesByAnybody)
     };
     EXPECT_EQ(test_support::status_of(test_support::start_child(addC)), 0);
     EXPECT_TRUE(QTest::qWaitFor([this] { return shown() == "b*;c;"; }, 30'000)) << shown();
+
+    // An editor writes over the file, which may stand behind a link.
+    const std::string file = folder.connections_file();
+    const std::string text = test_support::read_file(file);
+    const std::filesystem::path target =
+        std::filesystem::path(file).parent_path() / "deep/real.xml";
+    std::filesystem::create_directory(target.parent_path());
+    test_support::write_file(target, "<DB_Connections/>");
+    std::filesystem::remove(file);
+    std::filesystem::create_symlink(target, file);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return shown().empty(); }, 30'000)) << shown();
+    test_support::write_file(target, text);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return shown() == "b*;c;"; }, 30'000)) << shown();
+}
+
+TEST_F(ConnectionManagerWindow, StoresNothingOverWhatOthersStoredMeanwhile)
+{
+    open({"a"});
+    BoxClicker boxes;
+    const auto store_in_vain = [this, &boxes](const char* button, const std::string& name) {
+        const InNextEditor robot([this, &boxes, &name](const Editor& editor) {
+            if (name == "a") {
+                dbui_update_connection(record("a"), record("moved"), false);
+            } else {
+                editor.type("name", name);
+                editor.type("file", folder.file("x.db"));
+                dbui_add_connection(record(name), false);
+            }
+            editor.press(Qt::Key_Return);
+            EXPECT_TRUE(editor.window->isVisible());
+            EXPECT_EQ(editor.word("name"), name == "a" ? "" : "taken!");
+        });
+        click(button);
+        return boxes.take();
+    };
+    EXPECT_EQ(
+        store_in_vain("add", "b"), "warning: Add connection: Another connection has this name by "
+                                   "now. Choose another name.[OK]");
+    list()->setCurrentItem(list()->topLevelItem(0));
+    EXPECT_THAT(
+        store_in_vain("edit", "a"),
+        HasSubstr("The connection was changed or removed by another program"));
+    EXPECT_EQ(stored_lines(), line("b") + line("moved"));
+    EXPECT_FALSE(std::filesystem::exists(folder.file("x.db")));
 }
 
 TEST_F(ConnectionManagerWindow, TestsWithoutFreezing)

@@ -1,13 +1,13 @@
 #include "tools/connection_manager/connection_editor.h"
 
+#include "dbif/host_string.h"
 #include "dbui/connection_check.h"
-#include "dbui/connection_registry.h"
 
 #include "tools/connection_manager/connection_form.h"
+#include "tools/connection_manager/plain_boxes.h"
 
 #include <QDialogButtonBox>
 #include <QGuiApplication>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -60,23 +60,47 @@ bool ConnectionEditor::isWorthStoring()
     const bool opens = dbui_validate_connection_opens(form_->record(), true, &error);
     QGuiApplication::restoreOverrideCursor();
     // Without a text it was the user who did not want the database.
-    return opens || (!error.empty() &&
-                     QMessageBox::question(
-                         this, tr("Store connection"),
-                         tr("The connection does not open at the moment. Store "
-                            "it all the same?"),
-                         QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes);
+    return opens || (!error.empty() && confirm(
+                                           this, tr("Store connection"),
+                                           tr("The connection does not open at the moment. Store "
+                                              "it all the same?")));
+}
+
+bool ConnectionEditor::isPossible(dbui::StoreOutcome outcome, const std::string& error)
+{
+    switch (outcome) {
+    case dbui::StoreOutcome::Stored:
+        return true;
+    case dbui::StoreOutcome::NameTaken:
+        form_->addTakenName(form_->record().get_connectionName());
+        warn(
+            this, windowTitle(),
+            tr("Another connection has this name by now. Choose another name."));
+        return false;
+    case dbui::StoreOutcome::Outdated:
+        warn(
+            this, windowTitle(),
+            tr("The connection was changed or removed by another program while this window was "
+               "open. Nothing was stored. Close this window, and edit the connection as it is "
+               "now."));
+        return false;
+    case dbui::StoreOutcome::Failed:
+        break;
+    }
+    warn(this, windowTitle(), dbif::to_qt(error).trimmed());
+    return false;
 }
 
 void ConnectionEditor::accept()
 {
-    if (!form_->isComplete() || !isWorthStoring()) {
+    // Before the connection is opened, which may make a database.
+    if (!form_->isComplete() || !isPossible(dbui::foresee_storing({form_->record(), old_}), {}) ||
+        !isWorthStoring()) {
         return;
     }
-    std::string shown; // in a box, by the call itself
-    const bool isStored = old_ ? dbui_update_connection(*old_, form_->record(), true, &shown)
-                               : dbui_add_connection(form_->record(), true, &shown);
-    if (isStored) {
+    std::string error;
+    const dbui::StoreOutcome outcome = dbui::store_connection({form_->record(), old_}, &error);
+    if (isPossible(outcome, error)) {
         QDialog::accept();
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dbui/connection_record.h"
+#include "dbui/connection_storing.h"
 
 #include <QDialog>
 
@@ -34,6 +35,8 @@ public:
 private:
     /// Whether it opens, or is to be stored although it does not.
     bool isWorthStoring();
+    /// Whether nothing keeps the connection from being stored; says otherwise what does.
+    bool isPossible(dbui::StoreOutcome outcome, const std::string& error);
 
     std::optional<DbuiConnection> old_;
     ConnectionForm* form_;

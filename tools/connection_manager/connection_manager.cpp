@@ -5,16 +5,17 @@
 #include "dbui/connection_registry.h"
 #include "dbui/connections_file.h"
 #include "dbui/connections_path.h"
+#include "dbui/guarded_file.h"
 
 #include "tools/connection_manager/connection_editor.h"
 #include "tools/connection_manager/diagnosis_run.h"
 #include "tools/connection_manager/diagnosis_view.h"
+#include "tools/connection_manager/plain_boxes.h"
 
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QShortcut>
 #include <QSplitter>
@@ -164,19 +165,36 @@ void ConnectionManager::addShortcuts()
 
 void ConnectionManager::followTheFile()
 {
-    // The listener tells of changes of this program, the folder of those by others.
+    // The listener tells of changes of this program, the watcher of those by others.
     connect(
         dbConnectionNameListener::getInstance().data(),
         &dbConnectionNameListener::connectionNamesListChanged, this, &ConnectionManager::reload);
     std::string ignored;
-    const std::string file = dbui_connections_file();
-    dbui_make_path_if_required(file, &ignored);
-    watcher_.addPath(QFileInfo(dbif::to_qt(file)).absolutePath());
+    dbui_make_path_if_required(dbui_connections_file(), &ignored);
     connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, &ConnectionManager::reload);
+    connect(&watcher_, &QFileSystemWatcher::fileChanged, this, &ConnectionManager::reload);
+    watchTheFile();
+}
+
+void ConnectionManager::watchTheFile()
+{
+    // A folder changes when a file in it is replaced, the file itself when it is written over; each
+    // replaced file has to be watched anew. Behind a link, both stand somewhere else.
+    const std::string path = dbui_connections_file();
+    const std::string target = dbui::follow_links(path);
+    const QStringList watched = watcher_.files() + watcher_.directories();
+    for (const QString& wanted :
+         {QFileInfo(dbif::to_qt(path)).absolutePath(),
+          QFileInfo(dbif::to_qt(target)).absolutePath(), dbif::to_qt(target)}) {
+        if (!watched.contains(wanted) && QFileInfo::exists(wanted)) {
+            watcher_.addPath(wanted);
+        }
+    }
 }
 
 void ConnectionManager::reload()
 {
+    watchTheFile();
     std::vector<DbuiConnection> stored;
     std::string error;
     const bool isRead = dbui_get_connections_from_file(&stored, &error);
@@ -283,9 +301,7 @@ void ConnectionManager::removeConnection()
     const QString question =
         tr("Forget the connection \"%1\"? Its database stays as it is.")
             .arg(record ? dbif::to_qt(record->get_connectionName()) : QString());
-    if (record && QMessageBox::question(
-                      this, tr("Remove connection"), question, QMessageBox::Yes | QMessageBox::No,
-                      QMessageBox::No) == QMessageBox::Yes) {
+    if (record && confirm(this, tr("Remove connection"), question)) {
         std::string shown; // in a box, by the call itself
         dbui_remove_connection(*record, true, &shown);
     }

@@ -41,6 +41,7 @@ private:
     QPushButton*
     addButton(const char* name, const QString& text, void (ConnectionManager::*action)()) const;
     void followTheFile();
+    void watchTheFile();
 
     void reload();
     void showButtons();

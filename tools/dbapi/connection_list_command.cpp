@@ -6,12 +6,14 @@
 #include "tools/dbapi/terminal.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
 #include <utility>
 
 namespace dbapi::tool {
 namespace {
-/// Whatever is stored of each connection but its password.
+/// Whatever is stored of each connection but its password. Two of one name, which a file written by
+/// hand may have, are both shown.
 ExitCode list_connections(const OutputOptions& output)
 {
     DataTable table;
@@ -19,12 +21,15 @@ ExitCode list_connections(const OutputOptions& output)
     for (const char* heading : {"name", "driver", "database", "host", "port", "user"}) {
         table.columns.push_back({heading, {}});
     }
-    for (const std::string& name : stored_names()) {
-        const DbuiConnection record = stored_connection(name);
+    std::vector<DbuiConnection> records = stored_connections();
+    std::stable_sort(records.begin(), records.end(), [](const auto& a, const auto& b) {
+        return a.get_connectionName() < b.get_connectionName();
+    });
+    for (const DbuiConnection& record : records) {
         std::size_t column = 0;
         for (std::string text :
-             {name, record.get_dbDriverName(), record.get_databaseName(), record.get_hostname(),
-              record.get_port_as_string(), record.get_databaseUsername()}) {
+             {record.get_connectionName(), record.get_dbDriverName(), record.get_databaseName(),
+              record.get_hostname(), record.get_port_as_string(), record.get_databaseUsername()}) {
             table.columns[column++].values.push_back(std::move(text));
         }
     }

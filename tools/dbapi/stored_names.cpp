@@ -5,6 +5,7 @@
 #include "dbif/host_string.h"
 #include "dbui/connection_open.h"
 #include "dbui/connection_registry.h"
+#include "dbui/connections_file.h"
 #include "dbui/connections_path.h"
 
 #include "tools/dbapi/command_failure.h"
@@ -14,17 +15,26 @@
 #include <system_error>
 
 namespace dbapi::tool {
-std::set<std::string> stored_names()
+std::vector<DbuiConnection> stored_connections()
 {
-    std::set<std::string> names;
+    std::vector<DbuiConnection> connections;
     std::string error;
-    dbui_get_connection_names(&names, &error);
+    dbui_get_connections_from_file(&connections, &error);
     std::error_code ignored;
     if (!error.empty() && std::filesystem::exists(dbui_connections_file(), ignored)) {
         throw CommandFailure(
             ExitCode::Connection,
             dbif::trimmed(error) + "\nMake it readable for you, or correct it: it has to be XML. "
                                    "Moved away, it is begun anew by dbapi connection add.");
+    }
+    return connections;
+}
+
+std::set<std::string> stored_names()
+{
+    std::set<std::string> names;
+    for (const DbuiConnection& connection : stored_connections()) {
+        names.insert(connection.get_connectionName());
     }
     return names;
 }

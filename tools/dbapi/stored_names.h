@@ -5,10 +5,14 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 namespace dbapi::tool {
-/// The names of the stored connections; none when no connection was ever stored. Throws
-/// `CommandFailure` when their file cannot be read.
+/// The stored connections in the order of their file; none when no connection was ever stored.
+/// Throws `CommandFailure` when the file cannot be read.
+std::vector<DbuiConnection> stored_connections();
+
+/// Their names; throws likewise.
 std::set<std::string> stored_names();
 
 /// The stored connection of that name. Throws `CommandFailure`, which suggests other names, when
