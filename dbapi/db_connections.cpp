@@ -54,8 +54,9 @@ bool db_create_connection(
     if (!dbui_validate_connection_opens(record, false, &reason)) {
         return fail(errors, heading, reason);
     }
-    // Another program may have stored the name while the database was opened.
-    switch (dbui::store_connection({record, std::nullopt}, &reason)) {
+    // Another program may have stored the name while the database was opened. A damaged file is
+    // replaced, as every call does that adds without a dialog.
+    switch (dbui::store_connection({record, std::nullopt, true}, &reason)) {
     case dbui::StoreOutcome::Stored:
         return true;
     case dbui::StoreOutcome::NameTaken:

@@ -50,8 +50,10 @@ StoreOutcome store_connection(const StoreRequest& request, std::string* error)
     StoreOutcome outcome = StoreOutcome::Failed;
     std::string message;
     const bool saved = rewrite_connections(
-        [&](Connections* connections) {
-            outcome = store_in(connections, request);
+        [&](StoredConnections* stored) {
+            outcome = stored->isDamaged && !request.mayReplaceDamagedFile
+                          ? StoreOutcome::FileDamaged
+                          : store_in(&stored->connections, request);
             return outcome == StoreOutcome::Stored;
         },
         &message);

@@ -135,14 +135,14 @@ Rewrite change_file(const std::string& path, const dbui::ConnectionsChange& chan
     if (!lock.is_held() || old.state == FileContent::State::Unreadable) {
         return Rewrite::Failed;
     }
-    Connections connections;
-    const bool isDamaged =
-        old.state == FileContent::State::Read && !read_document(old.bytes, &connections);
-    if (!change(&connections)) {
+    dbui::StoredConnections stored;
+    stored.isDamaged =
+        old.state == FileContent::State::Read && !read_document(old.bytes, &stored.connections);
+    if (!change(&stored)) {
         return Rewrite::Declined;
     }
-    const bool saved = (!isDamaged || dbui::replace_file(path + ".unreadable", old.bytes)) &&
-                       dbui::replace_file(target, document_of(connections));
+    const bool saved = (!stored.isDamaged || dbui::replace_file(path + ".unreadable", old.bytes)) &&
+                       dbui::replace_file(target, document_of(stored.connections));
     return saved ? Rewrite::Saved : Rewrite::Failed;
 }
 } // namespace
@@ -181,8 +181,8 @@ bool dbui_get_connections_from_file(Connections* connections, std::string* error
 bool dbui_save_connections_to_file(const Connections& connections, std::string* error)
 {
     return dbui::rewrite_connections(
-        [&connections](Connections* stored) {
-            *stored = connections;
+        [&connections](dbui::StoredConnections* stored) {
+            stored->connections = connections;
             return true;
         },
         error);

@@ -27,10 +27,16 @@ bool dbui_save_connections_to_file(
     std::string* error = nullptr);
 
 namespace dbui {
-/// Changes the list, which it gets as it stands in the file (empty when that is missing or no XML);
-/// no other process can change the file before the result is written. False leaves the file as it
-/// is. Must not change the stored list itself.
-using ConnectionsChange = std::function<bool(std::vector<DbuiConnection>*)>;
+/// The list as it stands in the file.
+struct StoredConnections
+{
+    std::vector<DbuiConnection> connections; ///< none when the file is missing or damaged
+    bool isDamaged = false;                  ///< the file is there, but no XML
+};
+
+/// Changes the list; no other process can change the file before the result is written. False
+/// leaves the file as it is. Must not change the stored list itself.
+using ConnectionsChange = std::function<bool(StoredConnections*)>;
 
 /// Writes the stored list as `change` leaves it; the rest as `dbui_save_connections_to_file`. False
 /// without a message when `change` gave false; then only the signals before and after go out.

@@ -340,6 +340,32 @@ TEST_F(ConnectionManagerWindow, StoresNothingOverWhatOthersStoredMeanwhile)
     EXPECT_FALSE(std::filesystem::exists(folder.file("x.db")));
 }
 
+TEST_F(ConnectionManagerWindow, ReplacesADamagedFileOnlyOnYes)
+{
+    open({"a", "b"});
+    const std::string file = folder.connections_file();
+    std::string damaged = test_support::read_file(file);
+    damaged.resize(damaged.rfind("</DB"));
+    test_support::write_file(file, damaged);
+    for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
+        BoxClicker boxes(answer);
+        const InNextEditor robot([this](const Editor& editor) {
+            editor.type("name", "c");
+            editor.type("file", folder.file("c.db"));
+            editor.press(Qt::Key_Return);
+        });
+        click("add");
+        EXPECT_EQ(
+            boxes.take(),
+            "question: Add connection: The file " + file +
+                " is damaged: its connections cannot be read. Begin a new list with this "
+                "connection? The damaged file is kept as " +
+                file + ".unreadable.[&Yes][&No*]");
+        EXPECT_EQ(stored_lines(), answer == QMessageBox::Yes ? line("c") : "unreadable");
+    }
+    EXPECT_EQ(test_support::read_file(file + ".unreadable"), damaged);
+}
+
 TEST_F(ConnectionManagerWindow, TestsWithoutFreezing)
 {
     open({"a"});

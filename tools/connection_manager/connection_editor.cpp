@@ -2,6 +2,7 @@
 
 #include "dbif/host_string.h"
 #include "dbui/connection_check.h"
+#include "dbui/connections_path.h"
 
 #include "tools/connection_manager/connection_form.h"
 #include "tools/connection_manager/plain_boxes.h"
@@ -84,11 +85,22 @@ bool ConnectionEditor::isPossible(dbui::StoreOutcome outcome, const std::string&
                "open. Nothing was stored. Close this window, and edit the connection as it is "
                "now."));
         return false;
+    case dbui::StoreOutcome::FileDamaged:
     case dbui::StoreOutcome::Failed:
         break;
     }
     warn(this, windowTitle(), dbif::to_qt(error).trimmed());
     return false;
+}
+
+bool ConnectionEditor::mayReplaceDamagedFile()
+{
+    const QString file = dbif::to_qt(dbui_connections_file());
+    return confirm(
+        this, windowTitle(),
+        tr("The file %1 is damaged: its connections cannot be read. Begin a new list with this "
+           "connection? The damaged file is kept as %1.unreadable.")
+            .arg(file));
 }
 
 void ConnectionEditor::accept()
@@ -98,8 +110,16 @@ void ConnectionEditor::accept()
         !isWorthStoring()) {
         return;
     }
+    dbui::StoreRequest request{form_->record(), old_};
     std::string error;
-    const dbui::StoreOutcome outcome = dbui::store_connection({form_->record(), old_}, &error);
+    dbui::StoreOutcome outcome = dbui::store_connection(request, &error);
+    if (outcome == dbui::StoreOutcome::FileDamaged) {
+        if (!mayReplaceDamagedFile()) {
+            return;
+        }
+        request.mayReplaceDamagedFile = true;
+        outcome = dbui::store_connection(request, &error);
+    }
     if (isPossible(outcome, error)) {
         QDialog::accept();
     }

@@ -37,6 +37,8 @@ private:
     bool isWorthStoring();
     /// Whether nothing keeps the connection from being stored; says otherwise what does.
     bool isPossible(dbui::StoreOutcome outcome, const std::string& error);
+    /// Asks.
+    bool mayReplaceDamagedFile();
 
     std::optional<DbuiConnection> old_;
     ConnectionForm* form_;
