@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTest>
@@ -20,6 +21,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace {
 using connection_manager::ConnectionEditor;
@@ -53,7 +58,17 @@ struct Editor
         return dbif::to_utf8(window->findChild<QLabel*>(label)->text()) + (isReady ? "" : "!");
     }
 
-    void press(Qt::Key key) const { QTest::keyClick(window->focusWidget(), key); }
+    /// Presses the key, and waits while a connection is being opened.
+    void press(Qt::Key key) const
+    {
+        QTest::keyClick(window->focusWidget(), key);
+        EXPECT_TRUE(QTest::qWaitFor([this] { return !isOpening(); }, 60'000));
+    }
+
+    [[nodiscard]] bool isOpening() const
+    {
+        return window->findChild<QLabel*>(QStringLiteral("opening"))->isVisible();
+    }
 };
 
 /// Does the work once in the next editor that opens, while that is on the screen.
@@ -233,13 +248,10 @@ TEST_F(ConnectionManagerWindow, StoresWhatDoesNotOpenOnlyOnYes)
     open({});
     test_support::write_file(folder.file("text.db"), std::string(200, '.'));
     const std::string failure =
-        "critical: Database Connection: Error occurred, Database Connection text's information has "
-        "failed to create and open a valid database connection.\nCheck Database Connection Error: "
-        "Failed to open valid database connection.\nThe SQLite file \"" +
-        folder.file("text.db") +
-        "\" does not open: file is not a database.\n[OK]"
-        "question: Store connection: The connection does not open at the moment. Store it all the "
-        "same?[&Yes][&No*]";
+        "question: Add connection: The connection does not open at the moment. Store it all the "
+        "same?\n\nCheck Database Connection Error: Failed to open valid database connection.\nThe "
+        "SQLite file \"" +
+        folder.file("text.db") + "\" does not open: file is not a database.[&Yes][&No*]";
     for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
         BoxClicker boxes(answer);
         const InNextEditor robot([this, answer](const Editor& editor) {
@@ -276,7 +288,7 @@ TEST_F(ConnectionManagerWindow, RemovesOnlyOnYes)
     std::filesystem::remove(lock);
     std::filesystem::create_directory(lock);
     click("remove");
-    EXPECT_THAT(boxes.take(), HasSubstr("critical: Remove Connection: Failed to save"));
+    EXPECT_THAT(boxes.take(), HasSubstr("warning: Remove connection: Failed to save"));
     EXPECT_EQ(shown(), "b*;");
 
     press(Qt::Key_Escape);
@@ -377,7 +389,6 @@ TEST_F(ConnectionManagerWindow, TestsWithoutFreezing)
     const auto test_to_the_end = [&] {
         click("test");
         EXPECT_EQ(test->text(), QStringLiteral("&Stop"));
-        EXPECT_FALSE(window->findChild<QPushButton*>(QStringLiteral("remove"))->isEnabled());
         EXPECT_TRUE(
             QTest::qWaitFor([test] { return test->text() == QStringLiteral("&Test"); }, 60'000));
     };
@@ -389,9 +400,68 @@ TEST_F(ConnectionManagerWindow, TestsWithoutFreezing)
     test_to_the_end();
     EXPECT_THAT(text(), testing::StartsWith("\"a\" works\n"));
 
-    // A window may go while its test goes on.
+    // Stop frees the window at once, and a window may go while its test goes on.
+    click("test");
+    click("test");
+    EXPECT_EQ(test->text(), QStringLiteral("&Test"));
+    EXPECT_EQ(text(), "The test of \"a\" was stopped");
     click("test");
     window.reset();
+}
+
+TEST_F(ConnectionManagerWindow, StaysAliveWhileAServerDoesNotAnswer)
+{
+    // Connections are made to it, and nobody ever says a word.
+    const int listener = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof(address);
+    auto* generic = reinterpret_cast<sockaddr*>(&address);
+    ASSERT_EQ(bind(listener, generic, length) + listen(listener, 9), 0);
+    ASSERT_EQ(getsockname(listener, generic, &length), 0);
+    open({});
+    BoxClicker boxes(QMessageBox::No);
+    const InNextEditor robot([&](const Editor& editor) {
+        editor.type("name", "silent");
+        QTest::keyClick(editor.window->findChild<QComboBox*>(QStringLiteral("kind")), Qt::Key_Down);
+        editor.type("host", "127.0.0.1");
+        editor.type("port", std::to_string(ntohs(address.sin_port)));
+        editor.type("database", "d");
+        editor.type("user", "u");
+        QTest::keyClick(editor.window->focusWidget(), Qt::Key_Return);
+        EXPECT_TRUE(editor.isOpening());
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+        editor.press(Qt::Key_Escape);
+        EXPECT_TRUE(editor.window->isVisible()) << "the first Escape gives the opening up";
+        EXPECT_EQ(editor.word("name"), "");
+
+        auto* test = editor.window->findChild<QPushButton*>(QStringLiteral("testTyped"));
+        for (const char* text : {"S&top", "&Test"}) {
+            QTest::mouseClick(test, Qt::LeftButton);
+            EXPECT_EQ(test->text(), QString::fromLatin1(text));
+        }
+        close(listener); // so that what was given up ends
+    });
+    click("add");
+    EXPECT_EQ(stored_lines() + boxes.take(), "unreadable");
+}
+
+TEST_F(ConnectionManagerWindow, SortsAndTellsWhatToDoWithoutAny)
+{
+    open({"b", "<i>a</i>"});
+    EXPECT_EQ(shown(), "b*;<i>a</i>;");
+    list()->sortByColumn(0, Qt::AscendingOrder);
+    EXPECT_EQ(shown(), "<i>a</i>;b*;");
+    EXPECT_EQ(list()->header()->sectionResizeMode(0), QHeaderView::Interactive);
+    BoxClicker boxes(QMessageBox::Yes);
+    press(Qt::Key_Delete);
+    EXPECT_EQ(stored_lines(), line("<i>a</i>"));
+    list()->setCurrentItem(list()->topLevelItem(0));
+    click("remove");
+    EXPECT_EQ(stored_lines(), "");
+    const QLabel* note = window->findChild<QLabel*>(QStringLiteral("note"));
+    EXPECT_THAT(dbif::to_utf8(note->text()), HasSubstr("No connection is stored yet."));
 }
 
 TEST_F(ConnectionManagerWindow, SpeaksGerman)
