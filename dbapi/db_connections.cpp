@@ -7,6 +7,7 @@
 #include "dbui/connection_registry.h"
 #include "dbui/connection_storing.h"
 #include "dbui/connections_file.h"
+#include "dbui/record_fault.h"
 
 namespace dbapi {
 namespace {
@@ -50,6 +51,13 @@ bool db_create_connection(
     DbuiConnection stored;
     if (dbui_find_connection_by_name(record.get_connectionName(), &stored)) {
         return fail(errors, heading, kNameTaken);
+    }
+    // Before a database is made for a connection that cannot be stored.
+    if (reason = dbui::fault_of_record(record); !reason.empty()) {
+        return fail(errors, heading, reason);
+    }
+    if (!dbui::fault_of_saving().empty()) {
+        return fail(errors, heading, kNotUpdated);
     }
     if (!dbui_validate_connection_opens(record, false, &reason)) {
         return fail(errors, heading, reason);

@@ -1,6 +1,7 @@
 #include "dbapi/dbapi.h"
 #include "dbapi/text_rules.h"
 #include "dbif/host_string.h"
+#include "dbui/connections_file.h"
 
 #include "tools/dbapi/command_table.h"
 #include "tools/dbapi/stored_names.h"
@@ -16,7 +17,10 @@ ExitCode remove_connection(const std::string& name)
     const DbuiConnection record = stored_connection(name);
     std::string errors;
     if (!db_remove_connection(name, &errors)) {
-        throw CommandFailure(ExitCode::Connection, dbif::trimmed(errors));
+        const std::string fault = dbui::fault_of_saving();
+        throw CommandFailure(
+            fault.empty() ? ExitCode::Connection : ExitCode::File,
+            dbif::trimmed(dbif::trimmed(errors) + "\n" + fault));
     }
     talk(
         "Removed the connection " + dbapi::quoted(name) + ". Its database " +

@@ -57,6 +57,20 @@ public:
 private:
     termios before_{};
 };
+
+/// The lines as they may go to a terminal, without blanks at their ends.
+std::string display_lines(const std::string& text)
+{
+    std::string shown;
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const std::size_t end = std::min(text.find('\n', begin), text.size());
+        std::string line = display_text(std::string_view(text).substr(begin, end - begin));
+        line.erase(line.find_last_not_of(' ') + 1);
+        shown += line + "\n";
+        begin = end + 1;
+    }
+    return shown;
+}
 } // namespace
 
 bool is_terminal(std::FILE* stream)
@@ -83,29 +97,22 @@ std::string styled(const std::string& text, Style style, std::FILE* stream)
     return (style == Style::Bold ? "\x1b[1m" : "\x1b[1;31m") + text + "\x1b[0m";
 }
 
-void talk(const std::string& line)
+void talk(const std::string& text)
 {
-    std::fputs((line + "\n").c_str(), stderr);
+    std::fputs(display_lines(text).c_str(), stderr);
 }
 
 void tell_error(const std::string& text)
 {
-    std::string shown = styled("dbapi:", Style::Alert, stderr) + " ";
-    for (std::size_t begin = 0; begin <= text.size();) {
-        const std::size_t end = std::min(text.find('\n', begin), text.size());
-        std::string line = display_text(std::string_view(text).substr(begin, end - begin));
-        line.erase(line.find_last_not_of(' ') + 1);
-        shown += line + "\n";
-        begin = end + 1;
-    }
-    std::fputs(shown.c_str(), stderr);
+    std::fputs(
+        (styled("dbapi:", Style::Alert, stderr) + " " + display_lines(text)).c_str(), stderr);
 }
 
 std::string ask_secretly(const std::string& prompt)
 {
     std::string line;
     const SilentKeys keys; // before the prompt, so that no early key is shown or lost
-    std::fputs(prompt.c_str(), stderr);
+    std::fputs(display_text(prompt).c_str(), stderr);
     std::fflush(stderr);
     for (;;) {
         const char key = SilentKeys::next();

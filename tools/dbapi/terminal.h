@@ -25,11 +25,11 @@ enum class Style { Plain, Bold, Alert };
 /// The text in a style, where the stream is a terminal that shows colours and NO_COLOR is not set.
 std::string styled(const std::string& text, Style style, std::FILE* stream);
 
-/// Writes a line to the standard error stream.
-void talk(const std::string& line);
+/// Writes the text, which may have several lines, to the standard error stream. What must not go to
+/// a terminal appears as escapes.
+void talk(const std::string& text);
 
-/// Writes "dbapi: " and the text, which may have several lines, to the standard error stream. What
-/// must not go to a terminal appears as escapes.
+/// The same behind "dbapi: ".
 void tell_error(const std::string& text);
 
 /// Asks for a line on the terminal without showing what is typed. Throws `CommandFailure` when the
