@@ -17,6 +17,31 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
+TEST_F(Command, TellsWhatKeepsTheListFromBeingSaved)
+{
+    const std::string lock = folder.connections_file() + ".lock";
+    std::filesystem::remove(lock);
+    std::filesystem::create_directory(lock);
+    const std::string other = folder.file("other.db");
+    const Outcome added = dbapi({"connection", "add", "other", "--sqlite", other});
+    const Outcome removed = dbapi({"connection", "remove", "lab"});
+    for (const Outcome& outcome : {added, removed}) {
+        EXPECT_EQ(outcome.code, 5);
+        EXPECT_THAT(
+            outcome.talk, HasSubstr(
+                              "Failed to update the database connections configuration file.\n\"" +
+                              lock + "\": Is a directory\n"));
+    }
+    EXPECT_FALSE(std::filesystem::exists(other));
+    std::filesystem::remove(lock);
+
+    // Written by hand; nothing of it reaches the terminal as it is.
+    write_file(
+        folder.connections_file(), "<DB_Connections><DbConnection ConnectionName=\"odd\" "
+                                   "DatabaseName=\"&#27;[31m\"/></DB_Connections>");
+    EXPECT_THAT(dbapi({"connection", "remove", "odd"}).talk, HasSubstr("\"\\x1b[31m\""));
+}
+
 TEST_F(Command, KeepsConnectionsFromAddToRemove)
 {
     EXPECT_EQ(
