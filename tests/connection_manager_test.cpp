@@ -2,9 +2,9 @@
 
 #include "tests/support/box_clicker.h"
 #include "tests/support/child_process.h"
+#include "tests/support/editor_robot.h"
 #include "tests/support/stored_connections.h"
 #include "tests/support/temp_directory.h"
-#include "tools/connection_manager/connection_editor.h"
 #include "tools/connection_manager/connection_manager.h"
 #include "tools/connection_manager/manager_translations.h"
 
@@ -15,7 +15,6 @@
 #include <QLineEdit>
 #include <QTest>
 #include <QTextBrowser>
-#include <QTimer>
 #include <QTranslator>
 #include <QTreeWidget>
 
@@ -27,82 +26,12 @@
 #include <unistd.h>
 
 namespace {
-using connection_manager::ConnectionEditor;
 using connection_manager::ConnectionManager;
 using test_support::BoxClicker;
+using test_support::Editor;
+using test_support::InNextEditor;
 using test_support::stored_lines;
 using testing::HasSubstr;
-
-/// The hands of a person in an editor.
-struct Editor
-{
-    QWidget* window;
-
-    [[nodiscard]] QLineEdit* field(const char* name) const
-    {
-        return window->findChild<QLineEdit*>(QString::fromLatin1(name));
-    }
-
-    void type(const char* name, const std::string& text) const
-    {
-        field(name)->selectAll();
-        QTest::keyClick(field(name), Qt::Key_Delete);
-        QTest::keyClicks(field(name), dbif::to_qt(text));
-    }
-
-    /// The word beside a field, with a "!" when the connection cannot be stored.
-    [[nodiscard]] std::string word(const char* name) const
-    {
-        const QString label = QString::fromLatin1(name) + QStringLiteral("Word");
-        const bool isReady = window->findChild<QPushButton*>(QStringLiteral("store"))->isEnabled();
-        return dbif::to_utf8(window->findChild<QLabel*>(label)->text()) + (isReady ? "" : "!");
-    }
-
-    /// Presses the key, and waits while a connection is being opened.
-    void press(Qt::Key key) const
-    {
-        QTest::keyClick(window->focusWidget(), key);
-        EXPECT_TRUE(QTest::qWaitFor([this] { return !isOpening(); }, 60'000));
-    }
-
-    [[nodiscard]] bool isOpening() const
-    {
-        return window->findChild<QLabel*>(QStringLiteral("opening"))->isVisible();
-    }
-};
-
-/// Does the work once in the next editor that opens, while that is on the screen.
-class InNextEditor
-{
-public:
-    explicit InNextEditor(std::function<void(const Editor&)> work)
-    {
-        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this, work = std::move(work)] {
-            auto* editor = qobject_cast<ConnectionEditor*>(QApplication::activeModalWidget());
-            if (editor == nullptr) {
-                return;
-            }
-            timer_.stop();
-            ASSERT_TRUE(QTest::qWaitForWindowActive(editor));
-            work({editor});
-            if (editor->isVisible()) {
-                editor->reject();
-            }
-            isDone_ = true;
-        });
-        timer_.start(0);
-    }
-
-    /// A key that presses a button takes a moment to do so.
-    void wait() const
-    {
-        EXPECT_TRUE(QTest::qWaitFor([this] { return isDone_; }, 30'000));
-    }
-
-private:
-    bool isDone_ = false;
-    QTimer timer_;
-};
 
 class ConnectionManagerWindow : public testing::Test
 {
