@@ -1,4 +1,5 @@
-# Headers, libraries and a CMake package: a user finds dbapi with find_package(dbapi) and links dbapi::dbapi.
+# Headers, libraries and a CMake package: a user finds dbapi with find_package(dbapi) and links dbapi::dbapi; a host with
+# windows finds it with find_package(dbapi COMPONENTS dialogs) and links dbapi::dbui_dialogs too.
 include(CMakePackageConfigHelpers)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/dbapi)
 
@@ -9,6 +10,13 @@ foreach(header IN LISTS dbapi_installed_headers)
     install(FILES ${PROJECT_SOURCE_DIR}/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
 endforeach()
 install(DIRECTORY ${dbapi_published_headers}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# Apart from the others: only those who ask for the component need Qt's windows.
+if(TARGET dbui_dialogs)
+    install(TARGETS dbui_dialogs EXPORT dbapiDialogsTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/dbui_dialogs DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+        FILES_MATCHING PATTERN "*.h")
+    install(EXPORT dbapiDialogsTargets NAMESPACE dbapi:: DESTINATION ${package_folder})
+endif()
 install(EXPORT dbapiTargets NAMESPACE dbapi:: DESTINATION ${package_folder})
 
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/dbapiConfig.cmake.in

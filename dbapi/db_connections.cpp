@@ -5,10 +5,16 @@
 #include "dbui/connection_check.h"
 #include "dbui/connection_record.h"
 #include "dbui/connection_registry.h"
+#include "dbui/connection_storing.h"
 #include "dbui/connections_file.h"
+#include "dbui/record_fault.h"
 
 namespace dbapi {
 namespace {
+constexpr const char* kNameTaken = "The database connection with that name already exists.\n";
+constexpr const char* kNotUpdated =
+    "Failed to update the database connections configuration file.\n";
+
 bool fail(std::string* errors, const std::string& heading, const std::string& reason)
 {
     dbif::deliver_error(errors, heading + reason);
@@ -44,16 +50,28 @@ bool db_create_connection(
     }
     DbuiConnection stored;
     if (dbui_find_connection_by_name(record.get_connectionName(), &stored)) {
-        return fail(errors, heading, "The database connection with that name already exists.\n");
+        return fail(errors, heading, kNameTaken);
+    }
+    // Before a database is made for a connection that cannot be stored.
+    if (reason = dbui::fault_of_record(record); !reason.empty()) {
+        return fail(errors, heading, reason);
+    }
+    if (!dbui::fault_of_saving().empty()) {
+        return fail(errors, heading, kNotUpdated);
     }
     if (!dbui_validate_connection_opens(record, false, &reason)) {
         return fail(errors, heading, reason);
     }
-    if (!dbui_add_connection(record, false, &reason)) {
-        return fail(
-            errors, heading, "Failed to update the database connections configuration file.\n");
+    // Another program may have stored the name while the database was opened. A damaged file is
+    // replaced, as every call does that adds without a dialog.
+    switch (dbui::store_connection({record, std::nullopt, true}, &reason)) {
+    case dbui::StoreOutcome::Stored:
+        return true;
+    case dbui::StoreOutcome::NameTaken:
+        return fail(errors, heading, kNameTaken);
+    default:
+        return fail(errors, heading, kNotUpdated);
     }
-    return true;
 }
 
 bool db_create_mysql_connection(
@@ -88,8 +106,7 @@ bool db_remove_connection(const std::string& name, std::string* errors)
     }
     std::string reason;
     if (!dbui_remove_connection(record, false, &reason)) {
-        return fail(
-            errors, heading, "Failed to update the database connections configuration file.\n");
+        return fail(errors, heading, kNotUpdated);
     }
     return true;
 }

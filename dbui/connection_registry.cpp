@@ -58,9 +58,10 @@ bool dbui_add_connection(const DbuiConnection& connection, bool interactive, std
     }
     std::string message;
     const bool saved = dbui::rewrite_connections(
-        [&connection](Connections* connections) {
-            erase_first(connections, connection);
-            connections->push_back(connection);
+        [&connection](dbui::StoredConnections* stored) {
+            erase_first(&stored->connections, connection);
+            stored->connections.push_back(connection);
+            return true;
         },
         &message);
     return finish(
@@ -82,9 +83,11 @@ bool dbui_update_connection(
     bool updated = false;
     if (contains(stored_connections(), oldConnection)) {
         updated = dbui::rewrite_connections(
-            [&](Connections* connections) {
+            [&](dbui::StoredConnections* stored) {
                 std::replace(
-                    connections->begin(), connections->end(), oldConnection, newConnection);
+                    stored->connections.begin(), stored->connections.end(), oldConnection,
+                    newConnection);
+                return true;
             },
             &message);
     } else {
@@ -103,7 +106,10 @@ bool dbui_remove_connection(const DbuiConnection& connection, bool interactive, 
     }
     std::string message;
     const bool saved = dbui::rewrite_connections(
-        [&connection](Connections* connections) { erase_first(connections, connection); },
+        [&connection](dbui::StoredConnections* stored) {
+            erase_first(&stored->connections, connection);
+            return true;
+        },
         &message);
     return finish(
         saved, interactive, "Remove Connection", message,

@@ -1,10 +1,13 @@
 #include "dbui/connections_file.h"
 
 #include "dbif/host/error_text.h"
+#include "dbif/host/host_string.h"
 #include "dbui/connection_listener.h"
 #include "dbui/connections_path.h"
 #include "dbui/guarded_file.h"
 #include "dbui/password_scramble.h"
+#include "dbui/record_fault.h"
+#include "dbui/xml_tags.h"
 
 #include <tinyxml2.h>
 
@@ -34,11 +37,12 @@ DbuiConnection read_element(const tinyxml2::XMLElement& element)
     return record;
 }
 
-/// False, with an empty list, when the bytes are no XML document.
+/// False, with an empty list, when the bytes are no XML document, or none of a usual size.
 bool read_document(const std::string& bytes, Connections* connections)
 {
     tinyxml2::XMLDocument document;
-    if (document.Parse(bytes.data(), bytes.size()) != tinyxml2::XML_SUCCESS) {
+    if (dbui::has_crowded_tag(bytes) ||
+        document.Parse(bytes.data(), bytes.size()) != tinyxml2::XML_SUCCESS) {
         return false;
     }
     const tinyxml2::XMLElement* root = document.FirstChildElement(kRoot);
@@ -114,6 +118,33 @@ std::string document_of(const Connections& connections)
     return text_of(document);
 }
 
+/// What makes a document too large to be read, as a sentence with a line end; empty for any other.
+std::string fault_of_size(const FileContent& content)
+{
+    if (content.state == FileContent::State::TooLarge) {
+        return "It is larger than 4 MiB, so it is no list of connections.\n";
+    }
+    return dbui::has_crowded_tag(content.bytes)
+               ? "An element in it has more than 64 attributes, so it is no list of connections.\n"
+               : "";
+}
+
+std::string fault_of_new_records(const Connections& connections, const Connections& stored)
+{
+    for (const DbuiConnection& connection : connections) {
+        const std::string fault = dbui::fault_of_record(connection);
+        if (!fault.empty() && std::find(stored.begin(), stored.end(), connection) == stored.end()) {
+            return fault;
+        }
+    }
+    return {};
+}
+
+bool is_there(FileContent::State state)
+{
+    return state == FileContent::State::Read || state == FileContent::State::TooLarge;
+}
+
 /// Makes the file unless something stands at its path.
 bool create_file(const std::string& path)
 {
@@ -124,25 +155,42 @@ bool create_file(const std::string& path)
     }
     // Another process may have made it before the lock was ours.
     const FileContent::State state = dbui::read_whole_file(target).state;
-    return state == FileContent::State::Read ||
-           (state == FileContent::State::Missing && dbui::replace_file(target, empty_document()));
+    return is_there(state) || (state == FileContent::State::Missing &&
+                               dbui::replace_file(target, empty_document(), target));
 }
 
-bool change_file(const std::string& path, const std::function<void(Connections*)>& change)
+enum class Rewrite { Saved, Declined, Failed };
+
+/// `message` gets the text of `Failed`.
+Rewrite
+change_file(const std::string& path, const dbui::ConnectionsChange& change, std::string* message)
 {
+    *message = "Failed to save database connections storage file: \"" + path + "\"!\n";
     const std::string target = dbui::follow_links(path);
     const dbui::FileLock lock(target);
     const FileContent old = lock.is_held() ? dbui::read_whole_file(target) : FileContent();
-    if (!lock.is_held() || old.state == FileContent::State::Unreadable) {
-        return false;
+    if (!lock.is_held() || old.state == FileContent::State::Unreadable ||
+        old.state == FileContent::State::TooLarge) {
+        *message += fault_of_size(old);
+        return Rewrite::Failed;
     }
-    Connections connections;
-    if (old.state == FileContent::State::Read && !read_document(old.bytes, &connections) &&
-        !dbui::replace_file(path + ".unreadable", old.bytes)) {
-        return false;
+    dbui::StoredConnections stored;
+    stored.isDamaged =
+        old.state == FileContent::State::Read && !read_document(old.bytes, &stored.connections);
+    const Connections before = stored.connections;
+    if (!change(&stored)) {
+        return Rewrite::Declined;
     }
-    change(&connections);
-    return dbui::replace_file(target, document_of(connections));
+    const std::string fault = fault_of_new_records(stored.connections, before);
+    const std::string document = document_of(stored.connections);
+    if (!fault.empty() || document.size() > dbui::kLargestFile) {
+        *message = fault.empty() ? *message + "The list would need more than 4 MiB.\n" : fault;
+        return Rewrite::Failed;
+    }
+    const bool saved =
+        (!stored.isDamaged || dbui::replace_file(path + ".unreadable", old.bytes, target)) &&
+        dbui::replace_file(target, document, target);
+    return saved ? Rewrite::Saved : Rewrite::Failed;
 }
 } // namespace
 
@@ -155,7 +203,7 @@ bool dbui_create_connections_file_if_not_found(std::string* error)
         dbif::deliver_error(error, message);
         return false;
     }
-    if (dbui::read_whole_file(path).state == FileContent::State::Read || create_file(path)) {
+    if (is_there(dbui::read_whole_file(path).state) || create_file(path)) {
         return true;
     }
     dbif::deliver_error(
@@ -173,18 +221,23 @@ bool dbui_get_connections_from_file(Connections* connections, std::string* error
         return true;
     }
     dbif::deliver_error(
-        error, "Failed to open database connections storage file: \"" + path + "\"!\n");
+        error, "Failed to open database connections storage file: \"" + path + "\"!\n" +
+                   fault_of_size(content));
     return false;
 }
 
 bool dbui_save_connections_to_file(const Connections& connections, std::string* error)
 {
     return dbui::rewrite_connections(
-        [&connections](Connections* stored) { *stored = connections; }, error);
+        [&connections](dbui::StoredConnections* stored) {
+            stored->connections = connections;
+            return true;
+        },
+        error);
 }
 
 namespace dbui {
-bool rewrite_connections(const std::function<void(Connections*)>& change, std::string* error)
+bool rewrite_connections(const ConnectionsChange& change, std::string* error)
 {
     dbif::clear_error(error);
     const QSharedPointer<dbConnectionNameListener> listener =
@@ -199,14 +252,23 @@ bool rewrite_connections(const std::function<void(Connections*)>& change, std::s
     }
 
     // The signals go out while the lock is free, so that a slot can save and nobody waits for one.
-    const bool saved = change_file(path, change);
-    if (saved) {
+    const Rewrite rewrite = change_file(path, change, &message);
+    if (rewrite == Rewrite::Saved) {
         listener->sendConnectionNameListChanged();
-    } else {
-        dbif::deliver_error(
-            error, "Failed to save database connections storage file: \"" + path + "\"!\n");
+    } else if (rewrite == Rewrite::Failed) {
+        dbif::deliver_error(error, message);
     }
     listener->sendPostNotifyConnectionNameListChange();
-    return saved;
+    return rewrite == Rewrite::Saved;
+}
+
+std::string fault_of_saving()
+{
+    const std::string path = dbui_connections_file();
+    std::string message;
+    if (!dbui_make_path_if_required(path, &message)) {
+        return dbif::trimmed(message);
+    }
+    return fault_of_replacing(follow_links(path));
 }
 } // namespace dbui

@@ -15,23 +15,36 @@
 bool dbui_create_connections_file_if_not_found(std::string* error = nullptr);
 
 /// Fills `connections` in file order, each once. False, with an empty list, when the file is
-/// missing, cannot be opened or is no XML.
+/// missing, cannot be opened, is no XML, or is larger than any list of connections: more than 4
+/// MiB, or 64 attributes in an element.
 bool dbui_get_connections_from_file(
     std::vector<DbuiConnection>* connections,
     std::string* error = nullptr);
 
 /// Writes the file anew with exactly these connections, and announces it by
-/// `dbConnectionNameListener`. On failure the old file stays whole.
+/// `dbConnectionNameListener`. On failure the old file stays whole. A record that is not stored yet
+/// and has a `dbui::fault_of_record` is refused, and so is a list that needs more than 4 MiB.
 bool dbui_save_connections_to_file(
     const std::vector<DbuiConnection>& connections,
     std::string* error = nullptr);
 
 namespace dbui {
-/// Writes the stored list as `change` leaves it; the rest as `dbui_save_connections_to_file`.
-/// `change` gets the list as it stands in the file (empty when that is missing or no XML), and no
-/// other process can change the file before the result is written. It must not change the stored
-/// list itself.
-bool rewrite_connections(
-    const std::function<void(std::vector<DbuiConnection>*)>& change,
-    std::string* error);
+/// The list as it stands in the file.
+struct StoredConnections
+{
+    std::vector<DbuiConnection> connections; ///< none when the file is missing or damaged
+    bool isDamaged = false;                  ///< the file is there, but no XML
+};
+
+/// Changes the list; no other process can change the file before the result is written. False
+/// leaves the file as it is. Must not change the stored list itself.
+using ConnectionsChange = std::function<bool(StoredConnections*)>;
+
+/// Writes the stored list as `change` leaves it; the rest as `dbui_save_connections_to_file`. False
+/// without a message when `change` gave false; then only the signals before and after go out.
+bool rewrite_connections(const ConnectionsChange& change, std::string* error);
+
+/// Why the file cannot be rewritten, with the name of the file that is in the way; empty when
+/// nothing is. Tries it without changing anything.
+std::string fault_of_saving();
 } // namespace dbui

@@ -16,6 +16,7 @@
 
 namespace {
 constexpr mode_t kOwnerOnly = 0600;
+constexpr mode_t kAccess = 0777;
 constexpr int kMostLinks = 40; // as many as the kernel follows
 
 /// A file descriptor that closes itself.
@@ -67,14 +68,55 @@ bool read_all(int file, std::string* bytes)
     }
 }
 
-/// A new file with the content, safely on the disk.
-bool write_new_file(const std::string& path, const std::string& bytes)
+/// Gives a new file the owner and the mode of the one at `model`. Only the administrator can give a
+/// file away; what anybody else writes in the place of another's file is their own alone.
+bool take_after(int file, const std::string& model)
+{
+    struct stat status = {};
+    if (stat(model.c_str(), &status) != 0) {
+        return errno == ENOENT;
+    }
+    const bool isTheirs = fchown(file, status.st_uid, status.st_gid) == 0;
+    return (isTheirs || geteuid() != 0) &&
+           fchmod(file, isTheirs ? status.st_mode & kAccess : kOwnerOnly) == 0;
+}
+
+/// A new file with the content, safely on the disk; `errno` says why not.
+bool write_new_file(const std::string& path, const std::string& bytes, const std::string& model)
 {
     // A file of this name is what a killed writer left. It is not written into: it may be a link by
     // now.
     unlink(path.c_str());
     const Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly));
-    return file.is_open() && write_all(file.number(), bytes) && fsync(file.number()) == 0;
+    return file.is_open() && take_after(file.number(), model) && write_all(file.number(), bytes) &&
+           fsync(file.number()) == 0;
+}
+
+/// Opens the lock file of the path. One that the administrator makes belongs to whoever has the
+/// file, or else the folder, so that they can take the lock later.
+int open_lock_file(const std::string& path)
+{
+    const std::string name = path + ".lock";
+    const int flags = O_RDWR | O_NOFOLLOW | O_CLOEXEC;
+    const int file = open(name.c_str(), flags | O_CREAT | O_EXCL, kOwnerOnly);
+    if (file < 0) {
+        return errno == EEXIST ? open(name.c_str(), flags) : file;
+    }
+    struct stat owner = {};
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    if (geteuid() == 0 && (stat(path.c_str(), &owner) == 0 || stat(folder.c_str(), &owner) == 0) &&
+        fchown(file, owner.st_uid, owner.st_gid) != 0) {
+        unlink(name.c_str());
+        close(file);
+        return -1;
+    }
+    return file;
+}
+
+/// Of the last system call.
+std::string fault_at(const std::string& path)
+{
+    return "\"" + path + "\": " + std::generic_category().message(errno);
 }
 
 /// Makes a rename in the directory last. Some network file systems cannot; the rename stands all
@@ -100,8 +142,12 @@ FileContent read_whole_file(const std::string& path)
     }
     struct stat status = {};
     FileContent content;
-    const bool read = fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode) &&
-                      read_all(file.number(), &content.bytes);
+    const bool isFile = fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode);
+    if (isFile && static_cast<std::size_t>(status.st_size) > kLargestFile) {
+        content.state = FileContent::State::TooLarge;
+        return content;
+    }
+    const bool read = isFile && read_all(file.number(), &content.bytes);
     content.state = read ? FileContent::State::Read : FileContent::State::Unreadable;
     return content;
 }
@@ -117,15 +163,34 @@ std::string follow_links(const std::string& path)
     return followed.string();
 }
 
-bool replace_file(const std::string& path, const std::string& bytes)
+bool replace_file(const std::string& path, const std::string& bytes, const std::string& model)
 {
     const std::string fresh = path + ".new";
-    if (!write_new_file(fresh, bytes) || std::rename(fresh.c_str(), path.c_str()) != 0) {
+    if (!write_new_file(fresh, bytes, model) || std::rename(fresh.c_str(), path.c_str()) != 0) {
         unlink(fresh.c_str());
         return false;
     }
     sync_directory_of(path);
     return true;
+}
+
+std::string fault_of_replacing(const std::string& path)
+{
+    const FileLock lock(path);
+    if (!lock.is_held()) {
+        return lock.fault();
+    }
+    const FileContent old = read_whole_file(path);
+    if (old.state == FileContent::State::Unreadable) {
+        return "\"" + path + "\" is no file that may be read";
+    }
+    const std::string fresh = path + ".new";
+    std::string fault;
+    if (!write_new_file(fresh, old.bytes, path)) {
+        fault = fault_at(fresh);
+    }
+    unlink(fresh.c_str());
+    return fault;
 }
 
 FileLock::FileLock(const std::string& path)
@@ -136,10 +201,14 @@ FileLock::FileLock(const std::string& path)
 
     // The kernel gives the lock up with the process, so the file may stay: one that goes away could
     // be locked by two processes, each holding another file of the same name.
-    const int file = open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kOwnerOnly);
+    const int file = open_lock_file(path);
+    if (file < 0) {
+        fault_ = fault_at(path + ".lock");
+    }
     const Clock::time_point deadline = Clock::now() + kLongestWait;
     while (file >= 0 && flock(file, LOCK_EX | LOCK_NB) != 0) {
         if ((errno != EWOULDBLOCK && errno != EINTR) || Clock::now() >= deadline) {
+            fault_ = "\"" + path + ".lock\": another program holds this lock";
             close(file);
             return;
         }

@@ -21,8 +21,8 @@ QString quoted(const std::string& name)
 }
 
 /// False when the server cannot be reached. Whether the database was created shows when it is
-/// opened.
-bool create_database(const DbuiConnection& record)
+/// opened; `refusal` gets the server's words where it was not.
+bool create_database(const DbuiConnection& record, std::string* refusal)
 {
     QSqlDatabase server = QSqlDatabase::addDatabase(QLatin1String(kDriver));
     dbif::mysql_dialect().configure(
@@ -35,8 +35,14 @@ bool create_database(const DbuiConnection& record)
     if (!server.open()) {
         return false;
     }
-    QSqlQuery(server).exec(
-        QLatin1String("CREATE DATABASE IF NOT EXISTS ") + quoted(record.get_databaseName()));
+    {
+        QSqlQuery query(server);
+        if (!query.exec(
+                QLatin1String("CREATE DATABASE IF NOT EXISTS ") +
+                quoted(record.get_databaseName()))) {
+            *refusal = dbif::to_utf8(query.lastError().databaseText()) + "\n";
+        }
+    }
     server.close();
     return true;
 }
@@ -67,7 +73,8 @@ bool is_database_unknown(const DbuiConnection& record, const DBIF_Connection& co
 bool dbui_create_mysql_database_for_connection(const DbuiConnection& record, std::string* error)
 {
     dbif::clear_error(error);
-    const bool reached = create_database(record);
+    std::string detail;
+    const bool reached = create_database(record, &detail);
     QSqlDatabase::removeDatabase(QLatin1String(QSqlDatabase::defaultConnection));
     if (!reached) {
         dbif::deliver_error(
@@ -77,10 +84,11 @@ bool dbui_create_mysql_database_for_connection(const DbuiConnection& record, std
         return false;
     }
     DBIF_Connection connection = dbui::blank_connection();
-    std::string detail;
-    dbui_make_dbif_connection_object(record, &connection, &detail);
+    std::string fault;
+    dbui_make_dbif_connection_object(record, &connection, &fault);
     if (!connection.isValid()) {
-        // The detail is there when the database was created, but could not be filled.
+        // The server's reason, or else, when the database is there, why it could not be filled.
+        detail += fault;
         dbif::deliver_error(
             error,
             "Create MySQL Database Error: Failed to create the MySQL database and open a valid "

@@ -1,3 +1,5 @@
+#include "dbui/connection_registry.h"
+
 #include "tests/support/command_fixture.h"
 #include "tests/support/mariadb_server.h"
 #include "tests/support/sqlite_file.h"
@@ -16,6 +18,31 @@ using namespace test_support; // NOLINT(google-build-using-namespace)
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
+
+TEST_F(Command, TellsWhatKeepsTheListFromBeingSaved)
+{
+    const std::string lock = folder.connections_file() + ".lock";
+    std::filesystem::remove(lock);
+    std::filesystem::create_directory(lock);
+    const std::string other = folder.file("other.db");
+    const Outcome added = dbapi({"connection", "add", "other", "--sqlite", other});
+    const Outcome removed = dbapi({"connection", "remove", "lab"});
+    for (const Outcome& outcome : {added, removed}) {
+        EXPECT_EQ(outcome.code, 5);
+        EXPECT_THAT(
+            outcome.talk, HasSubstr(
+                              "Failed to update the database connections configuration file.\n\"" +
+                              lock + "\": Is a directory\n"));
+    }
+    EXPECT_FALSE(std::filesystem::exists(other));
+    std::filesystem::remove(lock);
+
+    // Written by hand; nothing of it reaches the terminal as it is.
+    write_file(
+        folder.connections_file(), "<DB_Connections><DbConnection ConnectionName=\"odd\" "
+                                   "DatabaseName=\"&#27;[31m\"/></DB_Connections>");
+    EXPECT_THAT(dbapi({"connection", "remove", "odd"}).talk, HasSubstr("\"\\x1b[31m\""));
+}
 
 TEST_F(Command, KeepsConnectionsFromAddToRemove)
 {
@@ -55,6 +82,14 @@ TEST_F(Command, KeepsConnectionsFromAddToRemove)
         "Renamed the connection \"lab\" to \"bench\".\n");
     EXPECT_EQ(dbapi({"connection", "remove", "lab"}).code, 3);
     EXPECT_EQ(dbapi({"connection", "remove", "bench"}).code, 0);
+    for (const char* place : {"one", "two"}) {
+        dbui_add_connection({"twice", "QSQLITE", "", "", place, "", ""}, false);
+    }
+    EXPECT_EQ(
+        lines({"connection", "list"}), "twice\tQSQLITE\tone\t\t\t\ntwice\tQSQLITE\ttwo\t\t\t\n");
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(dbapi({"connection", "remove", "twice"}).code, 0);
+    }
     EXPECT_TRUE(std::filesystem::exists(database));
     const Outcome none = dbapi({"connection", "list"});
     EXPECT_EQ(none.code, 1);

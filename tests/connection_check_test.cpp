@@ -1,7 +1,9 @@
 #include "dbui/connection_check.h"
 #include "dbui/connection_open.h"
 #include "dbui/connection_registry.h"
+#include "dbui/message_boxes.h"
 
+#include "dbui_dialogs/widget_message_boxes.h"
 #include "tests/support/box_clicker.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/temp_directory.h"
@@ -64,6 +66,22 @@ TEST_F(ConnectionCheck, TellsWhatDidNotOpen)
                        message);
         EXPECT_EQ(boxes.take(), "critical: Database Connection: " + error + "[OK]");
     }
+}
+
+TEST_F(ConnectionCheck, IsSilentWhereNobodyRegisteredBoxes)
+{
+    dbui::set_message_boxes(nullptr);
+    EXPECT_TRUE(dbui_test_connection(record("valid"), true, &error));
+    EXPECT_EQ(error, "");
+    EXPECT_FALSE(dbui_validate_connection_opens(record("no/folder"), true, &error));
+    EXPECT_NE(error, "");
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(dbui_test_connection_by_name("lab", true));
+    EXPECT_EQ(
+        testing::internal::GetCapturedStderr(),
+        "Check Database Connection Error: The database connection name \"lab\" was not found.\n");
+    EXPECT_EQ(boxes.take(), "");
+    dbui::register_message_boxes();
 }
 
 TEST_F(ConnectionCheck, GoesByName)

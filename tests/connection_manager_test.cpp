@@ -1,93 +1,38 @@
+#include "dbif/connection/connection.h"
 #include "dbui/connection_registry.h"
 
 #include "tests/support/box_clicker.h"
 #include "tests/support/child_process.h"
+#include "tests/support/editor_robot.h"
 #include "tests/support/stored_connections.h"
 #include "tests/support/temp_directory.h"
-#include "tools/connection_manager/connection_editor.h"
 #include "tools/connection_manager/connection_manager.h"
 #include "tools/connection_manager/manager_translations.h"
 
 #include <QApplication>
 #include <QComboBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTest>
 #include <QTextBrowser>
-#include <QTimer>
 #include <QTranslator>
 #include <QTreeWidget>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 namespace {
-using connection_manager::ConnectionEditor;
 using connection_manager::ConnectionManager;
 using test_support::BoxClicker;
+using test_support::Editor;
+using test_support::InNextEditor;
 using test_support::stored_lines;
 using testing::HasSubstr;
-
-/// The hands of a person in an editor.
-struct Editor
-{
-    QWidget* window;
-
-    [[nodiscard]] QLineEdit* field(const char* name) const
-    {
-        return window->findChild<QLineEdit*>(QString::fromLatin1(name));
-    }
-
-    void type(const char* name, const std::string& text) const
-    {
-        field(name)->selectAll();
-        QTest::keyClick(field(name), Qt::Key_Delete);
-        QTest::keyClicks(field(name), dbif::to_qt(text));
-    }
-
-    /// The word beside a field, with a "!" when the connection cannot be stored.
-    [[nodiscard]] std::string word(const char* name) const
-    {
-        const QString label = QString::fromLatin1(name) + QStringLiteral("Word");
-        const bool isReady = window->findChild<QPushButton*>(QStringLiteral("store"))->isEnabled();
-        return dbif::to_utf8(window->findChild<QLabel*>(label)->text()) + (isReady ? "" : "!");
-    }
-
-    void press(Qt::Key key) const { QTest::keyClick(window->focusWidget(), key); }
-};
-
-/// Does the work once in the next editor that opens, while that is on the screen.
-class InNextEditor
-{
-public:
-    explicit InNextEditor(std::function<void(const Editor&)> work)
-    {
-        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this, work = std::move(work)] {
-            auto* editor = qobject_cast<ConnectionEditor*>(QApplication::activeModalWidget());
-            if (editor == nullptr) {
-                return;
-            }
-            timer_.stop();
-            ASSERT_TRUE(QTest::qWaitForWindowActive(editor));
-            work({editor});
-            if (editor->isVisible()) {
-                editor->reject();
-            }
-            isDone_ = true;
-        });
-        timer_.start(0);
-    }
-
-    /// A key that presses a button takes a moment to do so.
-    void wait() const
-    {
-        EXPECT_TRUE(QTest::qWaitFor([this] { return isDone_; }, 30'000));
-    }
-
-private:
-    bool isDone_ = false;
-    QTimer timer_;
-};
 
 class ConnectionManagerWindow : public testing::Test
 {
@@ -233,13 +178,10 @@ TEST_F(ConnectionManagerWindow, StoresWhatDoesNotOpenOnlyOnYes)
     open({});
     test_support::write_file(folder.file("text.db"), std::string(200, '.'));
     const std::string failure =
-        "critical: Database Connection: Error occurred, Database Connection text's information has "
-        "failed to create and open a valid database connection.\nCheck Database Connection Error: "
-        "Failed to open valid database connection.\nThe SQLite file \"" +
-        folder.file("text.db") +
-        "\" does not open: file is not a database.\n[OK]"
-        "question: Store connection: The connection does not open at the moment. Store it all the "
-        "same?[&Yes][&No*]";
+        "question: Add connection: The connection does not open at the moment. Store it all the "
+        "same?\n\nCheck Database Connection Error: Failed to open valid database connection.\nThe "
+        "SQLite file \"" +
+        folder.file("text.db") + "\" does not open: file is not a database.[&Yes][&No*]";
     for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
         BoxClicker boxes(answer);
         const InNextEditor robot([this, answer](const Editor& editor) {
@@ -276,7 +218,7 @@ TEST_F(ConnectionManagerWindow, RemovesOnlyOnYes)
     std::filesystem::remove(lock);
     std::filesystem::create_directory(lock);
     click("remove");
-    EXPECT_THAT(boxes.take(), HasSubstr("critical: Remove Connection: Failed to save"));
+    EXPECT_THAT(boxes.take(), HasSubstr("warning: Remove connection: Failed to save"));
     EXPECT_EQ(shown(), "b*;");
 
     press(Qt::Key_Escape);
@@ -294,6 +236,76 @@ TEST_F(ConnectionManagerWindow, FollowsChangesByAnybody)
     };
     EXPECT_EQ(test_support::status_of(test_support::start_child(addC)), 0);
     EXPECT_TRUE(QTest::qWaitFor([this] { return shown() == "b*;c;"; }, 30'000)) << shown();
+
+    // An editor writes over the file, which may stand behind a link.
+    const std::string file = folder.connections_file();
+    const std::string text = test_support::read_file(file);
+    const std::filesystem::path target =
+        std::filesystem::path(file).parent_path() / "deep/real.xml";
+    std::filesystem::create_directory(target.parent_path());
+    test_support::write_file(target, "<DB_Connections/>");
+    std::filesystem::remove(file);
+    std::filesystem::create_symlink(target, file);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return shown().empty(); }, 30'000)) << shown();
+    test_support::write_file(target, text);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return shown() == "b*;c;"; }, 30'000)) << shown();
+}
+
+TEST_F(ConnectionManagerWindow, StoresNothingOverWhatOthersStoredMeanwhile)
+{
+    open({"a"});
+    BoxClicker boxes;
+    const auto store_in_vain = [this, &boxes](const char* button, const std::string& name) {
+        const InNextEditor robot([this, &boxes, &name](const Editor& editor) {
+            if (name == "a") {
+                dbui_update_connection(record("a"), record("moved"), false);
+            } else {
+                editor.type("name", name);
+                editor.type("file", folder.file("x.db"));
+                dbui_add_connection(record(name), false);
+            }
+            editor.press(Qt::Key_Return);
+            EXPECT_TRUE(editor.window->isVisible());
+            EXPECT_EQ(editor.word("name"), name == "a" ? "" : "taken!");
+        });
+        click(button);
+        return boxes.take();
+    };
+    EXPECT_EQ(
+        store_in_vain("add", "b"), "warning: Add connection: Another connection has this name by "
+                                   "now. Choose another name.[OK]");
+    list()->setCurrentItem(list()->topLevelItem(0));
+    EXPECT_THAT(
+        store_in_vain("edit", "a"),
+        HasSubstr("The connection was changed or removed by another program"));
+    EXPECT_EQ(stored_lines(), line("b") + line("moved"));
+    EXPECT_FALSE(std::filesystem::exists(folder.file("x.db")));
+}
+
+TEST_F(ConnectionManagerWindow, ReplacesADamagedFileOnlyOnYes)
+{
+    open({"a", "b"});
+    const std::string file = folder.connections_file();
+    std::string damaged = test_support::read_file(file);
+    damaged.resize(damaged.rfind("</DB"));
+    test_support::write_file(file, damaged);
+    for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
+        BoxClicker boxes(answer);
+        const InNextEditor robot([this](const Editor& editor) {
+            editor.type("name", "c");
+            editor.type("file", folder.file("c.db"));
+            editor.press(Qt::Key_Return);
+        });
+        click("add");
+        EXPECT_EQ(
+            boxes.take(),
+            "question: Add connection: The file " + file +
+                " is damaged: its connections cannot be read. Begin a new list with this "
+                "connection? The damaged file is kept as " +
+                file + ".unreadable.[&Yes][&No*]");
+        EXPECT_EQ(stored_lines(), answer == QMessageBox::Yes ? line("c") : "unreadable");
+    }
+    EXPECT_EQ(test_support::read_file(file + ".unreadable"), damaged);
 }
 
 TEST_F(ConnectionManagerWindow, TestsWithoutFreezing)
@@ -307,7 +319,6 @@ TEST_F(ConnectionManagerWindow, TestsWithoutFreezing)
     const auto test_to_the_end = [&] {
         click("test");
         EXPECT_EQ(test->text(), QStringLiteral("&Stop"));
-        EXPECT_FALSE(window->findChild<QPushButton*>(QStringLiteral("remove"))->isEnabled());
         EXPECT_TRUE(
             QTest::qWaitFor([test] { return test->text() == QStringLiteral("&Test"); }, 60'000));
     };
@@ -315,13 +326,73 @@ TEST_F(ConnectionManagerWindow, TestsWithoutFreezing)
     EXPECT_THAT(text(), testing::StartsWith("\"a\" does not work\n"));
     EXPECT_THAT(text(), HasSubstr("Put the file back or correct the path."));
 
-    test_support::write_file(folder.file("a.db"), "");
+    DBIF_Connection("QSQLITE", "", folder.file("a.db").c_str(), "", "", 0)
+        .initializeSchemaIfMissing();
     test_to_the_end();
     EXPECT_THAT(text(), testing::StartsWith("\"a\" works\n"));
 
-    // A window may go while its test goes on.
+    // Stop frees the window at once, and a window may go while its test goes on.
+    click("test");
+    click("test");
+    EXPECT_EQ(test->text(), QStringLiteral("&Test"));
+    EXPECT_EQ(text(), "The test of \"a\" was stopped");
     click("test");
     window.reset();
+}
+
+TEST_F(ConnectionManagerWindow, StaysAliveWhileAServerDoesNotAnswer)
+{
+    // Connections are made to it, and nobody ever says a word.
+    const int listener = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof(address);
+    auto* generic = reinterpret_cast<sockaddr*>(&address);
+    ASSERT_EQ(bind(listener, generic, length) + listen(listener, 9), 0);
+    ASSERT_EQ(getsockname(listener, generic, &length), 0);
+    open({});
+    BoxClicker boxes(QMessageBox::No);
+    const InNextEditor robot([&](const Editor& editor) {
+        editor.type("name", "silent");
+        QTest::keyClick(editor.window->findChild<QComboBox*>(QStringLiteral("kind")), Qt::Key_Down);
+        editor.type("host", "127.0.0.1");
+        editor.type("port", std::to_string(ntohs(address.sin_port)));
+        editor.type("database", "d");
+        editor.type("user", "u");
+        QTest::keyClick(editor.window->focusWidget(), Qt::Key_Return);
+        EXPECT_TRUE(editor.isOpening());
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+        editor.press(Qt::Key_Escape);
+        EXPECT_TRUE(editor.window->isVisible()) << "the first Escape gives the opening up";
+        EXPECT_EQ(editor.word("name"), "");
+
+        auto* test = editor.window->findChild<QPushButton*>(QStringLiteral("testTyped"));
+        for (const char* text : {"S&top", "&Test"}) {
+            QTest::mouseClick(test, Qt::LeftButton);
+            EXPECT_EQ(test->text(), QString::fromLatin1(text));
+        }
+        close(listener); // so that what was given up ends
+    });
+    click("add");
+    EXPECT_EQ(stored_lines() + boxes.take(), "unreadable");
+}
+
+TEST_F(ConnectionManagerWindow, SortsAndTellsWhatToDoWithoutAny)
+{
+    open({"b", "<i>a</i>"});
+    EXPECT_EQ(shown(), "b*;<i>a</i>;");
+    list()->sortByColumn(0, Qt::AscendingOrder);
+    EXPECT_EQ(shown(), "<i>a</i>;b*;");
+    EXPECT_EQ(list()->header()->sectionResizeMode(0), QHeaderView::Interactive);
+    BoxClicker boxes(QMessageBox::Yes);
+    press(Qt::Key_Delete);
+    EXPECT_EQ(stored_lines(), line("<i>a</i>"));
+    list()->setCurrentItem(list()->topLevelItem(0));
+    click("remove");
+    EXPECT_EQ(stored_lines(), "");
+    const QLabel* note = window->findChild<QLabel*>(QStringLiteral("note"));
+    EXPECT_THAT(dbif::to_utf8(note->text()), HasSubstr("No connection is stored yet."));
 }
 
 TEST_F(ConnectionManagerWindow, SpeaksGerman)

@@ -1,4 +1,6 @@
+#include "dbapi/db_connections.h"
 #include "dbui/connection_registry.h"
+#include "dbui/connection_storing.h"
 
 #include "tests/support/box_clicker.h"
 #include "tests/support/stored_connections.h"
@@ -64,6 +66,37 @@ TEST_F(ConnectionRegistry, FindsByExactName)
     dbui_get_connection_names(&names, &error);
     EXPECT_EQ(names, (std::set<std::string>{"a", "b"}));
     EXPECT_EQ(error, "");
+}
+
+TEST_F(ConnectionRegistry, StoresANameOnceWhoeverElseStoresItMeanwhile)
+{
+    // A slot stands for another program: it comes after the name was looked at, and before the
+    // lock is taken.
+    QObject context;
+    QObject::connect(
+        dbConnectionNameListener::getInstance().data(),
+        &dbConnectionNameListener::preNotifyConnectionNamesChanged, &context, [&context] {
+            QObject::disconnect(
+                dbConnectionNameListener::getInstance().data(), nullptr, &context, nullptr);
+            EXPECT_TRUE(dbui_add_connection(kOtherA, false));
+        });
+    EXPECT_FALSE(dbapi::db_create_sqlite_connection("a", folder.file("a.db"), &error));
+    EXPECT_EQ(
+        error, "Could not create the given database connection with name \"a\".\nThe database "
+               "connection with that name already exists.\n");
+
+    using dbui::StoreOutcome;
+    EXPECT_TRUE(dbui_add_connection(kB, false));
+    const DbuiConnection renamed("c", "QMYSQL", "h", "3306", "two", "u", "p");
+    const std::pair<dbui::StoreRequest, StoreOutcome> requests[] = {
+        {{kA, kB}, StoreOutcome::NameTaken},
+        {{renamed, kA}, StoreOutcome::Outdated},
+        {{kNameless, kB}, StoreOutcome::Failed},
+        {{renamed, kB}, StoreOutcome::Stored}};
+    for (const auto& [request, outcome] : requests) {
+        EXPECT_EQ(dbui::store_connection(request, &error), outcome);
+    }
+    EXPECT_EQ(stored_lines(), "a|QSQLITE|||other||;c|QMYSQL|h|3306|two|u|p;");
 }
 
 TEST_F(ConnectionRegistry, TakesAnUnreadableFileForEmpty)

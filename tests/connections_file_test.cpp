@@ -1,3 +1,4 @@
+#include "dbapi/db_connections.h"
 #include "dbui/connection_registry.h"
 #include "dbui/connections_file.h"
 #include "dbui/connections_path.h"
@@ -12,6 +13,7 @@
 #include <csignal>
 #include <sys/ptrace.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 namespace fs = std::filesystem;
 using test_support::read_file;
@@ -168,10 +170,72 @@ TEST_F(ConnectionsFile, KeepsLinksAndWhatItCannotRead)
     EXPECT_TRUE(dbui_add_connection(kLite, false));
     EXPECT_EQ(stored_lines(), "lite|QSQLITE|||/data/a b.db||;");
     EXPECT_EQ(read_file(path + ".unreadable"), "<broken");
+    const uid_t owner = geteuid() == 0 ? test_support::kNobody : geteuid();
+    EXPECT_EQ(chown(real.c_str(), owner, getegid()), 0);
+    fs::remove(real + ".lock");
+    EXPECT_TRUE(dbui_add_connection(kLab, false));
     EXPECT_TRUE(fs::is_symlink(path) && fs::is_symlink(folder.file("second")));
+    struct stat status = {};
     for (const std::string& file : {real, path + ".unreadable"}) {
-        EXPECT_EQ(fs::status(file).permissions(), fs::perms(0600)) << file;
+        EXPECT_EQ(fs::status(file).permissions(), fs::perms(0644)) << file;
     }
+    for (const std::string& file : {real, real + ".lock"}) {
+        EXPECT_EQ(stat(file.c_str(), &status), 0);
+        EXPECT_EQ(status.st_uid, owner) << file << ": the administrator took it away";
+    }
+}
+
+TEST_F(ConnectionsFile, HoldsOnlyWhatEveryReaderOfXmlReads)
+{
+    const std::string odd[] = {"a\x01", "a\r\nb", "a\tb", "\x7f", "\xff"};
+    for (const std::string& text : odd) {
+        for (const DbuiConnection& record :
+             {DbuiConnection(text, "", "", "", "", "", ""),
+              DbuiConnection("a", "QMYSQL", text, "", "", "", ""),
+              DbuiConnection("a", "QMYSQL", "h", "1", "d", text, "p")}) {
+            EXPECT_FALSE(dbui_add_connection(record, false, &error));
+            EXPECT_NE(error.find("cannot be stored.\n"), std::string::npos) << error;
+        }
+    }
+    EXPECT_FALSE(dbapi::db_create_sqlite_connection("a", folder.file("a\r\nb.db"), &error));
+    EXPECT_EQ(
+        error,
+        "Could not create the given database connection with name \"a\".\nThe database of the "
+        "connection holds a control character, such as a line end, so it cannot be stored.\n");
+    EXPECT_FALSE(fs::exists(folder.file("a\r\nb.db")));
+
+    // What is stored already does not keep the rest from being changed.
+    const DbuiConnection password("p", "QMYSQL", "h", "", "d", "u", "a\r\nb\x01");
+    write_file(
+        path, "<DB_Connections><DbConnection ConnectionName=\"a&#1;\" DbDriverName=\"\" "
+              "DatabaseName=\"\"/></DB_Connections>");
+    EXPECT_TRUE(dbui_add_connection(password, false, &error)) << error;
+    EXPECT_EQ(stored_lines(), "a\x01||||||;p|QMYSQL|h||d|u|a\r\nb\x01;");
+}
+
+TEST_F(ConnectionsFile, RefusesWhatIsTooLargeToBeRead)
+{
+    std::string attributes;
+    for (int i = 0; i < 65; ++i) {
+        attributes += " a" + std::to_string(i) + "='>\"'";
+    }
+    const std::string start = message("open database connections storage file:", path);
+    const std::pair<std::string, std::string> files[] = {
+        {"<DB_Connections><!-- it's --><DbConnection ConnectionName='a'" + attributes +
+             "/></DB_Connections>",
+         "An element in it has more than 64 attributes, so it is no list of connections.\n"},
+        {"<DB_Connections>" + std::string((4 << 20) + 1, ' ') + "</DB_Connections>",
+         "It is larger than 4 MiB, so it is no list of connections.\n"}};
+    for (const auto& [text, fault] : files) {
+        write_file(path, text);
+        std::vector<DbuiConnection> connections;
+        EXPECT_FALSE(dbui_get_connections_from_file(&connections, &error));
+        EXPECT_EQ(error, start + fault);
+    }
+    EXPECT_FALSE(dbui_add_connection(kLite, false, &error));
+    EXPECT_EQ(
+        error, message("save database connections storage file:", path) +
+                   "It is larger than 4 MiB, so it is no list of connections.\n");
 }
 
 TEST_F(ConnectionsFile, LosesNothingBetweenTwoProcesses)

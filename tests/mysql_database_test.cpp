@@ -117,5 +117,6 @@ TEST_F(MySqlDatabase, IsNotCreatedWhereTheServerRefuses)
     EXPECT_FALSE(dbui_create_mysql_database_for_connection(tooLong, &error));
     EXPECT_EQ(
         error, "Create MySQL Database Error: Failed to create the MySQL database and open a valid "
-               "database connection.\n");
+               "database connection.\nIncorrect database name '" +
+                   std::string(65, 'x') + "'\n");
 }

@@ -102,13 +102,47 @@ TEST_P(Schema, RefusesWhatItDidNotWrite)
         database.execute("UPDATE database_info SET schema_version = 'abc'");
         EXPECT_THAT(refusal(), HasSubstr("does not tell the version of the schema."));
     }
-    database.execute("DELETE FROM database_info");
-    EXPECT_THAT(refusal(), HasSubstr("\" holds an incomplete measurement schema"));
+    database.execute("UPDATE database_info SET schema_version = 1");
+    if (GetParam() == Engine::Sqlite) {
+        database.execute("DELETE FROM database_info");
+        EXPECT_THAT(refusal(), HasSubstr("\" holds an incomplete measurement schema"));
+    }
     database.execute("INSERT INTO die (id, lot) VALUES (1, 'A')");
+    database.execute("DELETE FROM database_info");
     EXPECT_THAT(refusal(), HasSubstr("is damaged: its table \"database_info\""));
 }
 
 INSTANTIATE_ON_ENGINES(Schema);
+
+TEST(SchemaOnMariaDb, IsMadeAnewWhereItsCreationWasInterrupted)
+{
+    MeasurementDatabase database(Engine::MariaDb, MeasurementDatabase::Schema::Leave);
+    const auto refusal = [&database] {
+        return thrown_by([&] { database.connection.initializeSchemaIfMissing(); });
+    };
+    EXPECT_EQ(refusal(), "nothing thrown");
+    const std::string all = "SELECT count(*) FROM information_schema.tables WHERE table_schema = "
+                            "DATABASE()";
+    const std::string complete = database.rows(all.c_str());
+    // Late, early, and while what was left is dropped.
+    for (const std::vector<const char*>& lost :
+         {std::vector<const char*>{"TABLE setup_data"},
+          {"TABLE multi_table", "VIEW latest_setup"},
+          {"TABLE multi_table_column"}}) {
+        database.execute("DELETE FROM database_info");
+        for (const char* part : lost) {
+            database.execute((std::string("DROP ") + part).c_str());
+        }
+        EXPECT_EQ(refusal(), "nothing thrown");
+        EXPECT_EQ(database.rows(all.c_str()), complete);
+    }
+
+    // Tables of others stay.
+    database.execute("DELETE FROM database_info");
+    database.execute("CREATE TABLE recipes (name INTEGER)");
+    EXPECT_THAT(refusal(), HasSubstr("\" holds an incomplete measurement schema"));
+    EXPECT_EQ(database.rows("SELECT count(*) FROM recipes"), "0;");
+}
 
 TEST(SchemaOfEngines, IsTheSameOnSqliteAndMariaDb)
 {

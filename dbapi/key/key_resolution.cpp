@@ -71,6 +71,19 @@ ResolutionRule rule_of(const WantedKey& wanted, std::size_t named)
     return named > 1 ? ResolutionRule::Definition : ResolutionRule::OnlyName;
 }
 
+/// In the order in which candidates are listed, each once.
+void sort_candidates(std::vector<KeyCandidate>* keys)
+{
+    std::map<std::string, KeyCandidate> byText;
+    for (KeyCandidate& key : *keys) {
+        byText.emplace(key.canonicalText(), std::move(key));
+    }
+    keys->clear();
+    for (auto& [text, key] : byText) {
+        keys->push_back(std::move(key));
+    }
+}
+
 /// Each keyword's choice among the keys.
 Resolutions choose(const WantedKeys& wanted, const KeysByName& keys)
 {
@@ -104,6 +117,9 @@ void settle_ambiguous(
     for (KeyCandidate& held : held_keys(connection, ambiguous, condition, latestOnly)) {
         keys[held.name].push_back(std::move(held));
     }
+    for (auto& [name, candidates] : keys) {
+        sort_candidates(&candidates);
+    }
     for (auto& [keyword, resolution] : *resolutions) {
         if (resolution.outcome != Outcome::Ambiguous) {
             continue;
@@ -125,6 +141,9 @@ Resolutions resolve_wanted(
     const auto choose_by_definition = [&] {
         KeysByName keys = fixed_columns(wanted);
         add_definitions(connection, wanted, &keys);
+        for (auto& [name, candidates] : keys) {
+            sort_candidates(&candidates);
+        }
         return choose(wanted, keys);
     };
     Resolutions resolutions = choose_by_definition();
@@ -155,28 +174,22 @@ Resolution choose_key(
     const WantedKey& wanted,
     const std::vector<KeyCandidate>& keys)
 {
-    std::map<std::string, const KeyCandidate*> agreeing;
-    std::size_t named = 0;
+    Resolution resolution;
     for (const KeyCandidate& key : keys) {
-        named += key.name == wanted.name ? 1 : 0;
+        resolution.named += key.name == wanted.name ? 1 : 0;
         if (agrees(wanted, key)) {
-            agreeing.emplace(key.canonicalText(), &key);
+            resolution.candidates.push_back(key);
         }
     }
-    Resolution resolution;
-    resolution.named = named;
-    resolution.agreeing = agreeing.size();
-    resolution.rule = rule_of(wanted, named);
-    for (const auto& [text, key] : agreeing) {
-        resolution.candidates.push_back(*key);
-    }
-    if (agreeing.empty()) {
+    resolution.agreeing = resolution.candidates.size();
+    resolution.rule = rule_of(wanted, resolution.named);
+    if (resolution.agreeing == 0) {
         resolution.fault = keyword_fault(
             Fault::Kind::UnknownKey, keyword,
             resolution_failure(
                 keyword,
                 "No matching key could be found in the database for the given keyword.\n"));
-    } else if (agreeing.size() > 1) {
+    } else if (resolution.agreeing > 1) {
         resolution.outcome = Outcome::Ambiguous;
         std::vector<std::string> forms;
         for (const KeyCandidate& key : resolution.candidates) {

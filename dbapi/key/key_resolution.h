@@ -55,7 +55,8 @@ struct Resolution
 };
 
 /// Chooses, among keys whose words are known, the one that agrees with a keyword (as the caller
-/// wrote it, for messages). Asks no database.
+/// wrote it, for messages). Several are listed in the order in which they are given. Asks no
+/// database.
 Resolution choose_key(
     const std::string& keyword,
     const WantedKey& wanted,

@@ -77,6 +77,13 @@ const std::map<std::string, Builtin>& places()
     return table;
 }
 
+/// By "TABLE.COLUMN", in upper case.
+const std::map<std::string, std::string>& builtins_by_column()
+{
+    static const std::map<std::string, std::string> table = dbapi::build_builtin_keywords(true);
+    return table;
+}
+
 [[maybe_unused]] const bool builtAtLoad = !builtins().empty();
 } // namespace
 
@@ -104,21 +111,23 @@ bool dbapi_is_builtin_keyword_dynamic(const std::string& keyword)
 
 bool dbapi_convert_keyword_to_builtin_keyname(const std::string& text, std::string* builtin)
 {
-    return dbapi_is_keyword_in_map(
-        dbapi::build_builtin_keywords(true), text, builtin, nullptr, nullptr);
+    const auto found = builtins_by_column().find(dbapi::normalised(text));
+    const bool isFound = found != builtins_by_column().end();
+    if (builtin != nullptr) {
+        *builtin = isFound ? found->second : std::string();
+    }
+    return isFound;
 }
 
 void dbapi_convert_any_keynames_in_set_to_builtins(
     std::set<std::string>& keynames,
     const std::string& tablename)
 {
-    const auto builtinByColumn = dbapi::build_builtin_keywords(true);
     const std::string prefix = tablename + ".";
     std::set<std::string> converted;
     for (const std::string& keyname : keynames) {
         std::string builtin;
-        const bool isFixed =
-            dbapi_is_keyword_in_map(builtinByColumn, prefix + keyname, &builtin, nullptr, nullptr);
+        const bool isFixed = dbapi_convert_keyword_to_builtin_keyname(prefix + keyname, &builtin);
         converted.insert(isFixed ? builtin : keyname);
     }
     keynames = std::move(converted);

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <set>
 #include <thread>
+#include <vector>
 
 namespace dbif {
 namespace {
@@ -231,9 +232,124 @@ private:
     SqlText clusteredOptions_;
 };
 
+/// The right to create the schema on a server, which commits each CREATE TABLE by itself. A session
+/// that dies gives it up.
+class CreationLock
+{
+    Q_DISABLE_COPY_MOVE(CreationLock)
+
+public:
+    CreationLock(QSqlDatabase& database, const SqlDialect& dialect) : database_(database)
+    {
+        isHeld_ = dialect.isServer() && call("GET_LOCK(", ", 10)");
+    }
+
+    ~CreationLock()
+    {
+        if (isHeld_) {
+            call("RELEASE_LOCK(", ")");
+        }
+    }
+
+    /// False where there is none to be had, as in some clusters.
+    [[nodiscard]] bool isHeld() const { return isHeld_; }
+
+private:
+    bool call(const char* function, const char* end)
+    {
+        QSqlQuery query(database_);
+        const QLatin1String name("CONCAT('dbapi.schema.', MD5(DATABASE()))");
+        return query.exec(
+                   QLatin1String("SELECT ") + QLatin1String(function) + name +
+                   QLatin1String(end)) &&
+               query.next() && query.value(0).toInt() == 1;
+    }
+
+    QSqlDatabase& database_;
+    bool isHeld_ = false;
+};
+
+/// What the schema is made of; the information stands first, as its creation begins with it.
+struct SchemaParts
+{
+    std::vector<std::string> tables = {"database_info", "multi_table", "multi_table_column"};
+    std::vector<std::string> views;
+};
+
+SchemaParts schema_parts()
+{
+    SchemaParts parts;
+    for (const RecordTable table : kRecordTables) {
+        const TableFacts& f = facts(table);
+        for (const std::string& name : {std::string(f.name), f.columnTable(), f.dataTable()}) {
+            parts.tables.push_back(name);
+        }
+        (f.keys == KeyKind::Direction ? parts.tables : parts.views).push_back(f.associationTable());
+        if (f.hasLatest()) {
+            parts.views.push_back(f.latestView());
+        }
+    }
+    return parts;
+}
+
+/// Whether these are tables of a creation that was interrupted, and nothing else: all names are of
+/// the schema, and none but the directory holds a row.
+bool is_beginning_of_schema(QSqlDatabase& database, const std::set<std::string>& tables)
+{
+    const SchemaParts parts = schema_parts();
+    std::set<std::string> foreign = tables;
+    for (const std::string& view : parts.views) {
+        foreign.erase(view);
+    }
+    for (const std::string& table : parts.tables) {
+        if (foreign.erase(table) == 0 || table == "multi_table") {
+            continue;
+        }
+        const SqlText columns =
+            table == "database_info" ? SqlText("schema_version, writes") : SqlText("1");
+        SqlText sql;
+        sql << "SELECT " << columns << " FROM " << SqlName(table) << " LIMIT 1";
+        QSqlQuery query(database);
+        if (!query.exec(sql.toQt()) || query.next()) {
+            return false;
+        }
+    }
+    return foreign.empty() && tables.contains("database_info");
+}
+
+/// Drops what an interrupted creation left on a server. Where that is not sure, or not allowed,
+/// everything stays.
+void drop_beginning_of_schema(QSqlDatabase& database, const SqlDialect& dialect)
+{
+    // Whoever is just creating the schema holds the lock.
+    const CreationLock lock(database, dialect);
+    if (!lock.isHeld() || schema_state(database, dialect).kind != SchemaState::Kind::Incomplete ||
+        !is_beginning_of_schema(database, tables_of(database, dialect))) {
+        return;
+    }
+    const SchemaParts parts = schema_parts();
+    const auto drop = [&database](const SqlText& kind, const std::string& name) {
+        SqlText sql;
+        sql << kind << SqlName(name);
+        return QSqlQuery(database).exec(sql.toQt());
+    };
+    for (const std::string& view : parts.views) {
+        if (!drop("DROP VIEW IF EXISTS ", view)) {
+            return;
+        }
+    }
+    // The information goes last, so that the rest is still known for what it is.
+    for (auto table = parts.tables.rbegin(); table != parts.tables.rend(); ++table) {
+        if (!drop("DROP TABLE IF EXISTS ", *table)) {
+            return;
+        }
+    }
+}
+
 void create_schema(QSqlDatabase& database, const SqlDialect& dialect)
 {
     dialect.prepareStorage(database);
+    const CreationLock lock(database, dialect);
     run(database, dialect.beginWrite());
     try {
         // Another process may have been faster.
@@ -302,7 +418,10 @@ SchemaState schema_state(QSqlDatabase& database, const SqlDialect& dialect)
         return {SchemaState::Kind::Empty};
     }
     if (!tables.contains("database_info") || !tables.contains("multi_table")) {
-        return {SchemaState::Kind::Foreign};
+        return {
+            dialect.isServer() && is_beginning_of_schema(database, tables)
+                ? SchemaState::Kind::Incomplete
+                : SchemaState::Kind::Foreign};
     }
     QSqlQuery query(database);
     run(query, SqlText("SELECT schema_version FROM database_info WHERE id = 1"));
@@ -320,6 +439,10 @@ SchemaState schema_state(QSqlDatabase& database, const SqlDialect& dialect)
 void initialize_schema(QSqlDatabase& database, const SqlDialect& dialect)
 {
     SchemaState state = settled_state(database, dialect);
+    if (state.kind == SchemaState::Kind::Incomplete && dialect.isServer()) {
+        drop_beginning_of_schema(database, dialect);
+        state = schema_state(database, dialect);
+    }
     if (state.kind == SchemaState::Kind::Empty) {
         create_schema(database, dialect);
         state = settled_state(database, dialect);

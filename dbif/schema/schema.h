@@ -27,6 +27,7 @@ SchemaState schema_state(QSqlDatabase& database, const SqlDialect& dialect);
 
 /// Creates the measurement schema in a database without tables, in one transaction where the engine
 /// can. Accepts a database that holds the schema, and writes nothing to it. Throws `DBIF_Exception`
-/// for a database with other tables, and for one whose schema is newer.
+/// for a database with other tables, and for one whose schema is newer. What a creation left on a
+/// server that was interrupted is dropped and made anew, as long as it holds no data.
 void initialize_schema(QSqlDatabase& database, const SqlDialect& dialect);
 } // namespace dbif

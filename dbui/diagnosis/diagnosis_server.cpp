@@ -284,7 +284,9 @@ void report_database_fault(
     case kUnknownDatabase:
         report->fail(
             Layer::Database, line_of(error),
-            "Correct the name, or create the database: adding a connection to it does.");
+            "Correct the name, or create the database: adding a connection to it does, where the "
+            "account may. " +
+                advice.toWrite);
         break;
     case kDatabaseDenied:
     case kAccessDenied:

@@ -17,3 +17,13 @@ run(${CMAKE_COMMAND} -S ${SOURCE} -B ${WORK}/build -G ${GENERATOR} -D CMAKE_PREF
 run(${CMAKE_COMMAND} --build ${WORK}/build)
 set(ENV{VANTO_DB_CONNECTIONS_DIRECTORY} ${WORK}/connections)
 run(${WORK}/build/consumer ${WORK}/consumer.db)
+run(${WORK}/build/consumer_with_dialogs)
+
+# Neither the library nor the command needs windows.
+file(GLOB command ${WORK}/installed/bin/dbapi)
+foreach(program ${WORK}/build/consumer ${command})
+    execute_process(COMMAND ldd ${program} OUTPUT_VARIABLE libraries COMMAND_ERROR_IS_FATAL ANY)
+    if(libraries MATCHES "libQt6(Gui|Widgets|OpenGL)|libGL|libEGL")
+        message(FATAL_ERROR "${program} links windows:\n${libraries}")
+    endif()
+endforeach()

@@ -1,15 +1,23 @@
 #pragma once
 
 #include "dbui/connection_record.h"
+#include "dbui/connection_storing.h"
+
+#include "tools/connection_manager/opening_run.h"
 
 #include <QDialog>
+#include <QSharedPointer>
 
 #include <optional>
 #include <set>
 #include <string>
 
+class QLabel;
+class QPushButton;
+
 namespace connection_manager {
 class ConnectionForm;
+class DiagnosisView;
 
 /// A dialog in which a connection is typed, checked and stored. It stays open until the connection
 /// is stored or the user gives up.
@@ -29,13 +37,30 @@ public:
     void setRecord(const DbuiConnection& record);
     [[nodiscard]] DbuiConnection record() const;
 
+    /// Opens the connection, and stores it when it opens or the user wants it all the same.
     void accept() override;
+    /// Gives the opening up, or else closes.
+    void reject() override;
 
 private:
-    /// Whether it opens, or is to be stored although it does not.
-    bool isWorthStoring();
+    void open(OpeningRun::MissingDatabase missing);
+    void finishOpening(const Opening& opening);
+    void endOpening();
+    void store();
+    void test();
+    void showState();
+    /// Whether nothing keeps the connection from being stored; says otherwise what does.
+    bool isPossible(dbui::StoreOutcome outcome, const std::string& error);
+    /// Asks.
+    bool mayReplaceDamagedFile();
 
     std::optional<DbuiConnection> old_;
     ConnectionForm* form_;
+    QLabel* progress_;
+    DiagnosisView* diagnosis_;
+    QPushButton* test_ = nullptr;
+    QPushButton* store_ = nullptr;
+    QPushButton* cancel_ = nullptr;
+    QSharedPointer<OpeningRun> opening_; // while the connection is being opened
 };
 } // namespace connection_manager

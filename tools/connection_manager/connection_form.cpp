@@ -121,6 +121,12 @@ void ConnectionForm::setRecord(const DbuiConnection& record)
     check();
 }
 
+void ConnectionForm::addTakenName(const std::string& name)
+{
+    taken_.insert(name);
+    check();
+}
+
 DbuiConnection ConnectionForm::record() const
 {
     const std::string driver = dbif::to_utf8(kind_->currentData().toString());

@@ -24,6 +24,8 @@ public:
     explicit ConnectionForm(std::set<std::string> taken, QWidget* parent = nullptr);
 
     void setRecord(const DbuiConnection& record);
+    /// Another program has stored a connection of this name.
+    void addTakenName(const std::string& name);
     /// What is typed, without blanks around it; only the fields that the kind of database has.
     [[nodiscard]] DbuiConnection record() const;
     /// Whether nothing is missing or wrong.

@@ -5,16 +5,16 @@
 #include "dbui/connection_registry.h"
 #include "dbui/connections_file.h"
 #include "dbui/connections_path.h"
+#include "dbui/guarded_file.h"
 
 #include "tools/connection_manager/connection_editor.h"
-#include "tools/connection_manager/diagnosis_run.h"
 #include "tools/connection_manager/diagnosis_view.h"
+#include "tools/connection_manager/plain_boxes.h"
 
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QShortcut>
 #include <QSplitter>
@@ -22,6 +22,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <array>
 
 namespace connection_manager {
 namespace {
@@ -72,20 +73,16 @@ ConnectionManager::ConnectionManager(QWidget* parent) : QDialog(parent)
     setWindowTitle(tr("Database connections"));
     makeList();
     note_ = new QLabel;
+    note_->setObjectName(QStringLiteral("note"));
     note_->setWordWrap(true);
+    note_->setTextFormat(Qt::PlainText);
     diagnosis_ = new DiagnosisView;
     diagnosis_->hide();
+    connect(diagnosis_, &DiagnosisView::testingChanged, this, &ConnectionManager::showButtons);
     layOut();
     addShortcuts();
     followTheFile();
     reload();
-}
-
-ConnectionManager::~ConnectionManager()
-{
-    if (running_) {
-        running_->stop();
-    }
 }
 
 void ConnectionManager::makeList()
@@ -98,9 +95,13 @@ void ConnectionManager::makeList()
     list_->setAllColumnsShowFocus(true);
     list_->setUniformRowHeights(true);
     list_->setTextElideMode(Qt::ElideMiddle);
-    list_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    list_->header()->setSectionResizeMode(2, QHeaderView::Stretch);
-    list_->header()->setStretchLastSection(false);
+    constexpr std::array kWidths{150, 70, 320};
+    for (int column = 0; column < static_cast<int>(kWidths.size()); ++column) {
+        list_->header()->resizeSection(column, kWidths.at(static_cast<std::size_t>(column)));
+    }
+    list_->setSortingEnabled(true);
+    list_->header()->setSortIndicatorClearable(true);
+    list_->sortByColumn(-1, Qt::AscendingOrder); // as stored, until a heading is clicked
     connect(list_, &QTreeWidget::itemSelectionChanged, this, &ConnectionManager::showButtons);
     connect(list_, &QTreeWidget::itemActivated, this, &ConnectionManager::editConnection);
 }
@@ -164,32 +165,53 @@ void ConnectionManager::addShortcuts()
 
 void ConnectionManager::followTheFile()
 {
-    // The listener tells of changes of this program, the folder of those by others.
+    // The listener tells of changes of this program, the watcher of those by others.
     connect(
         dbConnectionNameListener::getInstance().data(),
         &dbConnectionNameListener::connectionNamesListChanged, this, &ConnectionManager::reload);
     std::string ignored;
-    const std::string file = dbui_connections_file();
-    dbui_make_path_if_required(file, &ignored);
-    watcher_.addPath(QFileInfo(dbif::to_qt(file)).absolutePath());
+    dbui_make_path_if_required(dbui_connections_file(), &ignored);
     connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, &ConnectionManager::reload);
+    connect(&watcher_, &QFileSystemWatcher::fileChanged, this, &ConnectionManager::reload);
+    watchTheFile();
+}
+
+void ConnectionManager::watchTheFile()
+{
+    // A folder changes when a file in it is replaced, the file itself when it is written over; each
+    // replaced file has to be watched anew. Behind a link, both stand somewhere else.
+    const std::string path = dbui_connections_file();
+    const std::string target = dbui::follow_links(path);
+    const QStringList watched = watcher_.files() + watcher_.directories();
+    for (const QString& wanted :
+         {QFileInfo(dbif::to_qt(path)).absolutePath(),
+          QFileInfo(dbif::to_qt(target)).absolutePath(), dbif::to_qt(target)}) {
+        if (!watched.contains(wanted) && QFileInfo::exists(wanted)) {
+            watcher_.addPath(wanted);
+        }
+    }
 }
 
 void ConnectionManager::reload()
 {
+    watchTheFile();
     std::vector<DbuiConnection> stored;
     std::string error;
     const bool isRead = dbui_get_connections_from_file(&stored, &error);
     const bool isMissing = !QFileInfo::exists(dbif::to_qt(dbui_connections_file()));
+    const QString file = dbif::to_qt(dbui_connections_file());
     note_->setText(
-        isRead || isMissing ? tr("Stored in %1").arg(dbif::to_qt(dbui_connections_file()))
-                            : dbif::to_qt(error).trimmed());
+        !isRead && !isMissing ? dbif::to_qt(error).trimmed()
+        : stored.empty()
+            ? tr("No connection is stored yet. Add stores the first one in %1").arg(file)
+            : tr("Stored in %1").arg(file));
     if (stored == connections_ && list_->topLevelItemCount() > 0) {
         return; // whatever changed in the folder, it was not the list
     }
     const std::optional<DbuiConnection> before = selected();
     connections_ = stored;
     list_->clear();
+    list_->setSortingEnabled(false); // once for all
     for (const DbuiConnection& record : connections_) {
         const QString kind = is_file(record) ? tr("SQLite")
                              : record.get_dbDriverName() == "QMYSQL"
@@ -198,8 +220,10 @@ void ConnectionManager::reload()
         auto* item = new QTreeWidgetItem(
             list_, {dbif::to_qt(record.get_connectionName()), kind, place_of(record),
                     dbif::to_qt(record.get_databaseUsername())});
-        item->setToolTip(2, place_of(record));
+        item->setToolTip(2, QStringLiteral("<p>%1</p>").arg(place_of(record).toHtmlEscaped()));
+        item->setData(0, Qt::UserRole, list_->topLevelItemCount() - 1);
     }
+    list_->setSortingEnabled(true);
     select(before ? before->get_connectionName() : std::string());
     showButtons();
 }
@@ -210,8 +234,7 @@ std::optional<DbuiConnection> ConnectionManager::selected() const
     if (items.isEmpty()) {
         return std::nullopt;
     }
-    const int row = list_->indexOfTopLevelItem(items.front());
-    return connections_.at(static_cast<std::size_t>(row));
+    return connections_.at(items.front()->data(0, Qt::UserRole).toULongLong());
 }
 
 void ConnectionManager::select(const std::string& name)
@@ -224,14 +247,13 @@ void ConnectionManager::select(const std::string& name)
 
 void ConnectionManager::showButtons()
 {
-    const bool isIdle = running_.isNull();
+    const bool isTesting = diagnosis_->isTesting();
     const bool hasSelection = !list_->selectedItems().isEmpty();
-    add_->setEnabled(isIdle);
     for (QPushButton* button : {edit_, duplicate_, remove_}) {
-        button->setEnabled(isIdle && hasSelection);
+        button->setEnabled(hasSelection);
     }
-    test_->setEnabled(hasSelection || !isIdle);
-    test_->setText(isIdle ? tr("&Test") : tr("&Stop"));
+    test_->setEnabled(hasSelection || isTesting);
+    test_->setText(isTesting ? tr("&Stop") : tr("&Test"));
 }
 
 void ConnectionManager::run(ConnectionEditor& editor)
@@ -251,7 +273,7 @@ void ConnectionManager::addConnection()
 void ConnectionManager::editConnection()
 {
     const std::optional<DbuiConnection> old = selected();
-    if (!old || running_) {
+    if (!old) {
         return;
     }
     std::set<std::string> others = names_of(connections_);
@@ -283,20 +305,19 @@ void ConnectionManager::removeConnection()
     const QString question =
         tr("Forget the connection \"%1\"? Its database stays as it is.")
             .arg(record ? dbif::to_qt(record->get_connectionName()) : QString());
-    if (record && QMessageBox::question(
-                      this, tr("Remove connection"), question, QMessageBox::Yes | QMessageBox::No,
-                      QMessageBox::No) == QMessageBox::Yes) {
-        std::string shown; // in a box, by the call itself
-        dbui_remove_connection(*record, true, &shown);
+    if (record && confirm(this, tr("Remove connection"), question)) {
+        std::string error;
+        if (!dbui_remove_connection(*record, false, &error)) {
+            warn(this, tr("Remove connection"), dbif::to_qt(error).trimmed());
+        }
     }
     list_->setFocus();
 }
 
 void ConnectionManager::testConnection()
 {
-    if (running_) {
-        running_->stop();
-        test_->setEnabled(false); // until the layer that it is at has ended
+    if (diagnosis_->isTesting()) {
+        diagnosis_->stop();
         return;
     }
     const std::optional<DbuiConnection> record = selected();
@@ -307,18 +328,6 @@ void ConnectionManager::testConnection()
         diagnosis_->show();
         resize(width(), std::max(height(), minimumSizeHint().height()) + kMoreHeight);
     }
-    diagnosis_->begin(dbif::to_qt(record->get_connectionName()));
-    running_ = DiagnosisRun::make();
-    connect(running_.data(), &DiagnosisRun::stepDone, diagnosis_, &DiagnosisView::add);
-    connect(running_.data(), &DiagnosisRun::finished, this, &ConnectionManager::finishTest);
-    DiagnosisRun::start(running_, *record);
-    showButtons();
-}
-
-void ConnectionManager::finishTest()
-{
-    diagnosis_->finish(running_->isStopped());
-    running_.reset();
-    showButtons();
+    diagnosis_->test(*record);
 }
 } // namespace connection_manager

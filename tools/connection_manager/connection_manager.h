@@ -1,11 +1,9 @@
 #pragma once
 
 #include "dbui/connection_record.h"
-#include "dbui/diagnosis/diagnosis_step.h"
 
 #include <QDialog>
 #include <QFileSystemWatcher>
-#include <QSharedPointer>
 
 #include <optional>
 #include <vector>
@@ -16,7 +14,6 @@ class QTreeWidget;
 
 namespace connection_manager {
 class ConnectionEditor;
-class DiagnosisRun;
 class DiagnosisView;
 
 /// The window in which people keep their stored connections: the list, which follows every change
@@ -28,11 +25,6 @@ class ConnectionManager : public QDialog
 
 public:
     explicit ConnectionManager(QWidget* parent = nullptr);
-    ~ConnectionManager() override;
-    ConnectionManager(const ConnectionManager&) = delete;
-    ConnectionManager& operator=(const ConnectionManager&) = delete;
-    ConnectionManager(ConnectionManager&&) = delete;
-    ConnectionManager& operator=(ConnectionManager&&) = delete;
 
 private:
     void makeList();
@@ -41,6 +33,7 @@ private:
     QPushButton*
     addButton(const char* name, const QString& text, void (ConnectionManager::*action)()) const;
     void followTheFile();
+    void watchTheFile();
 
     void reload();
     void showButtons();
@@ -52,7 +45,6 @@ private:
     void duplicateConnection();
     void removeConnection();
     void testConnection();
-    void finishTest();
     /// Shows the editor until the connection is stored or the user gives up.
     void run(ConnectionEditor& editor);
 
@@ -66,6 +58,5 @@ private:
     QPushButton* remove_ = nullptr;
     QPushButton* test_ = nullptr;
     QFileSystemWatcher watcher_;
-    QSharedPointer<DiagnosisRun> running_; // while a test goes on
 };
 } // namespace connection_manager

@@ -2,7 +2,7 @@
 
 #include "dbui/diagnosis/connection_diagnosis.h"
 
-#include <QThreadPool>
+#include "tools/connection_manager/library_thread.h"
 
 namespace connection_manager {
 QSharedPointer<DiagnosisRun> DiagnosisRun::make()
@@ -13,12 +13,13 @@ QSharedPointer<DiagnosisRun> DiagnosisRun::make()
 
 void DiagnosisRun::start(const QSharedPointer<DiagnosisRun>& run, const DbuiConnection& record)
 {
-    // The application waits for this pool when it ends.
-    QThreadPool::globalInstance()->start([run, record] {
-        dbui::diagnose_connection(record, [&run](const dbui::DiagnosisStep& step) {
-            emit run->stepDone(step);
-            return !run->isStopped();
-        });
+    run_in_library_thread([run, record] {
+        if (!run->isStopped()) {
+            dbui::diagnose_connection(record, [&run](const dbui::DiagnosisStep& step) {
+                emit run->stepDone(step);
+                return !run->isStopped();
+            });
+        }
         emit run->finished();
     });
 }

@@ -9,8 +9,7 @@
 #include <atomic>
 
 namespace connection_manager {
-/// A diagnosis that goes on in a thread of its own, so that windows stay alive meanwhile. Nobody
-/// else uses the library until `finished`.
+/// A diagnosis that goes on in the thread of the library, so that windows stay alive meanwhile.
 class DiagnosisRun : public QObject
 {
     Q_OBJECT

@@ -2,6 +2,8 @@
 
 #include "dbif/host/host_string.h"
 
+#include "tools/connection_manager/diagnosis_run.h"
+
 #include <algorithm>
 
 namespace connection_manager {
@@ -38,22 +40,55 @@ DiagnosisView::DiagnosisView(QWidget* parent) : QTextBrowser(parent)
     setTabChangesFocus(true);
 }
 
-void DiagnosisView::begin(const QString& connectionName)
+DiagnosisView::~DiagnosisView()
 {
-    connectionName_ = connectionName;
+    giveUp();
+}
+
+void DiagnosisView::test(const DbuiConnection& record)
+{
+    giveUp();
+    connectionName_ = dbif::to_qt(record.get_connectionName());
     steps_.clear();
     render(tr("Testing \"%1\" ...").arg(connectionName_));
+    running_ = DiagnosisRun::make();
+    connect(running_.data(), &DiagnosisRun::stepDone, this, &DiagnosisView::add);
+    connect(running_.data(), &DiagnosisRun::finished, this, &DiagnosisView::finish);
+    DiagnosisRun::start(running_, record);
+    emit testingChanged();
+}
+
+void DiagnosisView::stop()
+{
+    giveUp();
+    render(tr("The test of \"%1\" was stopped").arg(connectionName_));
+    emit testingChanged();
+}
+
+void DiagnosisView::giveUp()
+{
+    if (running_) {
+        disconnect(running_.data(), nullptr, this, nullptr);
+        running_->stop();
+        running_.reset();
+    }
 }
 
 void DiagnosisView::add(const dbui::DiagnosisStep& step)
 {
-    steps_.push_back(step);
-    render(tr("Testing \"%1\" ...").arg(connectionName_));
+    if (sender() == running_.data()) { // and not one that was given up, but already on its way
+        steps_.push_back(step);
+        render(tr("Testing \"%1\" ...").arg(connectionName_));
+    }
 }
 
-void DiagnosisView::finish(bool isStopped)
+void DiagnosisView::finish()
 {
-    render(isStopped ? tr("The test of \"%1\" was stopped").arg(connectionName_) : conclusion());
+    if (sender() == running_.data()) {
+        running_.reset();
+        render(conclusion());
+        emit testingChanged();
+    }
 }
 
 QString DiagnosisView::conclusion() const

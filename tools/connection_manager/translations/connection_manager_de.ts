@@ -8,12 +8,36 @@
         <translation>&amp;Speichern</translation>
     </message>
     <message>
-        <source>Store connection</source>
-        <translation>Verbindung speichern</translation>
-    </message>
-    <message>
         <source>The connection does not open at the moment. Store it all the same?</source>
         <translation>Die Verbindung lässt sich zurzeit nicht öffnen. Trotzdem speichern?</translation>
+    </message>
+    <message>
+        <source>Opening the connection ...</source>
+        <translation>Die Verbindung wird geöffnet ...</translation>
+    </message>
+    <message>
+        <source>&amp;Test</source>
+        <translation>&amp;Testen</translation>
+    </message>
+    <message>
+        <source>The server %1 has no database &quot;%2&quot;. Create it?</source>
+        <translation>Der Server %1 hat keine Datenbank „%2“. Soll sie angelegt werden?</translation>
+    </message>
+    <message>
+        <source>S&amp;top</source>
+        <translation>An&amp;halten</translation>
+    </message>
+    <message>
+        <source>Another connection has this name by now. Choose another name.</source>
+        <translation>Inzwischen trägt eine andere Verbindung diesen Namen. Bitte einen anderen wählen.</translation>
+    </message>
+    <message>
+        <source>The connection was changed or removed by another program while this window was open. Nothing was stored. Close this window, and edit the connection as it is now.</source>
+        <translation>Ein anderes Programm hat die Verbindung geändert oder entfernt, während dieses Fenster offen war. Nichts wurde gespeichert. Bitte dieses Fenster schließen und die Verbindung so bearbeiten, wie sie jetzt ist.</translation>
+    </message>
+    <message>
+        <source>The file %1 is damaged: its connections cannot be read. Begin a new list with this connection? The damaged file is kept as %1.unreadable.</source>
+        <translation>Die Datei %1 ist beschädigt: Ihre Verbindungen lassen sich nicht lesen. Mit dieser Verbindung eine neue Liste beginnen? Die beschädigte Datei bleibt als %1.unreadable erhalten.</translation>
     </message>
 </context>
 <context>
@@ -216,6 +240,10 @@
     <message>
         <source>Remove connection</source>
         <translation>Verbindung entfernen</translation>
+    </message>
+    <message>
+        <source>No connection is stored yet. Add stores the first one in %1</source>
+        <translation>Noch ist keine Verbindung gespeichert. „Hinzufügen“ speichert die erste in %1</translation>
     </message>
 </context>
 <context>

@@ -2,7 +2,9 @@
 #include "dbapi/words/text_rules.h"
 #include "dbif/host/host_string.h"
 #include "dbsuggest/stored_names.h"
+#include "dbui/connections_file.h"
 #include "dbui/diagnosis/connection_diagnosis.h"
+#include "dbui/record_fault.h"
 
 #include "tools/dbapi/commands/command_declarations.h"
 #include "tools/dbapi/output/terminal.h"
@@ -63,24 +65,17 @@ void check_folder(const std::string& file)
     }
 }
 
-/// The stored record is text, which a byte that is none could not be read back from.
-void check_is_text(const AddOptions& options)
-{
-    for (const std::string* text :
-         {&options.name, &options.file, &options.database, &options.host, &options.port,
-          &options.user}) {
-        if (!dbif::is_utf8(*text)) {
-            throw CommandFailure(
-                ExitCode::WrongUsage, dbapi::quoted(*text) +
-                                          " is not UTF-8 text, so it cannot be stored. Choose "
-                                          "another name, or rename the file.");
-        }
-    }
-}
-
 void check_options(const AddOptions& options)
 {
-    check_is_text(options);
+    // As typed: the blanks that are taken off around a text may be line ends.
+    const DbuiConnection typed(
+        options.name, "", options.host, options.port,
+        options.database.empty() ? options.file : options.database, options.user, "");
+    if (const std::string fault = dbui::fault_of_record(typed); !fault.empty()) {
+        throw CommandFailure(
+            ExitCode::WrongUsage,
+            dbif::trimmed(fault) + " Choose another one, or rename the file.");
+    }
     if (dbif::trimmed(options.name).empty()) {
         throw CommandFailure(ExitCode::WrongUsage, "a connection needs a name");
     }
@@ -96,14 +91,21 @@ void check_options(const AddOptions& options)
     }
 }
 
-/// What to do about a file that SQLite does not open. Where it opens, the error itself says that.
-std::string advice_for_file(const std::string& file)
+/// What keeps the list of connections from being written comes first: the rest was not tried then.
+[[noreturn]] void throw_failure(const std::string& errors, const std::string& advice)
 {
-    using dbui::DiagnosisStep;
-    if (std::error_code ignored; !std::filesystem::exists(file, ignored)) {
-        return "\nCheck that you may write in its folder, or name a file in another one.";
+    const std::string fault = dbui::fault_of_saving();
+    if (!fault.empty()) {
+        throw CommandFailure(ExitCode::File, dbif::trimmed(errors) + "\n" + fault);
     }
-    const DbuiConnection record("", "QSQLITE", "", "", file, "", "");
+    throw CommandFailure(ExitCode::Connection, dbif::trimmed(errors) + advice);
+}
+
+using dbui::DiagnosisStep;
+
+/// The advice of the layer that fails. From the schema on, the error itself says what to do.
+std::string advice_of_diagnosis(const DbuiConnection& record)
+{
     for (const DiagnosisStep& step : dbui::diagnose_connection(record)) {
         if (step.outcome == DiagnosisStep::Outcome::Failed) {
             return step.layer == DiagnosisStep::Layer::Schema ? "" : "\n" + step.advice;
@@ -112,31 +114,43 @@ std::string advice_for_file(const std::string& file)
     return {};
 }
 
+std::string advice_for_server(const AddOptions& options, const std::string& password)
+{
+    return advice_of_diagnosis(
+        {"", "QMYSQL", options.host, options.port, options.database, options.user, password});
+}
+
+/// What to do about a file that SQLite does not open.
+std::string advice_for_file(const std::string& file)
+{
+    if (std::error_code ignored; !std::filesystem::exists(file, ignored)) {
+        return "\nCheck that you may write in its folder, or name a file in another one.";
+    }
+    return advice_of_diagnosis({"", "QSQLITE", "", "", file, "", ""});
+}
+
 ExitCode add_connection(const AddOptions& options)
 {
     check_options(options);
     if (options.database.empty()) {
         check_folder(options.file);
     }
+    const bool isFile = options.database.empty();
+    const std::string password = isFile ? std::string() : password_for(options);
     std::string errors;
     const bool isAdded =
-        options.database.empty()
-            ? db_create_sqlite_connection(options.name, absolute_path(options.file), &errors)
-            : db_create_mysql_connection(
-                  options.name, options.database, options.host, options.user, password_for(options),
-                  options.port, &errors);
+        isFile ? db_create_sqlite_connection(options.name, absolute_path(options.file), &errors)
+               : db_create_mysql_connection(
+                     options.name, options.database, options.host, options.user, password,
+                     options.port, &errors);
     if (!isAdded) {
-        throw CommandFailure(
-            ExitCode::Connection,
-            dbif::trimmed(errors) +
-                (options.database.empty()
-                     ? advice_for_file(absolute_path(options.file))
-                     : "\nCheck the host, port, user and password, and that the server runs."));
+        throw_failure(
+            errors, isFile ? advice_for_file(absolute_path(options.file))
+                           : advice_for_server(options, dbif::trimmed(password)));
     }
     const std::string target =
-        options.database.empty()
-            ? "the SQLite file " + dbapi::quoted(absolute_path(options.file))
-            : "the MySQL database " + dbapi::quoted(options.database) + " at " + options.host;
+        isFile ? "the SQLite file " + dbapi::quoted(absolute_path(options.file))
+               : "the MySQL database " + dbapi::quoted(options.database) + " at " + options.host;
     talk(
         "Added the connection " + dbapi::quoted(dbif::trimmed(options.name)) + " to " + target +
         ".");

@@ -6,12 +6,14 @@
 #include "tools/dbapi/output/terminal.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
 #include <utility>
 
 namespace dbapi::tool {
 namespace {
-/// Whatever is stored of each connection but its password.
+/// Whatever is stored of each connection but its password. Two of one name, which a file written by
+/// hand may have, are both shown.
 ExitCode list_connections(const OutputOptions& output)
 {
     DataTable table;

@@ -2,6 +2,7 @@
 #include "dbapi/words/text_rules.h"
 #include "dbif/host/host_string.h"
 #include "dbsuggest/stored_names.h"
+#include "dbui/connections_file.h"
 
 #include "tools/dbapi/commands/command_declarations.h"
 #include "tools/dbapi/output/terminal.h"
@@ -16,7 +17,10 @@ ExitCode remove_connection(const std::string& name)
     const DbuiConnection record = stored_connection(name);
     std::string errors;
     if (!db_remove_connection(name, &errors)) {
-        throw CommandFailure(ExitCode::Connection, dbif::trimmed(errors));
+        const std::string fault = dbui::fault_of_saving();
+        throw CommandFailure(
+            fault.empty() ? ExitCode::Connection : ExitCode::File,
+            dbif::trimmed(dbif::trimmed(errors) + "\n" + fault));
     }
     talk(
         "Removed the connection " + dbapi::quoted(name) + ". Its database " +

@@ -112,7 +112,7 @@ std::string ask_secretly(const std::string& prompt)
 {
     std::string line;
     const SilentKeys keys; // before the prompt, so that no early key is shown or lost
-    std::fputs(prompt.c_str(), stderr);
+    std::fputs(display_text(prompt).c_str(), stderr);
     std::fflush(stderr);
     for (;;) {
         const char key = SilentKeys::next();
