@@ -1,5 +1,7 @@
 #include "benchmarks/peer_filling.h"
 
+#include "dbif/connection/managed_connection.h"
+
 #include <map>
 
 namespace bench {
@@ -113,7 +115,7 @@ public:
         for (const PeerTable& table : tables()) {
             const std::vector<dbif::SqlName> columns(table.columns.begin(), table.columns.end());
             tables_.push_back(
-                {connection.session().inserter(dbif::SqlName(table.name), columns), 0});
+                {connection.inner().session().inserter(dbif::SqlName(table.name), columns), 0});
         }
         row(Catalog).text("benchmarks").text(kTime).endRow();
     }
@@ -238,28 +240,28 @@ void add_devices(const Population& population, PeerFiller* filler)
 template <typename Add>
 void fill(DBIF_Connection& connection, const Add& add)
 {
-    if (connection.dialect().isServer()) {
+    if (connection.inner().dialect().isServer()) {
         // As on SQLite: rows of different tables are sent in batches, not always parents first.
         run(connection, "SET SESSION foreign_key_checks = 0");
     }
     std::vector<dbif::SqlName> names;
     for (const PeerTable& table : tables()) {
-        const dbif::SqlText options =
-            connection.dialect().tableOptions(connection.database(), table.isClustered);
+        const dbif::SqlText options = connection.inner().dialect().tableOptions(
+            connection.inner().database(), table.isClustered);
         run(connection, std::string("CREATE TABLE ") + table.name + " (" + table.definition + ")" +
                             options.utf8());
         names.emplace_back(table.name);
     }
-    connection.beginWriteTransaction();
+    connection.inner().beginWriteTransaction();
     PeerFiller filler(connection);
     add(&filler);
     filler.finish();
-    connection.commitTransaction();
+    connection.inner().commitTransaction();
     for (const char* index : kIndexes) {
         run(connection, std::string("CREATE INDEX ") + index);
     }
-    for (const dbif::SqlText& statement : connection.dialect().analyze(names)) {
-        connection.execute(statement, __FILE__, __LINE__);
+    for (const dbif::SqlText& statement : connection.inner().dialect().analyze(names)) {
+        connection.inner().execute(statement, __FILE__, __LINE__);
     }
 }
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "dbapi/call/public_call.h"
 #include "dbapi/read/keyword_read.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/host/error_text.h"
 
@@ -11,7 +12,7 @@ std::vector<std::vector<std::string>> read_texts(dbif::ColumnRead read)
 {
     const DBIF_Connection connection = read.connection;
     dbif::QueryResult result = dbif::read_columns(std::move(read));
-    const dbif::TraceStep step(connection.trace(), "write the values as text");
+    const dbif::TraceStep step(connection.inner().trace(), "write the values as text");
     std::vector<std::vector<std::string>> texts;
     for (dbif::ResultColumn& column : result.columns) {
         texts.push_back(dbif::take_texts(&column));

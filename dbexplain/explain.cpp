@@ -7,6 +7,7 @@
 #include "dbexplain/query_explanation.h"
 #include "dbexplain/read_explanation.h"
 #include "dbif/connection/column_store.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/schema/table_graph.h"
 
 #include <algorithm>
@@ -86,7 +87,7 @@ Explanation explain(const DataRequest& request)
     explanation.keywords = request.keywords;
     explanation.query = request.query;
     DBIF_Connection connection = kept_connection(request.connection);
-    explanation.engine = connection.dialect().name();
+    explanation.engine = connection.inner().dialect().name();
     const QueryCondition built = build_condition(connection, request.query);
     const QueryTree tree = parse_query(request.query);
     explanation.latestOnly = tree.latestOnly;

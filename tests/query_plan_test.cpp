@@ -1,6 +1,7 @@
 #include "dbapi/call/cache_refresh.h"
 #include "dbapi/dbapi.h"
 #include "dbif/connection/bulk_cursor.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/connection/newest_time.h"
 #include "dbif/connection/traced_connection.h"
 
@@ -136,7 +137,7 @@ class PlanReader
 public:
     explicit PlanReader(DBIF_Connection connection)
     {
-        dbif::BulkCursor names(connection, connection.dialect().listTables());
+        dbif::BulkCursor names(connection, connection.inner().dialect().listTables());
         while (names.next()) {
             rows_[std::string(names.text(0))] = 0;
         }

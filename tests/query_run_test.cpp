@@ -1,5 +1,6 @@
 #include "dbif/condition/constant_condition.h"
 #include "dbif/condition/id_list.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/connection/transaction_guard.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/record/record_tables.h"
@@ -177,9 +178,9 @@ TEST_P(ManyRecords, DoNotTrustTheNumberOfTheirPoints)
     // The setup has no point of the key, and all its points are alike.
     database.execute("UPDATE setup_association SET points = 2000000000 WHERE setup_id = 1");
     dbif::ReadTrace trace(dbif::ReadTrace::Plans::Leave);
-    database.connection.setTrace(&trace);
+    database.connection.inner().setTrace(&trace);
     EXPECT_EQ(found(), (std::vector<int>{1, kDevices + 1}));
-    database.connection.setTrace(nullptr);
+    database.connection.inner().setTrace(nullptr);
     EXPECT_LT(trace.points().points, 10'000U);
     database.execute("UPDATE setup_association SET points = -1 WHERE setup_id = 1");
     EXPECT_THAT(thrown_by(found), HasSubstr("Setup 1 is damaged (it has -1 points)."));

@@ -1,3 +1,4 @@
+#include "dbif/connection/managed_connection.h"
 #include "dbif/connection/newest_time.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/record/record_tables.h"
@@ -341,7 +342,7 @@ TEST_P(Writer, RefusesWhatCannotBeStoredAndStoresNothing)
 TEST_P(Writer, ReadsTheStoredKeysOnceHoweverManyAreNew)
 {
     dbif::ReadTrace trace(dbif::ReadTrace::Plans::Leave);
-    database.connection.setTrace(&trace);
+    database.connection.inner().setTrace(&trace);
     database.write([](RecordWriter& writer) {
         std::vector<dbif::SetupColumn> columns;
         for (int i = 0; i < 40; ++i) {
@@ -349,7 +350,7 @@ TEST_P(Writer, ReadsTheStoredKeysOnceHoweverManyAreNew)
         }
         writer.addSetup(writer.addCondition(writer.addMeasurement({}), {}), {}, columns, "file");
     });
-    database.connection.setTrace(nullptr);
+    database.connection.inner().setTrace(nullptr);
     std::size_t reads = 0;
     for (const dbif::TracedStatement& statement : trace.statements()) {
         const bool readsKeys =

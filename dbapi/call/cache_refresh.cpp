@@ -3,6 +3,7 @@
 #include "dbapi/call/connection_access.h"
 #include "dbapi/query/query_condition.h"
 #include "dbif/connection/column_store.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/connection/newest_time.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/host/error_text.h"
@@ -15,7 +16,7 @@ namespace {
 dbif::FileState file_state(const DbapiCache& cache)
 {
     return cache.connection != nullptr && cache.connection->isValid()
-               ? cache.connection->fileState()
+               ? cache.connection->inner().fileState()
                : dbif::FileState::Replaced;
 }
 
@@ -67,9 +68,9 @@ enum class Freshness { Same, Changed, Unknown };
 
 Freshness compare_with_database(DbapiCache& cache)
 {
-    const dbif::TraceStep step(cache.connection->trace(), dbif::kFreshnessStep);
+    const dbif::TraceStep step(cache.connection->inner().trace(), dbif::kFreshnessStep);
     try {
-        const dbif::ChangeToken token = cache.connection->changeToken();
+        const dbif::ChangeToken token = cache.connection->inner().changeToken();
         if (token == cache.changeToken) {
             return Freshness::Same;
         }
@@ -142,10 +143,10 @@ bool is_database_modified_time_newer(DbapiCache& cache)
 void update_database_modified_time(DbapiCache& cache)
 {
     cache.clear_database_modified_time();
-    const dbif::TraceStep step(cache.connection->trace(), dbif::kFreshnessStep);
+    const dbif::TraceStep step(cache.connection->inner().trace(), dbif::kFreshnessStep);
     try {
         // The token first: a change in between then makes the next check look again.
-        const dbif::ChangeToken token = cache.connection->changeToken();
+        const dbif::ChangeToken token = cache.connection->inner().changeToken();
         cache.modifiedTime = dbif::newest_time(*cache.connection);
         cache.changeToken = token;
     } catch (const DBIF_Exception&) {

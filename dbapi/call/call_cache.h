@@ -3,6 +3,7 @@
 #include "dbapi/key/key_resolution.h"
 #include "dbif/condition/condition.h"
 #include "dbif/connection/connection.h"
+#include "dbif/engine/sql_dialect.h"
 #include "dbui/connection_record.h"
 
 #include <QDateTime>

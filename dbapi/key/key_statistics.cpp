@@ -4,6 +4,7 @@
 #include "dbapi/words/vocabulary.h"
 #include "dbif/condition/condition.h"
 #include "dbif/connection/connection.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/connection/transaction_guard.h"
 #include "dbif/host/host_string.h"
 #include "dbif/schema/schema_names.h"
@@ -36,8 +37,9 @@ QString statistics_statement(
                       table.columnLink() + ", COUNT(*) AS records, " + aggregates + "\nFROM ";
     const std::string selected = dbif::trimmed(dbif::to_utf8(recordIds));
     if (!selected.empty()) {
-        sql += "(" + selected + ") selected" + connection.dialect().orderedJoin().utf8() + held +
-               " ON " + held + "." + table.linkColumn() + " = selected." + table.linkColumn();
+        sql += "(" + selected + ") selected" + connection.inner().dialect().orderedJoin().utf8() +
+               held + " ON " + held + "." + table.linkColumn() + " = selected." +
+               table.linkColumn();
     } else {
         sql += held;
     }

@@ -6,6 +6,7 @@
 #include "dbif/condition/column_condition.h"
 #include "dbif/condition/compound_condition.h"
 #include "dbif/condition/constant_condition.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/host/error_text.h"
 
@@ -221,7 +222,7 @@ QueryCondition build(DBIF_Connection& connection, const QueryTree& tree)
         return {std::make_unique<DBIF_TrueCondition>(), tree.latestOnly};
     }
     const Resolutions resolutions = resolve_terms(connection, tree);
-    const dbif::TraceStep building(connection.trace(), "build the condition");
+    const dbif::TraceStep building(connection.inner().trace(), "build the condition");
     return {condition_of(tree, *tree.root, resolutions), tree.latestOnly};
 }
 } // namespace
@@ -244,7 +245,7 @@ Resolutions resolve_terms(DBIF_Connection& connection, const QueryTree& tree)
     if (const Fault* fault = find_syntax_fault(*tree.root)) {
         throw FaultError(*fault);
     }
-    const dbif::TraceStep step(connection.trace(), "resolve the keywords");
+    const dbif::TraceStep step(connection.inner().trace(), "resolve the keywords");
     try {
         return resolve_keywords(connection, keywords_of(*tree.root), nullptr, tree.latestOnly);
     } catch (const FaultError& error) {
@@ -261,7 +262,7 @@ condition_of(const QueryTree& tree, const QueryNode& node, const Resolutions& re
 
 QueryCondition build_condition(DBIF_Connection& connection, const std::string& query)
 {
-    const dbif::TraceStep step(connection.trace(), "parse the query");
+    const dbif::TraceStep step(connection.inner().trace(), "parse the query");
     const QueryTree tree = parse_query(query);
     const std::string heading =
         "Error: Invalid query condition string encountered: " + quoted(tree.rest) + ".\n";

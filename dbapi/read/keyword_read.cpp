@@ -3,6 +3,7 @@
 #include "dbapi/call/call_cache.h"
 #include "dbapi/words/database_fault.h"
 #include "dbif/condition/column_condition.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/engine/read_trace.h"
 
 #include <set>
@@ -14,7 +15,7 @@ namespace {
 Resolution resolve(const Selection& selection, const std::string& keyword)
 {
     DBIF_Connection connection = selection.connection;
-    const dbif::TraceStep step(connection.trace(), "resolve the keywords");
+    const dbif::TraceStep step(connection.inner().trace(), "resolve the keywords");
     DbapiCache* kept = cache();
     const bool isCached =
         kept != nullptr && kept->is_validCache() && *kept->connection == connection;
@@ -62,7 +63,7 @@ std::vector<dbif::TableColumn> columns_for_keywords(
     const DBIF_QueryCondition* condition,
     bool latestOnly)
 {
-    const dbif::TraceStep step(connection.trace(), "resolve the keywords");
+    const dbif::TraceStep step(connection.inner().trace(), "resolve the keywords");
     const Resolutions resolutions = resolve_keywords(
         connection, std::set<std::string>(keywords.begin(), keywords.end()), condition, latestOnly);
     std::vector<dbif::TableColumn> columns;

@@ -1,6 +1,7 @@
 #include "dbif/condition/condition_sql.h"
 
 #include "dbif/connection/column_store.h"
+#include "dbif/connection/managed_connection.h"
 
 #include <algorithm>
 #include <span>
@@ -117,7 +118,7 @@ SqlText comparison_sql(const ColumnComparison& comparison, DBIF_Connection& conn
     return sql << "("
                << value_condition(
                       qualified(f.name, comparison.column.uniqueName()), comparison,
-                      connection.dialect())
+                      connection.inner().dialect())
                << ")";
 }
 
@@ -197,7 +198,7 @@ SqlText records_with_key(
     if (comparison.comparator == NOT_NULL || (isOnPoints && !comparison.holdsNumbers)) {
         return sql;
     }
-    const SqlDialect& dialect = connection.dialect();
+    const SqlDialect& dialect = connection.inner().dialect();
     sql << " AND (";
     if (isOnPoints) {
         sql << bounds_condition(comparison.ranges, dialect);

@@ -1,6 +1,7 @@
 #include "dbif/condition/id_list.h"
 
 #include "dbif/connection/bulk_cursor.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/host/host_string.h"
 
 #include <QUuid>
@@ -30,8 +31,9 @@ IdList::IdList(DBIF_Connection connection, RecordTable table, const std::vector<
     } else {
         temporaryTable_ = "selected_" + to_utf8(QUuid::createUuid().toString(QUuid::Id128));
         const SqlName name(temporaryTable_);
-        connection_.execute(connection_.dialect().createIdTable(name), __FILE__, __LINE__);
-        const auto inserter = connection_.session().inserter(name, {SqlName("id")});
+        connection_.inner().execute(
+            connection_.inner().dialect().createIdTable(name), __FILE__, __LINE__);
+        const auto inserter = connection_.inner().session().inserter(name, {SqlName("id")});
         for (const int id : ids) {
             inserter->integer(id).endRow();
         }
@@ -44,7 +46,8 @@ IdList::IdList(DBIF_Connection connection, RecordTable table, const std::vector<
 IdList::~IdList()
 {
     if (!temporaryTable_.empty()) {
-        connection_.executeWhenIdle(connection_.dialect().dropIdTable(SqlName(temporaryTable_)));
+        connection_.inner().executeWhenIdle(
+            connection_.inner().dialect().dropIdTable(SqlName(temporaryTable_)));
     }
 }
 

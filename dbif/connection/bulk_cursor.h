@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dbif/connection/connection.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/engine/native_statement.h"
 
 #include <limits>
@@ -16,7 +17,7 @@ class BulkCursor
 {
 public:
     BulkCursor(const DBIF_Connection& connection, const SqlText& sql)
-        : statement_(connection.prepare(sql))
+        : statement_(connection.inner().prepare(sql))
     {}
 
     bool next() { return statement_->step(); }

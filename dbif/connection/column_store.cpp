@@ -1,5 +1,6 @@
 #include "dbif/connection/column_store.h"
 
+#include "dbif/connection/managed_connection.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/engine/sql_text.h"
 #include "dbif/host/exception.h"
@@ -11,23 +12,23 @@ namespace dbif {
 ColumnStore& ColumnStore::of(DBIF_Connection& connection)
 {
     return static_cast<ColumnStore&>(
-        connection.attachment([] { return std::make_unique<ColumnStore>(); }));
+        connection.inner().attachment([] { return std::make_unique<ColumnStore>(); }));
 }
 
 void ColumnStore::load(DBIF_Connection& connection, RecordTable table, Definitions* definitions)
 {
     const TableInfo& f = table_info(table);
-    const TraceStep step(connection.trace(), kDefinitionsStep);
+    const TraceStep step(connection.inner().trace(), kDefinitionsStep);
     definitions->list.clear();
     definitions->byKey.clear();
-    definitions->readAt = connection.changeToken();
+    definitions->readAt = connection.inner().changeToken();
     SqlText sql;
     sql << "SELECT id, name, data_type, "
         << (f.keys == KeyKind::Direction
                 ? SqlText("CASE WHEN is_input = 1 THEN 'IN' ELSE 'OUT' END")
                 : SqlText("category"))
         << ", column_key FROM " << SqlName(f.columnTable()) << " ORDER BY id";
-    const auto rows = connection.prepare(sql);
+    const auto rows = connection.inner().prepare(sql);
     while (rows->step()) {
         KeyDefinition definition;
         definition.id = static_cast<int>(rows->integer(0));
@@ -51,7 +52,7 @@ ColumnStore::find(DBIF_Connection& connection, RecordTable table, std::string_vi
     }
     auto found = definitions.byKey.find(std::string(key));
     if (found == definitions.byKey.end() && wasLoaded &&
-        !(definitions.readAt == connection.changeToken())) {
+        !(definitions.readAt == connection.inner().changeToken())) {
         load(connection, table, &definitions);
         found = definitions.byKey.find(std::string(key));
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbif/connection/connection.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/value/table_column.h"
 
 #include <array>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dbif/connection/connection.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/engine/read_trace.h"
 
 namespace dbif {
@@ -12,12 +13,12 @@ class TracedConnection
 
 public:
     TracedConnection(DBIF_Connection connection, ReadTrace* trace)
-        : connection_(std::move(connection)), before_(connection_.trace())
+        : connection_(std::move(connection)), before_(connection_.inner().trace())
     {
-        connection_.setTrace(trace);
+        connection_.inner().setTrace(trace);
     }
 
-    ~TracedConnection() { connection_.setTrace(before_); }
+    ~TracedConnection() { connection_.inner().setTrace(before_); }
 
 private:
     DBIF_Connection connection_;

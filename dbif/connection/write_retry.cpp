@@ -1,5 +1,6 @@
 #include "dbif/connection/write_retry.h"
 
+#include "dbif/connection/managed_connection.h"
 #include "dbif/host/exception.h"
 
 #include <chrono>
@@ -14,7 +15,7 @@ constexpr int kFirstPauseMilliseconds = 200;
 
 bool is_worth_repeating(const DBIF_Connection& connection, const QSqlError& error)
 {
-    const SqlDialect& dialect = connection.dialect();
+    const SqlDialect& dialect = connection.inner().dialect();
     // A connection that was lost a moment ago, and that the server does not take again yet.
     const bool isAway = dialect.isServer() && error.type() == QSqlError::ConnectionError;
     return isAway || dialect.isTransient(error) || dialect.isConnectionLost(error);

@@ -43,7 +43,8 @@ struct TracedPoints
 };
 
 /// Notes what is read through the connection that it is attached to, in what steps and how long
-/// each took (see `DBIF_Connection::setTrace`). Its cost is paid only while one is attached.
+/// each took (see `DBIF_Connection::ManagedConnection::setTrace`). Its cost is paid only while one
+/// is attached.
 class ReadTrace
 {
     Q_DISABLE_COPY_MOVE(ReadTrace)

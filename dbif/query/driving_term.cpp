@@ -1,5 +1,6 @@
 #include "dbif/query/driving_term.h"
 
+#include "dbif/connection/managed_connection.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/query/selectivity.h"
 #include "dbif/schema/table_graph.h"
@@ -85,8 +86,8 @@ ConditionTree with_driving_term(
     if (condition.kind() != Kind::And && condition.kind() != Kind::Or) {
         return condition;
     }
-    const TraceStep step(connection.trace(), "find the most selective term");
-    const bool isWeighed = connection.dialect().weighsSubSelects();
+    const TraceStep step(connection.inner().trace(), "find the most selective term");
+    const bool isWeighed = connection.inner().dialect().weighsSubSelects();
     std::vector<ConditionTree> operands{condition};
     if (condition.kind() == Kind::And) {
         operands = condition.operands();

@@ -1,5 +1,6 @@
 #include "dbif/query/dynamic_column.h"
 
+#include "dbif/connection/column_store.h"
 #include "dbif/host/exception.h"
 #include "dbif/host/host_string.h"
 #include "dbif/query/fixed_column.h"

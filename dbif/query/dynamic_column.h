@@ -1,8 +1,8 @@
 #pragma once
 
 #include "dbif/condition/column_condition.h"
-#include "dbif/connection/column_store.h"
 #include "dbif/connection/connection.h"
+#include "dbif/value/key_definition.h"
 
 #include <QSharedPointer>
 #include <QString>

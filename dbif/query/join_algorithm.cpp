@@ -1,5 +1,6 @@
 #include "dbif/query/join_algorithm.h"
 
+#include "dbif/engine/sql_text.h"
 #include "dbif/host/host_string.h"
 #include "dbif/schema/table_graph.h"
 

@@ -2,6 +2,7 @@
 
 #include "dbif/condition/condition_simplification.h"
 #include "dbif/condition/condition_sql.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/host/exception.h"
 #include "dbif/query/driving_term.h"
 
@@ -157,7 +158,7 @@ SqlText join_keys(RecordTable base, DBIF_Connection& connection, std::vector<Con
         }
         const std::string name = "key" + std::to_string(++count);
         joins << "\n"
-              << connection.dialect().orderedJoin() << "("
+              << connection.inner().dialect().orderedJoin() << "("
               << records_with_key(link, part.comparison(), connection) << ") AS " << SqlName(name)
               << " ON " << qualified(name, f.linkColumn()) << " = " << qualified(f.name, "id");
     }

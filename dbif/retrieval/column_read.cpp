@@ -3,6 +3,7 @@
 #include "dbif/condition/condition_sql.h"
 #include "dbif/condition/id_list.h"
 #include "dbif/connection/bulk_cursor.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/connection/transaction_guard.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/query/record_query.h"
@@ -149,10 +150,10 @@ QueryResult read_columns(ColumnRead read)
     DBIF_Connection& connection = read.connection;
     const ReadTransaction transaction(connection);
 
-    const TraceStep step(connection.trace(), "read the records");
+    const TraceStep step(connection.inner().trace(), "read the records");
     std::unique_ptr<IdList> picked;
     if (read.condition.hasPoints() && !read.isOnPoints()) {
-        const TraceStep picking(connection.trace(), "pick the records by their points");
+        const TraceStep picking(connection.inner().trace(), "pick the records by their points");
         const RecordTable base = meeting_table(tables_of(read.columns));
         picked = std::make_unique<IdList>(
             connection, base, matching_ids(connection, base, read.condition, read.latestOnly));
@@ -160,7 +161,7 @@ QueryResult read_columns(ColumnRead read)
     }
     QueryResult result =
         read_rows(connection, read.columns, read.condition, read.latestOnly, read.distinct);
-    const TraceStep sorting(connection.trace(), "sort the rows");
+    const TraceStep sorting(connection.inner().trace(), "sort the rows");
     const std::size_t shown = read.columns.size() - read.hidden;
     if (read.distinct) {
         order_by_all(shown, &read.order);

@@ -2,6 +2,7 @@
 
 #include "dbif/condition/id_list.h"
 #include "dbif/connection/bulk_cursor.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/retrieval/rows_by_id.h"
 #include "dbif/value/complex_values.h"
@@ -186,7 +187,7 @@ ResultColumn read_key_beside(
     const RowsById& rows,
     RowMask* hasValue)
 {
-    const TraceStep step(connection.trace(), "read the keys of the records");
+    const TraceStep step(connection.inner().trace(), "read the keys of the records");
     const TableInfo& f = table_info(table);
     ResultColumn column = empty_column(key_column_kind(definition.kind), hasValue->size());
     const std::vector<int>& ids = rows.distinctIds();

@@ -4,6 +4,7 @@
 #include "dbif/condition/condition_sql.h"
 #include "dbif/condition/id_list.h"
 #include "dbif/connection/bulk_cursor.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/host/exception.h"
 #include "dbif/query/record_query.h"
 
@@ -113,7 +114,7 @@ ConditionTree selecting_condition(
     if (!keys.empty() && !isKeyWeak) {
         // Beside a term that selects some setups it is looked up for those.
         const bool isLookedUp = isAllOnPoints && condition.kind() != Kind::True &&
-                                !connection.dialect().weighsSubSelects();
+                                !connection.inner().dialect().weighsSubSelects();
         terms.insert(terms.begin(), has_one_of(keys, isLookedUp));
     }
     return ConditionTree::joined(Kind::And, terms);
@@ -135,7 +136,8 @@ SelectedSetups::SelectedSetups(
     const std::vector<KeyDefinition>& keys,
     const ConditionTree& condition,
     bool latestOnly)
-    : pointPart_(point_part(simplified(condition, RecordTable::Setup))), trace_(connection.trace())
+    : pointPart_(point_part(simplified(condition, RecordTable::Setup))),
+      trace_(connection.inner().trace())
 {
     const TraceStep step(trace_, "select the setups");
     select(connection, sources, selecting_condition(connection, keys, condition), latestOnly);

@@ -1,6 +1,7 @@
 #include "dbif/sweep/sweep_reader.h"
 
 #include "dbif/connection/bulk_cursor.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/host/background_task.h"
 
@@ -64,7 +65,7 @@ public:
     /// Reads as many of the setups, from place `first` on, as fit.
     void read(std::span<const int> setups, std::size_t first, SweepBlock* block) const
     {
-        const TraceStep step(connection_.trace(), "read the points");
+        const TraceStep step(connection_.inner().trace(), "read the points");
         setups = setups.subspan(first);
         setups = setups.first(std::min(setups.size(), kMostSetupsPerBlock));
         block->begin(setups, first);
@@ -137,7 +138,7 @@ void read_sweeps(
     SetupsWithoutColumns others,
     const std::function<void(const SweepPoints& points)>& use)
 {
-    ReadTrace* const trace = connection.trace();
+    ReadTrace* const trace = connection.inner().trace();
     const BlockReader reader(connection, columns, others);
     std::array<SweepBlock, 2> blocks{SweepBlock(columns), SweepBlock(columns)};
     BackgroundTask task;

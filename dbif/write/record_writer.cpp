@@ -1,6 +1,7 @@
 #include "dbif/write/record_writer.h"
 
 #include "dbif/connection/bulk_cursor.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/host/exception.h"
 #include "dbif/host/host_string.h"
 #include "dbif/schema/schema_names.h"
@@ -280,8 +281,8 @@ private:
             tables.emplace_back(f.dataTable());
         }
         tables.emplace_back("setup_association");
-        for (const SqlText& statement : connection_.dialect().analyze(tables)) {
-            connection_.execute(statement, __FILE__, __LINE__);
+        for (const SqlText& statement : connection_.inner().dialect().analyze(tables)) {
+            connection_.inner().execute(statement, __FILE__, __LINE__);
         }
     }
 

@@ -1,5 +1,6 @@
 #include "dbif/write/row_store.h"
 
+#include "dbif/connection/managed_connection.h"
 #include "dbif/host/exception.h"
 
 #include <limits>
@@ -66,7 +67,7 @@ constexpr std::size_t kBytesAroundRow = 100;
 } // namespace
 
 RowStore::RowStore(DBIF_Connection connection)
-    : connection_(std::move(connection)), limit_(connection_.session().transactionLimit())
+    : connection_(std::move(connection)), limit_(connection_.inner().session().transactionLimit())
 {}
 
 int RowStore::nextId(std::string_view table)
@@ -75,7 +76,7 @@ int RowStore::nextId(std::string_view table)
     if (last == lastId_.end()) {
         SqlText sql;
         sql << "SELECT max(id) FROM " << SqlName(table);
-        const auto row = connection_.prepare(sql);
+        const auto row = connection_.inner().prepare(sql);
         const long long highest = row->step() && !row->isNull(0) ? row->integer(0) : 0;
         last = lastId_.emplace(std::string(table), highest).first;
     }
@@ -100,7 +101,7 @@ RowStore::into(std::string_view table, const std::function<std::vector<SqlName>(
     auto found = inserters_.find(table);
     if (found == inserters_.end()) {
         auto inserter = std::make_unique<Counted>(
-            *this, connection_.session().inserter(SqlName(table), columns()));
+            *this, connection_.inner().session().inserter(SqlName(table), columns()));
         found = inserters_.emplace(std::string(table), std::move(inserter)).first;
     }
     return *found->second;
@@ -212,6 +213,6 @@ void set_modified_time(
     SqlText sql;
     sql << "UPDATE " << SqlName(table) << " SET modified_time = " << SqlLiteral(time)
         << " WHERE id = " << id;
-    connection.execute(sql, __FILE__, __LINE__);
+    connection.inner().execute(sql, __FILE__, __LINE__);
 }
 } // namespace dbif

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dbif/connection/connection.h"
+#include "dbif/engine/sql_dialect.h"
 #include "dbif/schema/schema_names.h"
 #include "dbif/write/record_values.h"
 

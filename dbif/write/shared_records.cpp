@@ -1,6 +1,7 @@
 #include "dbif/write/shared_records.h"
 
 #include "dbif/connection/bulk_cursor.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/host/exception.h"
 
 namespace dbif {
@@ -143,7 +144,7 @@ bool SharedRecords::completeColumns(
     rows_.flush();
     SqlText sql;
     sql << "UPDATE " << SqlName(f.name) << " SET " << update << " WHERE id = " << known.id;
-    rows_.connection().execute(sql, __FILE__, __LINE__);
+    rows_.connection().inner().execute(sql, __FILE__, __LINE__);
     known.columns.insert(missing.begin(), missing.end());
     return true;
 }

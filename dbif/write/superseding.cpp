@@ -2,6 +2,7 @@
 
 #include "dbif/condition/id_list.h"
 #include "dbif/connection/bulk_cursor.h"
+#include "dbif/connection/managed_connection.h"
 
 #include <algorithm>
 #include <map>
@@ -48,7 +49,7 @@ void write_superseding_links(
         SqlText sql;
         sql << "UPDATE " << SqlName(table) << " SET superseded_by = CASE id" << cases
             << " END WHERE id IN (" << listed(part, &SupersedingLink::id) << ")";
-        connection.execute(sql, __FILE__, __LINE__);
+        connection.inner().execute(sql, __FILE__, __LINE__);
     }
 }
 
@@ -79,7 +80,7 @@ std::vector<SupersededSetup> supersede_setups(DBIF_Connection& connection, int f
     }
     SqlText sql;
     sql << "SELECT old.id, new.id, old_condition.measurement_id, new_condition.measurement_id FROM setup AS new"
-        << connection.dialect().orderedJoin()
+        << connection.inner().dialect().orderedJoin()
         << "setup AS old ON old.identity = new.identity JOIN measurement_condition AS old_condition ON "
            "old_condition.id = old.measurement_condition_id JOIN measurement_condition AS new_condition ON "
            "new_condition.id = new.measurement_condition_id WHERE old.superseded_by IS NULL AND new.id >= "
@@ -116,7 +117,7 @@ latest_twins(DBIF_Connection& connection, const std::vector<int>& setups)
         SqlText sql;
         sql << "SELECT a.id, a.modified_time, ac.measurement_id, b.id, b.modified_time, bc.measurement_id "
                "FROM setup AS a"
-            << connection.dialect().orderedJoin()
+            << connection.inner().dialect().orderedJoin()
             << "setup AS b ON b.identity = a.identity JOIN measurement_condition AS ac ON ac.id = "
                "a.measurement_condition_id JOIN measurement_condition AS bc ON bc.id = "
                "b.measurement_condition_id WHERE a.superseded_by IS NULL AND b.superseded_by IS NULL AND "
@@ -148,6 +149,6 @@ void supersede_measurements(DBIF_Connection& connection, int newer, const std::s
         << " AND identity = " << SqlBlob(identity)
         << " AND NOT EXISTS (SELECT 1 FROM setup JOIN measurement_condition ON measurement_condition.id = "
            "setup.measurement_condition_id WHERE measurement_condition.measurement_id = measurement.id)";
-    connection.execute(sql, __FILE__, __LINE__);
+    connection.inner().execute(sql, __FILE__, __LINE__);
 }
 } // namespace dbif

@@ -1,17 +1,18 @@
 #include "dbif/write/write_transaction.h"
 
 #include "dbif/connection/column_store.h"
+#include "dbif/connection/managed_connection.h"
 #include "dbif/connection/newest_time.h"
 #include "dbif/host/host_string.h"
 
 namespace dbif {
 WriteTransaction::WriteTransaction(DBIF_Connection connection) : connection_(std::move(connection))
 {
-    connection_.beginWriteTransaction();
+    connection_.inner().beginWriteTransaction();
     try {
         // The row that every writer changes: it keeps a second one waiting (or, on a cluster, makes
         // its commit fail).
-        connection_.execute(
+        connection_.inner().execute(
             SqlText("UPDATE database_info SET writes = writes + 1 WHERE id = 1"), __FILE__,
             __LINE__);
         const QDateTime newest = newest_time(connection_);
@@ -20,11 +21,11 @@ WriteTransaction::WriteTransaction(DBIF_Connection connection) : connection_(std
             now = newest.addMSecs(1);
         }
         stamp_ = stored_time(now);
-        for (const SqlText& setting : connection_.dialect().writeSettings(true)) {
-            connection_.execute(setting, __FILE__, __LINE__);
+        for (const SqlText& setting : connection_.inner().dialect().writeSettings(true)) {
+            connection_.inner().execute(setting, __FILE__, __LINE__);
         }
     } catch (const DBIF_Exception&) {
-        connection_.rollbackTransaction();
+        connection_.inner().rollbackTransaction();
         throw;
     }
     isOpen_ = true;
@@ -33,11 +34,11 @@ WriteTransaction::WriteTransaction(DBIF_Connection connection) : connection_(std
 WriteTransaction::~WriteTransaction()
 {
     if (isOpen_) {
-        connection_.rollbackTransaction();
+        connection_.inner().rollbackTransaction();
         // It may know definitions of keys that there are not any more.
         ColumnStore::of(connection_).refresh();
     }
-    for (const SqlText& setting : connection_.dialect().writeSettings(false)) {
+    for (const SqlText& setting : connection_.inner().dialect().writeSettings(false)) {
         setAsBefore(setting);
     }
 }
@@ -45,7 +46,7 @@ WriteTransaction::~WriteTransaction()
 void WriteTransaction::setAsBefore(const SqlText& setting)
 {
     try {
-        connection_.execute(setting, __FILE__, __LINE__);
+        connection_.inner().execute(setting, __FILE__, __LINE__);
     } catch (const DBIF_Exception&) {
         // It would only stay as it is.
     }
@@ -54,7 +55,7 @@ void WriteTransaction::setAsBefore(const SqlText& setting)
 void WriteTransaction::commit(const std::string& stampedTable, int stampedId)
 {
     try {
-        connection_.commitTransaction();
+        connection_.inner().commitTransaction();
     } catch (const DBIF_Exception& exception) {
         if (!isStoredAfter(exception, stampedTable, stampedId)) {
             throw;
@@ -71,11 +72,11 @@ bool WriteTransaction::isStoredAfter(
 {
     // What a file or a server refuses for such a reason is taken back. After any other error of a
     // server, such as a line that broke in the middle of the answer, it may have been stored.
-    const SqlDialect& dialect = connection_.dialect();
+    const SqlDialect& dialect = connection_.inner().dialect();
     if (!dialect.isServer() || dialect.isTransient(failure.error()) || table.empty()) {
         return false;
     }
-    connection_.rollbackTransaction();
+    connection_.inner().rollbackTransaction();
     isOpen_ = false;
     ColumnStore::of(connection_).refresh();
     try {
@@ -96,7 +97,8 @@ bool WriteTransaction::isStoredAfter(
 
 long long writes_so_far(DBIF_Connection& connection)
 {
-    const auto row = connection.prepare(SqlText("SELECT writes FROM database_info WHERE id = 1"));
+    const auto row =
+        connection.inner().prepare(SqlText("SELECT writes FROM database_info WHERE id = 1"));
     return row->step() ? row->integer(0) : 0;
 }
 } // namespace dbif

@@ -1,5 +1,6 @@
 #include "dbui/diagnosis/diagnosis_content.h"
 
+#include "dbif/connection/managed_connection.h"
 #include "dbif/host/error_text.h"
 #include "dbif/host/host_string.h"
 #include "dbif/schema/schema.h"
@@ -39,8 +40,8 @@ void diagnose_version(int version, DiagnosisReport* report)
 bool diagnose_schema(DBIF_Connection& connection, DiagnosisReport* report)
 {
     using Kind = dbif::SchemaState::Kind;
-    QSqlDatabase database = connection.database();
-    const dbif::SchemaState state = dbif::schema_state(database, connection.dialect());
+    QSqlDatabase database = connection.inner().database();
+    const dbif::SchemaState state = dbif::schema_state(database, connection.inner().dialect());
     switch (state.kind) {
     case Kind::Empty:
         report->ok(
@@ -90,7 +91,7 @@ std::vector<std::string> tables_to_read()
 /// giving fewer rows; empty when there is none, and for a server.
 std::string fault_of_structure(DBIF_Connection& connection)
 {
-    if (connection.dialect().isServer()) {
+    if (connection.inner().dialect().isServer()) {
         return {};
     }
     QSqlQuery check =
@@ -114,13 +115,15 @@ void diagnose_reading(
     }
     for (const std::string& name : tables_to_read()) {
         dbif::SqlText sql;
-        connection.execute(
+        connection.inner().execute(
             sql << "SELECT 1 FROM " << dbif::SqlName(name) << " LIMIT 1", __FILE__, __LINE__);
     }
     const dbif::SqlName ids("dbapi_connection_check");
     try {
-        connection.execute(connection.dialect().createIdTable(ids), __FILE__, __LINE__);
-        connection.execute(connection.dialect().dropIdTable(ids), __FILE__, __LINE__);
+        connection.inner().execute(
+            connection.inner().dialect().createIdTable(ids), __FILE__, __LINE__);
+        connection.inner().execute(
+            connection.inner().dialect().dropIdTable(ids), __FILE__, __LINE__);
     } catch (const DBIF_Exception& exception) {
         report->warn(
             Layer::Reading,
@@ -136,23 +139,23 @@ void diagnose_reading(
 /// Writes, and takes it back.
 void try_writing(DBIF_Connection& connection)
 {
-    connection.beginWriteTransaction();
+    connection.inner().beginWriteTransaction();
     try {
-        connection.execute(
+        connection.inner().execute(
             "UPDATE database_info SET writes = writes + 1 WHERE id = 1", __FILE__, __LINE__);
         for (const dbif::RecordTable table : dbif::kRecordTables) {
             const dbif::SqlName name(dbif::table_info(table).name);
             // No rows, but the right to add some.
             dbif::SqlText sql;
-            connection.execute(
+            connection.inner().execute(
                 sql << "INSERT INTO " << name << " SELECT * FROM " << name << " WHERE 1 = 0",
                 __FILE__, __LINE__);
         }
     } catch (const DBIF_Exception&) {
-        connection.rollbackTransaction();
+        connection.inner().rollbackTransaction();
         throw;
     }
-    connection.rollbackTransaction();
+    connection.inner().rollbackTransaction();
 }
 
 /// Runs the check of a layer that ends the diagnosis when the database refuses it.

@@ -1,5 +1,6 @@
 #include "dbui/diagnosis/diagnosis_file.h"
 
+#include "dbif/connection/managed_connection.h"
 #include "dbif/host/host_string.h"
 #include "dbui/diagnosis/diagnosis_content.h"
 
@@ -121,7 +122,7 @@ std::string opening_advice(const QSqlError& error, const std::string& path)
 
 void diagnose_journal(const DBIF_Connection& connection, DiagnosisReport* report)
 {
-    QSqlQuery query(QStringLiteral("PRAGMA journal_mode"), connection.database());
+    QSqlQuery query(QStringLiteral("PRAGMA journal_mode"), connection.inner().database());
     const QString mode = query.next() ? query.value(0).toString() : QStringLiteral("unknown");
     report->ok(
         Layer::JournalMode, mode == QLatin1String("wal")
@@ -133,12 +134,13 @@ QSqlError error_of_creating(DBIF_Connection& connection)
 {
     QSqlError error;
     try {
-        connection.beginWriteTransaction();
-        connection.execute("CREATE TABLE dbapi_connection_check (id INTEGER)", __FILE__, __LINE__);
+        connection.inner().beginWriteTransaction();
+        connection.inner().execute(
+            "CREATE TABLE dbapi_connection_check (id INTEGER)", __FILE__, __LINE__);
     } catch (const DBIF_Exception& exception) {
         error = exception.error();
     }
-    connection.rollbackTransaction();
+    connection.inner().rollbackTransaction();
     return error;
 }
 
@@ -153,7 +155,7 @@ void diagnose_database(const DbuiConnection& record, DiagnosisReport* report)
             opening_advice(connection.lastError(), record.get_databaseName()));
         return;
     }
-    report->ok(Layer::Database, "SQLite " + connection.session().version());
+    report->ok(Layer::Database, "SQLite " + connection.inner().session().version());
     diagnose_journal(connection, report);
     const std::string advice = "Check the access to the file and to its folder. A file on a "
                                "read-only drive can be read all the same.";

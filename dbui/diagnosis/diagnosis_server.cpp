@@ -1,5 +1,6 @@
 #include "dbui/diagnosis/diagnosis_server.h"
 
+#include "dbif/connection/managed_connection.h"
 #include "dbif/host/host_string.h"
 #include "dbui/diagnosis/diagnosis_content.h"
 #include "dbui/diagnosis/network_probe.h"
@@ -224,7 +225,7 @@ std::string value_of(DBIF_Connection& connection, const QString& sql, int column
 
 void diagnose_engine(DBIF_Connection& server, DiagnosisReport* report)
 {
-    const std::string version = server.session().version();
+    const std::string version = server.inner().session().version();
     const std::string comment = value_of(server, QStringLiteral("SELECT @@version_comment"));
     const std::size_t family = version.find("-MariaDB");
     report->ok(
@@ -302,7 +303,7 @@ void report_database_fault(
 QSqlError error_of_creating(DBIF_Connection& connection)
 {
     try {
-        connection.execute(
+        connection.inner().execute(
             "CREATE TABLE dbapi_connection_check (id INT, id INT)", __FILE__, __LINE__);
     } catch (const DBIF_Exception& exception) {
         if (exception.error().nativeErrorCode().toInt() != kDuplicateColumn) {
