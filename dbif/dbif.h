@@ -1,6 +1,13 @@
 #pragma once
 
 // The whole database interface, as programs use it.
+//
+// Texts of type `std::string`, `KTString` and `const char*` are UTF-8. A failure
+// throws `DBIF_Exception` where nothing else is said.
+//
+// Threads: handles to a connection may be copied and released in any thread. Everything else that
+// uses a connection (statements, queries, dynamic columns) is called by one thread at a time per
+// connection. Conditions, fixed columns and values are plain values.
 #include "dbif/condition/column_condition.h"
 #include "dbif/condition/compound_condition.h"
 #include "dbif/condition/condition.h"

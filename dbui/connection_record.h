@@ -3,11 +3,12 @@
 #include <string>
 
 /// One stored database connection, as the user named and typed it. A plain value; every text is
-/// UTF-8.
+/// UTF-8, and none is checked here.
 class DbuiConnection
 {
 public:
     DbuiConnection() = default;
+    /// Takes the texts as they are; the password is the typed one.
     DbuiConnection(
         const std::string& connectionName,
         const std::string& dbDriverName,
@@ -18,7 +19,8 @@ public:
         const std::string& databasePassword);
 
     /// Sets the password in the form that stands in the connections file. It is turned back only
-    /// where somebody asks for it.
+    /// when `get_databasePassword` asks for it, by the user name, connection name, host and port of
+    /// the record.
     void setScrambledPassword(const std::string& text);
 
     /// Empties every field but the leading one, which stays, and sets the driver to "QSQLITE".
@@ -26,7 +28,7 @@ public:
 
     // The published getters have names of their own style.
     // NOLINTBEGIN(readability-identifier-naming)
-    /// The label under which the connection is looked up.
+    /// The name under which the connection is looked up.
     [[nodiscard]] std::string get_connectionName() const { return connectionName_; }
 
     /// The name of the Qt driver: "QSQLITE" or "QMYSQL"; not checked here.
@@ -47,9 +49,11 @@ public:
     /// The server's database, or the path of the SQLite file.
     [[nodiscard]] std::string get_databaseName() const { return databaseName_; }
 
+    /// The user name on the server; empty for SQLite.
     [[nodiscard]] std::string get_databaseUsername() const { return databaseUsername_; }
 
-    /// The password as typed; it is scrambled in the connections file only.
+    /// The password as typed, which is turned back here when the record was read from the file; it
+    /// is scrambled in the connections file only.
     [[nodiscard]] std::string get_databasePassword() const;
 
     // NOLINTEND(readability-identifier-naming)

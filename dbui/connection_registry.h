@@ -18,8 +18,9 @@ bool dbui_add_connection(
     bool interactive,
     std::string* error = nullptr);
 
-/// Removes the old record, if it is stored, and adds the new one: two rewrites. A new record that
-/// cannot be added, such as one without a name, leaves the list without either.
+/// Removes the old record, if it is stored, and adds the new one: two rewrites. True when the new
+/// record is stored. A new record that cannot be added, such as one without a name, leaves the list
+/// without either.
 bool dbui_update_connection(
     const DbuiConnection& oldConnection,
     const DbuiConnection& newConnection,
@@ -32,8 +33,10 @@ bool dbui_remove_connection(
     bool interactive,
     std::string* error = nullptr);
 
-/// The first record of exactly this name; when there is none, `connection` is cleared.
+/// Finds the first record of exactly this name and assigns it to `connection`. False, with
+/// `connection` cleared, when there is none or the file cannot be read.
 bool dbui_find_connection_by_name(const std::string& name, DbuiConnection* connection);
 
-/// The stored names; none when the file cannot be read, which only `error` tells.
+/// Assigns the stored names to `names`; none when the file cannot be read, which only `error`
+/// tells.
 void dbui_get_connection_names(std::set<std::string>* names, std::string* error = nullptr);

@@ -10,8 +10,9 @@
 /// element per connection, passwords scrambled. Nothing is kept in memory between calls. A failure
 /// is told to `error`, or to the standard error stream when that is null.
 
-/// Makes a file without connections when there is none. An existing file is left as it is; false
-/// only when it, or the new one, cannot be opened or made.
+/// Makes a file without connections, and its directory, when there is none. True when a file is
+/// there afterwards; an existing one is left as it is. False when the directory or the file cannot
+/// be made, or the existing file cannot be read.
 bool dbui_create_connections_file_if_not_found(std::string* error = nullptr);
 
 /// Fills `connections` in file order, each once. False, with an empty list, when the file is
@@ -44,7 +45,7 @@ using ConnectionsChange = std::function<bool(StoredConnections*)>;
 /// without a message when `change` gave false; then only the signals before and after go out.
 bool rewrite_connections(const ConnectionsChange& change, std::string* error);
 
-/// Why the file cannot be rewritten, with the name of the file that is in the way; empty when
-/// nothing is. Tries it without changing anything.
+/// Why the file cannot be rewritten, as a sentence with the name of the file that is in the way;
+/// empty when it can. Tries it without changing the file, but makes a missing directory.
 std::string fault_of_saving();
 } // namespace dbui

@@ -6,7 +6,7 @@
 #include <string>
 
 /// Whether the record is one of a MySQL server that can be reached, but has no database of the
-/// record's name. Tries to open it.
+/// record's name. Tries to open it, which makes the schema in an empty database.
 bool dbui_is_connection_invalid_due_to_mysql_database_unknown(const DbuiConnection& record);
 
 /// Creates the record's database on its MySQL server unless it is there, and the schema in it. True
@@ -18,6 +18,7 @@ bool dbui_create_mysql_database_for_connection(
     std::string* error = nullptr);
 
 namespace dbui {
-/// The same of a connection that was made from the record already.
+/// The same, told by the error of a connection that was made from the record already. Asks no
+/// server.
 bool is_database_unknown(const DbuiConnection& record, const DBIF_Connection& connection);
 } // namespace dbui

@@ -30,7 +30,8 @@ void decode_pwd_from_hex_string(
     const std::string& hostname,
     const std::string& port);
 
-/// The bytes in the order last, first, last but one, second, and so on; and back.
+/// The bytes in the order last, first, last but one, second, and so on; `unjumble_str` restores the
+/// first order.
 std::string jumble_str(const std::string& text);
 std::string unjumble_str(const std::string& text);
 

@@ -2,7 +2,7 @@
 
 #include "dbif/condition/condition.h"
 
-/// The condition that holds for every record; its text is "(1 = 1)".
+/// The condition that every record satisfies. Its SQL is "(1 = 1)", and it refers to no table.
 class DBIF_TrueCondition : public DBIF_QueryCondition
 {
 public:
@@ -10,10 +10,11 @@ public:
     [[nodiscard]] dbif::ConditionTree tree(bool negated) const override;
 };
 
-/// A condition that holds for every record, or for none.
+/// A condition that every record satisfies, or none. It refers to no table.
 class DBIF_BooleanQueryCondition : public DBIF_QueryCondition
 {
 public:
+    /// True: every record satisfies it; false: none does.
     explicit DBIF_BooleanQueryCondition(bool value) : value_(value) {}
 
     [[nodiscard]] DBIF_BooleanQueryCondition* clone() const override;

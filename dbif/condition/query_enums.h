@@ -1,7 +1,8 @@
 #pragma once
 
-/// How a condition compares a column with its value. 7 is the negation of `NOT_NULL`; only the
-/// layer itself makes it, when it pushes NOT into a comparison.
+/// How a condition compares a column with its value. 7 is the negation of `NOT_NULL`; these
+/// libraries make it when they push NOT into a comparison, and hosts have no need of it. `IN` and
+/// `NOT_IN` take a list of values.
 enum Comparator {
     EQUAL = 0,
     NOT_EQUAL = 1,
@@ -15,8 +16,8 @@ enum Comparator {
     NOT_IN = 9
 };
 
-/// How a compound condition joins its operands; `NOT` takes one.
+/// How a compound condition joins its operands: `AND` and `OR` take two, `NOT` takes one.
 enum Operator { AND = 0, OR = 1, NOT = 2 };
 
-/// The order of the values that a retrieval returns.
+/// The order of the values that a retrieval returns. `UNSORTED` leaves them as they are read.
 enum SortOrder { ASCENDING = 0, DESCENDING = 1, UNSORTED = 2 };

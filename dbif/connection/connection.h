@@ -10,7 +10,8 @@
 #include <memory>
 
 namespace dbif {
-/// What opening a connection does when its SQLite file does not exist, or has no content at all.
+/// The treatment of an SQLite file that does not exist, or has no content at all, when a connection
+/// is opened.
 enum class MissingFile { Create, Fail };
 } // namespace dbif
 

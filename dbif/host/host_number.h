@@ -3,11 +3,14 @@
 #include <string>
 #include <string_view>
 
-/// Reads one number in engineering notation, as circuit simulators write it: a decimal number, an
-/// optional exponent, then at most one scale in any letter case:
-/// T 1e12, G 1e9, X or MEG 1e6, K 1e3, M 1e-3, U 1e-6, N 1e-9, P 1e-12, F 1e-15, A 1e-18.
-/// The result is the double nearest to the scaled number, so `0.15u` is exactly 1.5e-07. Blanks
-/// around the number are skipped. Any other text gives NaN. Independent of the locale.
+/// Reads one number in engineering notation, as circuit simulators write it: an optional sign, a
+/// decimal number, an optional exponent, then at most one scale in any letter case:
+///
+///     T 1e12, G 1e9, X or MEG 1e6, K 1e3, M 1e-3, U 1e-6, N 1e-9, P 1e-12, F 1e-15, A 1e-18
+///
+/// The result is the double nearest to the scaled number, so `0.15u` is exactly 1.5e-07; a number
+/// too small for a double is 0. Blanks around the number are skipped. Any other text, a number too
+/// large for a double, and null give NaN. Independent of the locale.
 double enot_to_dbl(const char* text);
 
 namespace dbif {

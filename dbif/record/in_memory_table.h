@@ -9,11 +9,13 @@
 #include <QString>
 #include <QVariant>
 
-/// A table of columns of equal length in memory.
+/// The points of one setup in memory: columns of equal length, with a handle to the connection that
+/// they were read from. What it holds is a copy, read once; nothing here reads the database.
 template <typename Column>
 class DBIF_InMemoryTable
 {
 public:
+    /// `arrays` has `rows` values in each array, by the unique key of one of `columns`.
     DBIF_InMemoryTable(
         DBIF_Connection connection,
         QList<Column> columns,
@@ -25,13 +27,14 @@ public:
           arrays_(std::move(arrays))
     {}
 
+    /// The keys that the setup has, in the order of their definitions.
     [[nodiscard]] QList<Column> getColumns() const { return columns_; }
 
     [[nodiscard]] DBIF_Connection getConnection() const { return connection_; }
 
-    /// The rows, each a map from the unique key of a column to its value; a row without a value of
-    /// a column does not have its key. Makes an object per value: for many points, `arrays` costs
-    /// less.
+    /// The rows, each a map from the unique key of a column to its value: a `double`, or a text for
+    /// every other data type. A row without a value of a column does not have its key. Makes an
+    /// object per value: for many points, `arrays` costs less.
     [[nodiscard]] QList<QMap<QString, QVariant>> getAllData() const
     {
         QList<QMap<QString, QVariant>> rows;
@@ -42,9 +45,11 @@ public:
         return rows;
     }
 
+    /// The number of points, including those without any value.
     [[nodiscard]] std::size_t rowCount() const { return rows_; }
 
-    /// The columns' values by unique key; a column without points is not among them.
+    /// The columns' values by unique key, valid as long as this table; a column without points is
+    /// not among them.
     [[nodiscard]] const dbif::SweepArrays& arrays() const { return arrays_; }
 
 private:

@@ -7,7 +7,8 @@
 
 namespace dbif {
 /// The query for the values of one column (`table` and `column` as a query names them): those that
-/// are there, under the condition when one is given.
+/// are there (`notNull`), under the condition, a copy of which is kept, or all when `condition` is
+/// null.
 DBIF_VantoQuery column_values_query(
     const DBIF_Connection& connection,
     const QString& table,
@@ -18,7 +19,7 @@ DBIF_VantoQuery column_values_query(
     bool latestOnly,
     bool distinct);
 
-/// A fixed column of a table class by the description of the column.
+/// The column object of a table class for a column of its table description.
 template <typename Record>
 DBIF_FixedColumn<Record> fixed_column(const FixedColumnInfo& column)
 {
@@ -29,14 +30,14 @@ DBIF_FixedColumn<Record> fixed_column(const FixedColumnInfo& column)
         traits.epsilon};
 }
 
-/// What all seven record classes share: reading the values of a fixed column.
+/// The operations that all seven record classes share: reading the values of a fixed column.
 template <typename Record, RecordTable table>
 class RecordClass
 {
 public:
     static constexpr RecordTable kTable = table;
 
-    /// The table's fixed columns, the id first.
+    /// The table's fixed columns in the order of the schema, the id first.
     static QList<DBIF_FixedColumn<Record>> fixedColumns()
     {
         QList<DBIF_FixedColumn<Record>> columns;
@@ -46,6 +47,7 @@ public:
         return columns;
     }
 
+    /// The query that `retrieveValues` runs. Asks no database.
     static DBIF_VantoQuery valuesQuery(
         DBIF_Connection& connection,
         const DBIF_FixedColumn<Record>& column,
@@ -60,7 +62,10 @@ public:
     }
 
     /// The values of a fixed column as text objects, which the caller owns: every record's that has
-    /// one and satisfies the condition (none: all). Throws `DBIF_Exception` on a database error.
+    /// one and satisfies the condition (null: all), as often as records have it, or once each where
+    /// `distinct`. `latestOnly` leaves superseded measurements and setups out. Runs in one read
+    /// transaction, its own unless one is open. Throws `DBIF_Exception` on a database error;
+    /// nothing is left to delete then.
     static QList<DBIF_DataType*> retrieveValues(
         DBIF_Connection& connection,
         const DBIF_FixedColumn<Record>& column,
@@ -75,6 +80,7 @@ public:
     }
 
 protected:
+    /// The fixed column of this name; a default-made one when the table has none.
     static DBIF_FixedColumn<Record> column(std::string_view name)
     {
         for (const FixedColumnInfo& candidate : table_info(table).fixedColumns) {
@@ -85,14 +91,15 @@ protected:
         return {};
     }
 
-    /// The column of companion tables that links to a record; it is not a column of the table.
+    /// The column by which companion tables refer to a record; it is not a column of the table
+    /// itself.
     static DBIF_FixedColumn<Record> link()
     {
         return fixed_column<Record>({table_info(table).linkColumn(), FixedKind::Id, Indexed::No});
     }
 };
 
-/// What the five record classes with keys share: reading the values of a key.
+/// The operations that the five record classes with keys share: reading the values of a key.
 template <typename Record, typename Column>
 class KeyedRecordClass : public RecordClass<Record, Column::kTable>
 {
@@ -102,6 +109,7 @@ public:
     using RecordClass<Record, Column::kTable>::retrieveValues;
     using RecordClass<Record, Column::kTable>::valuesQuery;
 
+    /// The query that `retrieveValues` runs, on the connection of the column.
     static DBIF_VantoQuery valuesQuery(
         const Column& column,
         SortOrder order,
@@ -114,7 +122,8 @@ public:
             order, condition, latestOnly, distinct);
     }
 
-    /// The values of a key as objects of its data type, which the caller owns.
+    /// The values of a key as objects of its data type, which the caller owns; otherwise as for a
+    /// fixed column. A key of setups yields the values of all points that satisfy the condition.
     static QList<DBIF_DataType*> retrieveValues(
         const Column& column,
         SortOrder order,

@@ -9,8 +9,11 @@
 
 // The seven record classes. Each names its table, the data table of its keys where it has any, and
 // its fixed columns; the members named like DEVICE_ID are the link column of the companion tables.
+// In every table, MODIFIED_TIME is an ISO 8601 text in UTC with milliseconds, and USER is who wrote
+// the record. All members are constants; they are there once the program has started.
 
-/// An import or run that brought measurements in.
+/// An import or run that brought measurements in: program, version, kind of run, begin and end. All
+/// of them are texts as the writer gave them.
 class DBIF_CatalogEntry : public dbif::KeyedRecordClass<DBIF_CatalogEntry, DBIF_CatalogEntryColumn>
 {
 public:
@@ -31,7 +34,7 @@ public:
     static inline const DBIF_FixedColumn<DBIF_CatalogEntry> USER = column("user");
 };
 
-/// A measurement routine.
+/// A measurement routine, identified by its name; `DEFINITION` is any text.
 class DBIF_Routine : public dbif::RecordClass<DBIF_Routine, dbif::RecordTable::Routine>
 {
 public:
@@ -43,7 +46,7 @@ public:
     static inline const DBIF_FixedColumn<DBIF_Routine> USER = column("user");
 };
 
-/// A die on a wafer.
+/// A die on a wafer, identified by lot, wafer, die and block.
 class DBIF_Die : public dbif::RecordClass<DBIF_Die, dbif::RecordTable::Die>
 {
 public:
@@ -57,7 +60,8 @@ public:
     static inline const DBIF_FixedColumn<DBIF_Die> USER = column("user");
 };
 
-/// A device on a die.
+/// A device on a die, identified by its die, its name, the subsite that it stands in and the
+/// position within that.
 class DBIF_Device : public dbif::KeyedRecordClass<DBIF_Device, DBIF_DeviceColumn>
 {
 public:
@@ -75,7 +79,8 @@ public:
     static inline const DBIF_FixedColumn<DBIF_Device> USER = column("user");
 };
 
-/// A measurement of a device; its temperature is in degrees Celsius.
+/// A measurement of a device by a routine, brought in by a catalogue entry. Its temperature is in
+/// degrees Celsius. The latest measurements are those that none supersedes.
 class DBIF_Measurement : public dbif::KeyedRecordClass<DBIF_Measurement, DBIF_MeasurementColumn>
 {
 public:
@@ -88,7 +93,7 @@ public:
     static inline const DBIF_FixedColumn<DBIF_Measurement> USER = column("user");
 };
 
-/// A condition under which a measurement was made.
+/// A condition under which a measurement was made; its setups belong to it.
 class DBIF_MeasurementCondition
     : public dbif::KeyedRecordClass<DBIF_MeasurementCondition, DBIF_MeasurementConditionColumn>
 {
@@ -104,7 +109,8 @@ public:
     static inline const DBIF_FixedColumn<DBIF_MeasurementCondition> USER = column("user");
 };
 
-/// A table of points measured or simulated in one go.
+/// A table of points measured or simulated in one go: its columns are the keys of setups, inputs
+/// and outputs. Besides the class operations, an object is the points of one setup in memory.
 class DBIF_Setup : public dbif::KeyedRecordClass<DBIF_Setup, DBIF_SetupColumn>,
                    public DBIF_InMemoryTable<DBIF_SetupColumn>
 {
@@ -120,8 +126,9 @@ public:
     static inline const DBIF_FixedColumn<DBIF_Setup> MODIFIED_TIME = column("modified_time");
     static inline const DBIF_FixedColumn<DBIF_Setup> USER = column("user");
 
-    /// The setup with that id and all its points; null when there is none. Throws `DBIF_Exception`
-    /// on a database error and on damaged data.
+    /// The setup with that id and all its points, read in one read transaction (its own, unless one
+    /// is open); null when there is none. Throws `DBIF_Exception` on a database error and on
+    /// damaged data.
     static QSharedPointer<DBIF_Setup> get(DBIF_Connection& connection, int id);
 
 private:
