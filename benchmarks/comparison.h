@@ -13,49 +13,50 @@ using Values = std::vector<std::vector<std::string>>;
 /// Ids as the library gives them, for each of several calls.
 using Ids = std::vector<std::set<int>>;
 
-/// Why two results are not the same; empty when they are. Texts have to be equal or to read as the
-/// same double, which has more than one text.
+/// The first difference between two results; empty when there is none. Texts have to be equal, or
+/// to read as the same double, which may be written in several ways.
 std::string difference(const Values& ours, const Values& peer);
 std::string difference(const Ids& ours, const Ids& peer);
 
 enum class Unit { Seconds, Bytes };
 
-/// One row of the table: a figure of the library's beside one of the peer's.
+/// One row of the result table: a figure of the library and one of its peer.
 struct Comparison
 {
-    /// For the machine: a name and a size, as in "device_key/1000000".
+    /// The id of the row for programs: a name and a size, as in "device_key/1000000".
     std::string id;
-    /// For the reader.
+    /// The title of the row for the reader.
     std::string title;
     std::string size;
-    /// The largest accepted ratio of ours to the peer's; none: shown only.
+    /// The largest accepted ratio of the library's figure to the peer's; the ratio is only shown
+    /// when there is none.
     std::optional<double> target;
     Unit unit = Unit::Seconds;
-    /// The two are measured in turn so many times; of each the median counts.
+    /// How many times the two are measured in turn; the median of each counts.
     int turns = 5;
-    /// Makes what is needed; called before every measurement.
+    /// Makes what the measurement needs; called before each one.
     std::function<void()> prepare = [] {
     };
-    /// Measure once.
+    /// Each measures once and returns its figure.
     std::function<double()> ours;
     std::function<double()> peer;
-    /// Compares what the two have just read; empty when it is the same.
+    /// Compares what the two have just read; the difference, empty when there is none.
     std::function<std::string()> check = [] {
         return std::string();
     };
-    /// Forgets what they have read.
+    /// Releases what they have read.
     std::function<void()> release = [] {
     };
 };
 
 /// The clock by which rows are timed.
 double seconds_now();
-/// Makes it count the time that this process spends on processors, which other work on the machine
-/// disturbs less, in the place of the time that passes.
+/// Makes `seconds_now` count the processor time of this process, which other work on the machine
+/// disturbs less, instead of elapsed time.
 void count_processor_time();
 
-/// Both read the same into an empty `Result`. `calls` calls make one measurement; the figure is for
-/// one.
+/// The row of a read that both sides do, into an empty `Result` each. One measurement makes `calls`
+/// calls; the figure is for one call.
 template <typename Result, typename Ours, typename Peer>
 Comparison timed(Comparison row, int calls, const Ours& ours, const Peer& peer)
 {
@@ -86,7 +87,7 @@ Comparison timed(Comparison row, int calls, const Ours& ours, const Peer& peer)
     return row;
 }
 
-/// Two rows of which the second may take at most twice our time of the first.
+/// Two rows: in the second, the library may take at most twice its time of the first.
 struct Growth
 {
     std::string smallId;

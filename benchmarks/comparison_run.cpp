@@ -9,7 +9,7 @@
 
 namespace bench {
 namespace {
-/// Measures a row once, ours and the peer's one after the other.
+/// Measures a row once, the library and the peer one after the other.
 void measure(const Comparison& row, benchmark::State& state)
 {
     for (auto turn : state) {
@@ -29,7 +29,7 @@ void measure(const Comparison& row, benchmark::State& state)
     }
 }
 
-/// Keeps the medians and says how far the run is.
+/// Keeps the medians, and shows the progress of the run.
 class MedianReporter : public benchmark::BenchmarkReporter
 {
 public:

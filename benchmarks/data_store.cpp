@@ -11,8 +11,8 @@ namespace bench {
 namespace {
 namespace fs = std::filesystem;
 
-/// Counts up when the populations, the peer's schema or what the library stores change, so that no
-/// old data is used.
+/// The version of the stored data. It is raised when the populations, the peer's schema or the
+/// library's schema change, so that no old data is used.
 constexpr const char* kDataVersion = "3";
 
 template <typename Population>
@@ -56,7 +56,7 @@ std::string DataStore::sweepFiles(std::size_t points) const
 {
     std::string path = file("points" + std::to_string(points) + ".csv");
     if (!fs::exists(path)) {
-        // What bears the right name is complete.
+        // A folder that has its final name is complete.
         const std::string unfinished = path + ".unfinished";
         std::cerr << "making " << path << '\n';
         fs::remove_all(unfinished);

@@ -9,7 +9,8 @@
 namespace bench {
 enum class EngineKind { Sqlite, MySql };
 
-/// The largest accepted ratios of a row. On a server both sides wait for it, and for the network.
+/// The largest accepted ratios of a row. On a server, both sides wait for the server and for the
+/// network.
 struct Targets
 {
     double onSqlite;

@@ -19,7 +19,7 @@ public:
     DatabaseEngine() = default;
     virtual ~DatabaseEngine() = default;
 
-    /// With the version, for people.
+    /// The name of the engine with its version, for people.
     [[nodiscard]] virtual std::string description() = 0;
     [[nodiscard]] virtual bool isServer() const = 0;
 
@@ -27,24 +27,24 @@ public:
     [[nodiscard]] virtual dbif::ConnectionParameters place(const std::string& name) const = 0;
     [[nodiscard]] virtual std::unique_ptr<PeerDatabase> openPeer(const std::string& name) const = 0;
 
-    /// Lets `fill` fill the database, empty at first, unless that was done before: what is not
-    /// complete does not count. Says on standard error what it makes.
+    /// Calls `fill` with the database, which is empty at first, unless it is complete already. Says
+    /// on standard error what it makes.
     void makeIfMissing(
         const std::string& name,
         const std::function<void(const DBIF_Connection& connection)>& fill);
 
 protected:
     [[nodiscard]] virtual bool isComplete(const std::string& name) = 0;
-    /// Makes an empty database, which is not complete, in the place of any that there is, and tells
-    /// where to fill it.
+    /// Makes an empty database, which does not count as complete, in the place of any old one, and
+    /// returns where to fill it.
     virtual dbif::ConnectionParameters makeEmpty(const std::string& name) = 0;
     virtual void complete(const std::string& name) = 0;
 };
 
-/// Files in a folder, which has to be there.
+/// An engine whose databases are files in a folder, which has to exist.
 std::unique_ptr<DatabaseEngine> sqlite_engine(const std::string& folder);
 
-/// A server on this machine that runs while the object lives and keeps its data in a folder, which
-/// is made when it is missing.
+/// An engine that runs a server on this machine while the object lives. It keeps its data in a
+/// folder, which is made when it is missing.
 std::unique_ptr<DatabaseEngine> mariadb_engine(const std::string& folder);
 } // namespace bench

@@ -20,7 +20,7 @@ constexpr std::array kTemperatures{-40.0, 25.0, 125.0};
 std::string numbered(const char* format, std::size_t number)
 {
     std::array<char, 32> text{};
-    // The formats are those of this file.
+    // All formats are literals of this file.
     const int length = std::snprintf(text.data(), text.size(), format, number); // NOLINT
     return {text.data(), static_cast<std::size_t>(length)};
 }

@@ -40,7 +40,7 @@ struct DeviceData
     std::string position;
     std::array<double, kNumberKeys.size()> numbers{};
     std::array<std::string, kTextKeys.size()> texts;
-    /// Of the device's one measurement.
+    /// The temperature of the device's only measurement.
     std::optional<double> temperature;
 };
 
@@ -61,7 +61,7 @@ public:
 
     [[nodiscard]] std::size_t batches() const { return (devices_ + 99) / 100; }
 
-    /// By their place, from 0.
+    /// The data by place, counted from 0.
     [[nodiscard]] DieData die(std::size_t place) const;
     [[nodiscard]] DeviceData device(std::size_t place) const;
     [[nodiscard]] static std::string batchName(std::size_t batch);

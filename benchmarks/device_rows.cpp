@@ -52,7 +52,7 @@ SELECT number FROM device_value
 WHERE device_id = ? AND key_id = (SELECT id FROM device_key WHERE name = 'VTH')
 ORDER BY number)";
 
-/// Many calls, each for another batch.
+/// A row of many calls, each for another batch.
 Comparison ids_of_batches(Comparison row, const Database& database, std::size_t batches)
 {
     constexpr int kCalls = 200;
@@ -76,7 +76,7 @@ Comparison ids_of_batches(Comparison row, const Database& database, std::size_t 
         });
 }
 
-/// The same call again and again.
+/// A row that repeats the same call.
 Comparison cached_value(Comparison row, const Database& database, std::size_t devices)
 {
     constexpr int kCalls = 2000;
@@ -97,7 +97,7 @@ Comparison cached_value(Comparison row, const Database& database, std::size_t de
         });
 }
 
-/// Ten thousand calls, each for another record.
+/// A row of ten thousand calls, each for another record.
 Comparison values_by_id(Comparison row, const Database& database, std::size_t devices)
 {
     constexpr int kCalls = 10'000;

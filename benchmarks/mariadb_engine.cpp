@@ -6,8 +6,8 @@
 
 namespace bench {
 namespace {
-/// What the data that a row reads fit into, and a log that need not be written back while they are
-/// filled. Sorting stays as it is: a larger sort_buffer_size than the default is slower.
+/// The buffers hold the data that a row reads, and the log need not be written back while databases
+/// are filled. Sorting keeps its default: a larger sort_buffer_size is slower.
 const std::vector<std::string>& server_options()
 {
     static const std::vector<std::string> options{
@@ -15,7 +15,7 @@ const std::vector<std::string>& server_options()
     return options;
 }
 
-/// The comment of a database tells that it is complete.
+/// Databases of the server. The comment of a database says that it is complete.
 class MariaDbEngine final : public DatabaseEngine
 {
 public:

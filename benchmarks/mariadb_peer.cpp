@@ -8,7 +8,7 @@ namespace {
 using Handle = std::unique_ptr<MYSQL, decltype(&mysql_close)>;
 using StatementHandle = std::unique_ptr<MYSQL_STMT, decltype(&mysql_stmt_close)>;
 
-/// Where the client puts one column of a row.
+/// The buffer into which the client puts one column of a row.
 struct Cell
 {
     enum_field_types type = MYSQL_TYPE_STRING;
@@ -19,7 +19,7 @@ struct Cell
     my_bool isNull = 0;
 };
 
-/// Columns count from 0.
+/// A prepared statement. Columns count from 0.
 class Statement
 {
 public:

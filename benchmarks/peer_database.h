@@ -14,9 +14,9 @@ namespace bench {
 /// The value of a statement's only parameter, if it has one.
 using PeerValue = std::variant<std::monostate, long long, std::string>;
 
-/// A database read without the library, as a program of its own would do it: through the database's
-/// C client. Each call prepares its statement anew. Members throw `std::runtime_error` on a
-/// database error.
+/// A database read without the library, as a hand-written program would read it: through the
+/// database's C client. Each call prepares its statement anew. Members throw `std::runtime_error`
+/// on a database error.
 class PeerDatabase
 {
     Q_DISABLE_COPY_MOVE(PeerDatabase)
@@ -42,7 +42,7 @@ inline std::string number_text(double number)
     return {digits.data(), end};
 }
 
-/// What the databases share, for a statement of either client.
+/// The loops that both peers share, for a statement of either client.
 template <typename Statement>
 Values texts_of(Statement& statement)
 {

@@ -30,7 +30,7 @@ enum TablePlace : std::size_t {
     Point
 };
 
-/// Those that others refer to first; by `TablePlace`.
+/// The tables, those that others refer to first; by `TablePlace`.
 const std::vector<PeerTable>& tables()
 {
     static const std::vector<PeerTable> all{
@@ -109,7 +109,7 @@ void run(DBIF_Connection& connection, const std::string& sql)
 class PeerFiller
 {
 public:
-    /// Rows are handed on as the library writes its own: how fast is not measured.
+    /// Rows are inserted as the library inserts its own: the speed of filling is not measured.
     explicit PeerFiller(DBIF_Connection& connection)
     {
         for (const PeerTable& table : tables()) {
@@ -236,12 +236,13 @@ void add_devices(const Population& population, PeerFiller* filler)
     }
 }
 
-/// The schema and what `add` adds, then the indexes and the statistics.
+/// Creates the schema, calls `add`, then makes the indexes and the statistics.
 template <typename Add>
 void fill(DBIF_Connection& connection, const Add& add)
 {
     if (connection.inner().dialect().isServer()) {
-        // As on SQLite: rows of different tables are sent in batches, not always parents first.
+        // Foreign keys are not checked, as on SQLite: rows of different tables are sent in batches,
+        // not always parents first.
         run(connection, "SET SESSION foreign_key_checks = 0");
     }
     std::vector<dbif::SqlName> names;

@@ -6,7 +6,7 @@ namespace bench {
 namespace {
 using Database = std::shared_ptr<StoredDatabase>;
 
-/// The library reads the keywords under the query, the peer runs the statement.
+/// A row in which the library reads the keywords under the query and the peer runs the statement.
 Comparison read_row(
     Comparison row,
     const Database& database,

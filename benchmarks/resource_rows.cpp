@@ -33,7 +33,7 @@ double peak_bytes()
     throw std::runtime_error("the system does not tell the peak memory");
 }
 
-/// What the texts take on the heap, with the allocator's own word for each.
+/// The memory that the texts take on the heap, with the allocator's own word for each.
 double bytes_of(const std::vector<std::string>& texts)
 {
     std::size_t bytes = texts.size() * sizeof(std::string);
@@ -55,7 +55,7 @@ struct Memory
 
 Memory memory_of_read(const std::string& path)
 {
-    // Another process, because the peak of this one is that of all that it did before.
+    // A process of its own reads, because the peak of this one includes all that it did before.
     const std::string program = fs::read_symlink("/proc/self/exe");
     const std::string command = "'" + program + "' --peak-memory='" + path + "'";
     FILE* pipe = popen(command.c_str(), "r");

@@ -4,8 +4,8 @@
 #include "benchmarks/data_store.h"
 
 namespace bench {
-/// Memory, import and size, of SQLite files. Figures here stand beside an allowance where there is
-/// no peer.
+/// Memory, import and size, of SQLite files. Where there is no peer, the figure is compared with an
+/// allowance.
 std::vector<Comparison> resource_rows(const DataStore& store, std::size_t points);
 
 /// Reads the setup key of `setup_key` from the library's database `path` in this process, which has

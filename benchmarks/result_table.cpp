@@ -16,7 +16,7 @@ struct Scale
 std::string formatted(const char* format, double number)
 {
     std::array<char, 48> text{};
-    // The formats are those of this file.
+    // All formats are literals of this file.
     const int length = std::snprintf(text.data(), text.size(), format, number); // NOLINT
     return {text.data(), static_cast<std::size_t>(length)};
 }

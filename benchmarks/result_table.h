@@ -5,16 +5,16 @@
 #include <map>
 
 namespace bench {
-/// What was measured of one row.
+/// The figures that were measured for one row.
 struct Figure
 {
     double ours = 0;
     double peer = 0;
-    /// Why there are no figures.
+    /// Why the row has no figures.
     std::string fault;
 };
 
-/// By the row's id.
+/// The figures by the row's id.
 using Figures = std::map<std::string, Figure>;
 
 /// Prints the rows that have figures as a table in Markdown, to standard output. False when one

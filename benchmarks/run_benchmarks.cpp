@@ -19,7 +19,7 @@ constexpr const char* kUsage =
     R"(usage: dbapi_benchmarks [--engine=sqlite|mysql] [--size=small|full] [--data=FOLDER]
                         [--time=wall|cpu] [flags of Google Benchmark]
 
-Measures the library beside the same reads in SQL of one's own and prints a table. Ends with 1 when
+Measures the library beside the same reads in hand-written SQL and prints a table. Ends with 1 when
 a target is missed or two results differ. The databases are made in FOLDER (else in the folder that
 the environment variable DBAPI_BENCHMARK_DATA names, else in the build tree) and kept for later runs.
 
@@ -36,12 +36,12 @@ struct Options
     bool isFull = false;
     bool isProcessorTime = false;
     std::string data = DATA_DIRECTORY;
-    /// Only measure the memory of a read from this database.
+    /// When given, only the memory of a read from this database is measured.
     std::string peakMemory;
     bool isWrong = false;
 };
 
-/// Takes one "--name=value"; false when there is no such flag.
+/// Reads one "--name=value"; false when there is no such flag.
 bool take_flag(const std::string& flag, Options* options)
 {
     const std::size_t equals = std::min(flag.find('='), flag.size() - 1);
@@ -101,7 +101,7 @@ void print_machine(const std::string& engine, bool isProcessorTime)
               << "; " << (isProcessorTime ? "processor" : "wall") << " time\n\n";
 }
 
-/// A folder of our own for the stored connections, so that nobody's are touched.
+/// A folder for the stored connections of this run, so that nobody's own are touched.
 class ConnectionsFolder
 {
     Q_DISABLE_COPY_MOVE(ConnectionsFolder)
@@ -157,7 +157,7 @@ bool run(const Options& options)
 
 int main(int argc, char** argv)
 {
-    // Takes away the flags that it knows.
+    // Removes the flags that it knows.
     benchmark::Initialize(&argc, argv);
     const Options options = options_of(argc, argv);
     if (options.isWrong) {

@@ -3,8 +3,8 @@
 #include <cstdint>
 
 namespace bench {
-/// Numbers without a pattern that are the same on every machine and in every run: each is a
-/// function of its stream (what it is used for) and its index alone.
+/// Pseudo-random numbers that are the same on every machine and in every run: each is a function of
+/// its stream (what it is used for) and its index alone.
 inline std::uint64_t scrambled(std::uint64_t stream, std::uint64_t index)
 {
     constexpr std::uint64_t kSeed = 20260131;

@@ -12,7 +12,7 @@ namespace {
     throw std::runtime_error(std::string(sqlite3_errmsg(handle)) + " in: " + sql);
 }
 
-/// Columns count from 0.
+/// A prepared statement. Columns count from 0.
 class Statement
 {
     Q_DISABLE_COPY_MOVE(Statement)

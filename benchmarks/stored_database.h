@@ -8,25 +8,25 @@
 #include <string>
 
 namespace bench {
-/// A database of the library's, read through its public calls, and the peer's beside it. Members
-/// throw `std::runtime_error` when a call fails.
+/// A database of the library, read through its public calls, and the peer's database with the same
+/// data. Members throw `std::runtime_error` when a call fails.
 class StoredDatabase
 {
 public:
-    /// `name`: of the stored connection. `make` makes the databases.
+    /// `name` is that of the stored connection; `make` makes the databases.
     StoredDatabase(
         DataStore store,
         std::string name,
         std::function<DatabasePair(const DataStore& store)> make);
 
-    /// Makes and opens the databases, unless that is done. Comes before all else.
+    /// Makes and opens the databases, unless that is done. Call it before all else.
     void open();
 
     [[nodiscard]] const std::string& name() const { return name_; }
 
     [[nodiscard]] PeerDatabase& peer() { return *peer_; }
 
-    /// One keyword's values.
+    /// The values of one keyword.
     [[nodiscard]] std::vector<std::string>
     values(const std::string& keyword, const std::string& query = "") const;
     [[nodiscard]] Values

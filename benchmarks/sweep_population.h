@@ -51,7 +51,7 @@ public:
         return (devices() + kDevicesPerDie - 1) / kDevicesPerDie;
     }
 
-    /// By their place, from 0. Devices have no keys here.
+    /// The data by place, counted from 0. Devices have no keys here.
     [[nodiscard]] DieData die(std::size_t place) const;
     [[nodiscard]] DeviceData device(std::size_t place) const;
     [[nodiscard]] SweepData setup(std::size_t place) const;

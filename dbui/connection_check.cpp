@@ -97,7 +97,8 @@ bool dbui_validate_connection_opens(
     if (message.empty()) {
         return true;
     }
-    // By the error of the one attempt: a server that does not answer is waited for once.
+    // The error of the one attempt decides, so that a server that does not answer is waited for
+    // once.
     if (dbui::is_database_unknown(record, connection)) {
         if (dbui::shows_boxes(interactive) && !is_creation_wanted(record)) {
             return false;

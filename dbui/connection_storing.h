@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-/// Storing a connection under a name that is its own, whatever other programs do meanwhile.
+/// Stores a connection under a name that no other record has, whatever other programs do meanwhile.
 namespace dbui {
 struct StoreRequest
 {
@@ -24,8 +24,8 @@ enum class StoreOutcome {
     Failed       ///< the file cannot be read or written, or the record has no name
 };
 
-/// What storing would come to as the file stands now; never `FileDamaged` or `Failed`. Writes
-/// nothing.
+/// The outcome that storing would have as the file stands now; never `FileDamaged` or `Failed`.
+/// Writes nothing.
 StoreOutcome foresee_storing(const StoreRequest& request);
 
 /// Stores the record as the last one, and takes the replaced one out. Looks at the names and writes

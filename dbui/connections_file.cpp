@@ -118,7 +118,8 @@ std::string document_of(const Connections& connections)
     return text_of(document);
 }
 
-/// What makes a document too large to be read, as a sentence with a line end; empty for any other.
+/// The fault of a document that is too large to be read, as a sentence with a line end; empty for
+/// any other.
 std::string fault_of_size(const FileContent& content)
 {
     if (content.state == FileContent::State::TooLarge) {
@@ -161,7 +162,7 @@ bool create_file(const std::string& path)
 
 enum class Rewrite { Saved, Declined, Failed };
 
-/// `message` gets the text of `Failed`.
+/// Changes the list in the file. `message` gets the text of a failure.
 Rewrite
 change_file(const std::string& path, const dbui::ConnectionsChange& change, std::string* message)
 {

@@ -113,7 +113,7 @@ int open_lock_file(const std::string& path)
     return file;
 }
 
-/// Of the last system call.
+/// The error of the last system call, with the path.
 std::string fault_at(const std::string& path)
 {
     return "\"" + path + "\": " + std::generic_category().message(errno);
@@ -135,7 +135,7 @@ void sync_directory_of(const std::string& path)
 namespace dbui {
 FileContent read_whole_file(const std::string& path)
 {
-    // Without O_NONBLOCK a named pipe at the path would hold the caller for good.
+    // Without O_NONBLOCK, opening a named pipe would block for good.
     const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     if (!file.is_open()) {
         return {errno == ENOENT ? FileContent::State::Missing : FileContent::State::Unreadable, {}};

@@ -8,7 +8,7 @@
 /// A small file that several processes read and rewrite: read and replaced whole, one writer at a
 /// time. Paths are bytes as the system takes them.
 namespace dbui {
-/// What stands at a path.
+/// The content found at a path.
 struct FileContent
 {
     enum class State { Missing, Unreadable, TooLarge, Read };
@@ -16,7 +16,7 @@ struct FileContent
     std::string bytes;
 };
 
-/// More is not read.
+/// Larger files are not read.
 inline constexpr std::size_t kLargestFile = std::size_t{4} << 20;
 
 /// The content of a regular file. A reader needs no lock, because a file is only ever replaced

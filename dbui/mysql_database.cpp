@@ -12,7 +12,7 @@
 namespace {
 constexpr const char* kDriver = "QMYSQL";
 
-/// The name as it stands for itself in any SQL mode, reserved words included.
+/// The name quoted, so that it is taken literally in any SQL mode, reserved words included.
 QString quoted(const std::string& name)
 {
     QString text = dbif::to_qt(name);
@@ -20,8 +20,8 @@ QString quoted(const std::string& name)
     return QLatin1Char('`') + text + QLatin1Char('`');
 }
 
-/// False when the server cannot be reached. Whether the database was created shows when it is
-/// opened; `refusal` gets the server's words where it was not.
+/// Creates the database. False when the server cannot be reached. Whether the database was created
+/// shows when it is opened; `refusal` gets the server's message where it was not.
 bool create_database(const DbuiConnection& record, std::string* refusal)
 {
     QSqlDatabase server = QSqlDatabase::addDatabase(QLatin1String(kDriver));

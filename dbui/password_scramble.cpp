@@ -24,7 +24,7 @@ std::string base64(const std::string& text)
     return bytes_of(text).toBase64().toStdString();
 }
 
-/// What is joined to the password, first to last. The order is that of every existing file.
+/// The texts that are joined to the password, first to last. Existing files depend on the order.
 std::vector<std::string> joined_texts(
     const std::string& username,
     const std::string& connectionName,

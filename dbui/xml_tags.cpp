@@ -7,7 +7,8 @@ namespace dbui {
 namespace {
 constexpr std::size_t kMostAttributes = 64;
 
-/// Where the text stands behind `end`, from `begin` on; the end of the document without one.
+/// The position behind `end`, searched for from `begin` on; the end of the document when it is not
+/// found.
 std::size_t behind(std::string_view document, std::string_view end, std::size_t begin)
 {
     const std::size_t at = document.find(end, begin);

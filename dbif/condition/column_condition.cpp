@@ -32,8 +32,8 @@ std::size_t behind_blanks(std::string_view text, std::size_t at)
     return std::min(text.find_first_not_of(kBlanks, at), text.size());
 }
 
-/// The length of what separates two texts, if it begins with this quote: a quote, blanks, a comma,
-/// blanks, a quote. 0 if it does not.
+/// The length of the separator between two texts that begins at this quote: a quote, blanks, a
+/// comma, blanks, a quote; 0 when there is none.
 std::size_t separator_length(std::string_view list, std::size_t quote)
 {
     const std::size_t comma = behind_blanks(list, quote + 1);
@@ -74,8 +74,8 @@ bool keeps_separator(std::string_view text)
            dbif::trimmed(beginning.substr(0, beginning.size() - 1)).ends_with('\'');
 }
 
-/// A list that was written with blanks or commas behind its last quote comes as "'a', 'b', ", so
-/// with its outer quotes. Takes both off.
+/// A list with blanks or commas behind its last quote comes with its outer quotes, as "'a', 'b', ".
+/// Takes both off.
 std::string without_dangling_end(const std::string& list)
 {
     const std::size_t end = list.find_last_not_of(std::string(kBlanks) + ",") + 1;
@@ -118,7 +118,7 @@ double number_of(const std::string& text, const ColumnComparison& comparison)
     return number;
 }
 
-/// The column that a host names by texts.
+/// Finds the column that a host names by two texts; throws when there is none.
 dbif::TableColumn named_column(const QString& table, const QString& column)
 {
     const auto found = dbif::find_column(dbif::to_utf8(table), dbif::to_utf8(column));

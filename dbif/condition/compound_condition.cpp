@@ -6,7 +6,7 @@
 using dbif::ConditionTree;
 
 namespace {
-/// Working with a tree recurses where AND and OR change.
+/// Functions on a tree recurse once for every change between AND and OR.
 constexpr std::size_t kGreatestDepth = 1000;
 
 std::shared_ptr<const ConditionTree> checked(ConditionTree tree)

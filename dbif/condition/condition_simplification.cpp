@@ -32,7 +32,7 @@ bool compares_list(const ConditionTree& part, Kind kind)
                             : comparator == NOT_EQUAL || comparator == NOT_IN;
 }
 
-/// Half by half, so that many ranges are not walked again for each of them.
+/// Intersects half by half, so that many ranges are not walked again for each part.
 NumberRanges intersected(std::span<const NumberRanges> parts)
 {
     if (parts.size() == 1) {
@@ -44,7 +44,7 @@ NumberRanges intersected(std::span<const NumberRanges> parts)
 
 using Group = std::vector<const ColumnComparison*>;
 
-/// One comparison for all, whose comparator is one that compares with ranges.
+/// One comparison for the whole group, with a comparator that compares by ranges.
 ColumnComparison joined_ranges(const Group& group, Kind kind)
 {
     std::vector<NumberRanges> ranges;

@@ -8,7 +8,8 @@
 
 namespace dbif {
 namespace {
-/// `column` compared with texts. No parentheses around.
+/// The SQL condition that `column` satisfies a comparison with texts, without parentheses around
+/// it.
 SqlText text_condition(const SqlText& column, const ColumnComparison& comparison)
 {
     SqlText sql;
@@ -56,7 +57,7 @@ SqlText value_condition(
     return ranges_condition(column, comparison.ranges, dialect);
 }
 
-/// Whether a record has the key with such a value.
+/// The SQL condition that a record has the key with a value that satisfies the comparison.
 SqlText key_condition(const ColumnComparison& comparison, DBIF_Connection& connection)
 {
     const TableInfo& f = table_info(comparison.column.table());
@@ -71,7 +72,8 @@ SqlText key_condition(const ColumnComparison& comparison, DBIF_Connection& conne
     return sql << "(" << id << " IN (" << records_with_key(link, comparison, connection) << "))";
 }
 
-/// That a record has no value. Of a record that there is not, nothing is true.
+/// The SQL condition that a record has no value in the column; it is not true where the record
+/// itself is absent.
 SqlText absence_condition(const ColumnComparison& comparison, DBIF_Connection& connection)
 {
     const SqlText id = qualified(table_info(comparison.column.table()).name, "id");
@@ -134,12 +136,13 @@ SqlText balanced(std::span<const SqlText> parts, bool isAnd)
                << balanced(parts.subspan(half), isAnd) << ")";
 }
 
-/// Deeper trees do not fit a database's parser as nested AND and OR; SQLite's gives up at 30.
+/// Trees that nest deeper are not printed as nested AND and OR, because the parsers of databases
+/// bound the depth; SQLite's gives up at 30.
 constexpr std::size_t kGreatestNesting = 10;
 
-/// A deep tree as a flat list of decisions: what stands beside its largest part decides first, then
-/// what stands beside the largest part of that, and so on. What is nested in the list is at most
-/// half as large each time.
+/// Prints a deep tree as a flat list of decisions: the operands beside its largest operand decide
+/// first, then those beside the largest operand of that, and so on. A tree nested in the list is at
+/// most half as large as the one before.
 SqlText decision_list(ConditionTree tree, DBIF_Connection& connection)
 {
     SqlText sql = "((CASE";

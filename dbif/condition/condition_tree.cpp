@@ -17,7 +17,7 @@ struct ConditionTree::Node
 
     Node() = default;
 
-    /// Takes a long chain apart in a loop; node by node its destruction would recurse.
+    /// Takes a long chain apart in a loop; destroying it node by node would recurse.
     ~Node()
     {
         std::vector<ConditionTree> doomed = std::move(operands);
@@ -25,7 +25,7 @@ struct ConditionTree::Node
             const ConditionTree last = std::move(doomed.back());
             doomed.pop_back();
             if (last.node_ != nullptr && last.node_.use_count() == 1) {
-                // This is the only owner, and nobody sees the node again.
+                // This handle is the only owner of the node, so nobody sees the change.
                 auto& inner = const_cast<Node&>(*last.node_).operands;
                 std::move(inner.begin(), inner.end(), std::back_inserter(doomed));
                 inner.clear();

@@ -31,8 +31,8 @@ struct ColumnComparison
     /// When given, the comparison holds for the records whose ids this statement yields in its only
     /// column, "id"; it may also be a list of ids.
     std::optional<SqlText> idSelect;
-    /// Prints as a look-up for each record that other comparisons leave, and not as the set of all
-    /// records that satisfy it.
+    /// Whether it prints as a look-up for each record that other comparisons leave, and not as the
+    /// set of all records that satisfy it.
     bool isLookedUp = false;
 
     /// Whether it is decided on points of a setup.
@@ -53,25 +53,25 @@ public:
 
     static ConditionTree constant(bool value);
     static ConditionTree comparison(ColumnComparison comparison);
-    /// Joined by `And` or `Or`; constants are worked in. No operands give what decides nothing:
-    /// True for `And`, False for `Or`.
+    /// Joins trees by `And` or `Or`, and folds the constants among them. Without operands, `And`
+    /// gives True and `Or` gives False.
     static ConditionTree joined(Kind kind, const std::vector<ConditionTree>& operands);
 
     [[nodiscard]] Kind kind() const;
-    /// How many comparisons it has (constants count too), and how many times `And` and `Or` change
+    /// The number of comparisons (constants count too), and how many times `And` and `Or` change
     /// within each other.
     [[nodiscard]] std::size_t size() const;
     [[nodiscard]] std::size_t depth() const;
 
     [[nodiscard]] bool isConstant() const { return kind() == Kind::True || kind() == Kind::False; }
 
-    /// Of a `Comparison`.
+    /// The comparison; only for a tree of the kind `Comparison`.
     [[nodiscard]] const ColumnComparison& comparison() const;
     /// The operands of an `And` or `Or`, chains of the same kind flattened; for any other kind the
     /// tree itself.
     [[nodiscard]] std::vector<ConditionTree> operands() const;
 
-    /// The terms that all have to be true: the operands of an `And`; any other tree itself.
+    /// The terms that all have to be true: the operands of an `And`, or any other tree by itself.
     [[nodiscard]] std::vector<ConditionTree> conjuncts() const;
 
     [[nodiscard]] ConditionTree negated() const;

@@ -9,7 +9,7 @@
 #include <vector>
 
 namespace dbif {
-/// A condition that the layer made itself.
+/// A condition made from a tree by these libraries.
 class TreeCondition : public DBIF_QueryCondition
 {
 public:
@@ -26,9 +26,9 @@ private:
     ConditionTree tree_;
 };
 
-/// Records of one table, picked by their ids, as a condition: a list in the statement up to 500
-/// ids, beyond that a temporary table, which lives as long as this object, or until a statement
-/// that still reads then is done.
+/// Records of one table, picked by their ids, as a condition: up to 500 ids as a list in the
+/// statement, more in a temporary table. The table lives as long as this object, or until a
+/// statement that still reads it has ended.
 class IdList
 {
     Q_DISABLE_COPY_MOVE(IdList)
@@ -45,8 +45,8 @@ private:
     ConditionTree condition_ = ConditionTree::constant(false);
 };
 
-/// "1, 2, 3".
+/// `count` of the ids, from the place `first` on, as a list: "1, 2, 3".
 SqlText id_sequence(const std::vector<int>& ids, std::size_t first, std::size_t count);
-/// The highest id in a table, about the number of its records; 0 when it is empty.
+/// The highest id in a table, which is about the number of its records; 0 when it is empty.
 std::size_t highest_id(DBIF_Connection& connection, RecordTable table);
 } // namespace dbif

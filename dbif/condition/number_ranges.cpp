@@ -7,8 +7,8 @@
 namespace dbif {
 namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-/// As many ranges stand in the statement itself; more go into a table of their own, which an index
-/// on the column serves and which keeps the statement shallow.
+/// Up to this many ranges stand in the statement itself; more go into a table of their own, which
+/// an index on the column serves and which keeps the statement shallow.
 constexpr std::size_t kMostInlineRanges = 16;
 
 double above(double number)
@@ -29,7 +29,7 @@ NumberRange band(double value, double tolerance)
 
 void add_if_not_empty(double low, double high, NumberRanges* ranges)
 {
-    // No number lies beyond the largest.
+    // A range beyond the largest number holds no number.
     if (low <= high && low < kInfinity && high > -kInfinity) {
         ranges->push_back({low, high});
     }
@@ -137,7 +137,7 @@ NumberRanges intersection(const NumberRanges& a, const NumberRanges& b)
 
 bool contains(const NumberRanges& ranges, double number)
 {
-    // A comparison, and mostly a range, has few; lists are searched.
+    // Most comparisons have one range or two; the ranges of a list are many.
     const auto after = std::upper_bound(
         ranges.begin(), ranges.end(), number,
         [](double n, const NumberRange& range) { return n < range.low; });

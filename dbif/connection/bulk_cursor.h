@@ -24,17 +24,17 @@ public:
 
     [[nodiscard]] bool isNull(int column) { return statement_->isNull(column); }
 
-    /// 0 when there is none.
+    /// The whole number in the column; 0 when there is none.
     [[nodiscard]] int integer(int column) { return static_cast<int>(statement_->integer(column)); }
 
-    /// NaN when there is none.
+    /// The number in the column; NaN when there is none.
     [[nodiscard]] double number(int column)
     {
         return isNull(column) ? std::numeric_limits<double>::quiet_NaN()
                               : statement_->number(column);
     }
 
-    /// Valid until `next`; empty when there is none.
+    /// The bytes in the column, valid until `next`; empty when there are none.
     [[nodiscard]] std::string_view text(int column) { return statement_->text(column); }
 
 private:

@@ -40,7 +40,7 @@ public:
 
     [[nodiscard]] const QSqlError& lastError() const { return lastError_; }
 
-    /// What the published operations of the same names do.
+    /// The published operations of the same names.
     QSqlQuery query(const QString& sql, const char* file, int line);
     void beginTransaction();
     void endTransaction();

@@ -6,7 +6,8 @@
 
 namespace dbif {
 /// The latest modification time, UTC, over the records of all tables; a null time in an empty
-/// database. Each table's is one look-up in an index. Throws `DBIF_Exception` on a database error.
+/// database. It takes one look-up in an index for each table. Throws `DBIF_Exception` on a database
+/// error.
 QDateTime newest_time(DBIF_Connection& connection);
 
 /// A time as it is stored: "2026-01-31T12:34:56.789", UTC.

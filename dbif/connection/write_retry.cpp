@@ -10,13 +10,13 @@
 namespace dbif {
 namespace {
 constexpr int kAttempts = 5;
-/// Before the second attempt; each further pause is twice as long.
+/// The pause before the second attempt; each further one is twice as long.
 constexpr int kFirstPauseMilliseconds = 200;
 
 bool is_worth_repeating(const DBIF_Connection& connection, const QSqlError& error)
 {
     const SqlDialect& dialect = connection.inner().dialect();
-    // A connection that was lost a moment ago, and that the server does not take again yet.
+    // The connection was lost a moment ago, and the server does not accept a new one yet.
     const bool isAway = dialect.isServer() && error.type() == QSqlError::ConnectionError;
     return isAway || dialect.isTransient(error) || dialect.isConnectionLost(error);
 }
@@ -35,7 +35,7 @@ bool is_worth_repeating(const DBIF_Connection& connection, const QSqlError& erro
         exception.file(), exception.line());
 }
 
-/// A pause that two writers who met do not both make, so that they do not meet again.
+/// Pauses for a random time, so that two writers that met do not meet again.
 void pause_before(int attempt)
 {
     const int middle = kFirstPauseMilliseconds << (attempt - 2);
@@ -44,7 +44,7 @@ void pause_before(int attempt)
     std::this_thread::sleep_for(std::chrono::milliseconds(around(random)));
 }
 
-/// Whether the work was done; false when it is worth another attempt.
+/// Does the work. False when it failed and is worth another attempt.
 bool is_done(const DBIF_Connection& connection, const std::function<void()>& work, int attempt)
 {
     try {

@@ -7,8 +7,8 @@
 
 namespace dbif {
 // Copied records keep their times, which may be older than others that are stored. So that readers
-// of the target notice all the same, every transaction of a copy stamps one catalogue entry of its
-// own, which is empty otherwise: the mark.
+// of the target notice the new records all the same, every transaction of a copy stamps one
+// catalogue entry of its own, which is empty otherwise: the mark.
 
 /// The id of the mark; 0 when there is none.
 int find_copy_mark(DBIF_Connection& connection);

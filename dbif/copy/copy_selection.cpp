@@ -31,7 +31,7 @@ std::multimap<int, int> older(DBIF_Connection& source, RecordTable table)
     return read_pairs(source, sql);
 }
 
-/// Which measurements have setups that setups of another one supersede.
+/// Pairs of measurements: a setup of the first supersedes a setup of the second.
 std::multimap<int, int> older_by_setups(DBIF_Connection& source)
 {
     return read_pairs(
@@ -42,7 +42,7 @@ std::multimap<int, int> older_by_setups(DBIF_Connection& source)
             "measurement_condition nc ON nc.id = n.measurement_condition_id"));
 }
 
-/// What the pairs lead to from `id` in one step.
+/// The ids that the pairs assign to `id`.
 std::vector<int> next_ids(const std::vector<std::multimap<int, int>>& maps, int id)
 {
     std::vector<int> next;

@@ -23,7 +23,8 @@ struct CopySelection
                measurements.empty();
     }
 
-    /// Superseded measurements and setups by what supersedes them, of the whole source.
+    /// The superseded measurements and setups of the whole source, by the id of the record that
+    /// supersedes them.
     std::multimap<int, int> olderMeasurements;
     std::multimap<int, int> olderSetups;
 };
@@ -40,9 +41,9 @@ struct CopyPlaces
     std::map<int, int> setups;
 };
 
-/// What a condition selects, with its history (what the selected measurements and setups supersede,
-/// and what that supersedes) and with all parents. The mark of earlier copies (`copy_mark`) is none
-/// of it.
+/// Selects the records that satisfy a condition, with their history (what the selected measurements
+/// and setups supersede, and what that supersedes) and with all parents. The mark of earlier copies
+/// (`copy_mark`) is left out.
 CopySelection
 select_for_copy(DBIF_Connection& source, const DBIF_QueryCondition* condition, bool latestOnly);
 } // namespace dbif

@@ -23,7 +23,7 @@ std::uint64_t number_of(const RecordIdentity& digest)
     return number;
 }
 
-/// What a chunk holds; a damaged one as it stands, so that it equals no other.
+/// The values of a chunk. A damaged chunk gives its stored bytes, so that it equals no other.
 std::string content_of(const std::string& chunk, ValueKind kind)
 {
     try {
@@ -45,7 +45,8 @@ struct Sum
     }
 };
 
-/// What one of the two databases holds. Links are digested by what they lead to, since ids differ.
+/// The content of one of the two databases. Links are digested by the records that they lead to,
+/// since ids differ.
 class Side
 {
 public:
@@ -114,7 +115,7 @@ private:
     std::map<RecordTable, std::unordered_map<int, std::uint64_t>> digests_;
 };
 
-/// Takes away what the record of the target has more than that of the source.
+/// Removes the columns and keys of the target's record that the source's record does not have.
 void reduce(const RecordContent& source, RecordContent* target)
 {
     std::erase_if(target->row.columns, [&source](const auto& column) {
@@ -155,7 +156,8 @@ private:
     const CopyProgress& progress_;
     Side sourceSide_;
     Side targetSide_;
-    /// Which record of the target supersedes which, as it was read.
+    /// The superseding links of the target as they were read: ids of superseded records to the ids
+    /// of those that supersede them.
     std::map<RecordTable, std::map<int, int>> targetLinks_;
 };
 

@@ -14,8 +14,8 @@ struct CopiedTable
     std::string name;
     std::size_t sourceRows = 0;
     std::size_t targetRows = 0;
-    /// Sums of digests of the rows, which do not depend on ids or on the order: copies of one
-    /// another have the same.
+    /// Sums of digests of the rows, which do not depend on ids or on the order, so that the sums of
+    /// equal rows are equal.
     std::uint64_t sourceChecksum = 0;
     std::uint64_t targetChecksum = 0;
 

@@ -8,10 +8,10 @@
 #include <vector>
 
 namespace dbif {
-// What a target of a copy has already: records that hold the same, to the time and the user. Of
-// several that hold the same, each is taken once: those in `taken` are left out.
+// Finds the records of a copy that its target has already: those that hold the same, including time
+// and user. Of several that hold the same, each is taken once: those in `taken` are left out.
 
-/// Which of the records are there: ids of the source to ids of the target.
+/// The catalogue entries that the target has: ids of the source to ids of the target.
 std::map<int, int> recognised_catalog_entries(
     DBIF_Connection& target,
     const std::vector<RecordContent>& records,
@@ -24,6 +24,6 @@ std::map<int, MeasurementContent> recognised_measurements(
     std::vector<MeasurementContent>* contents,
     const std::set<int>& taken);
 
-/// Notes where a measurement and all below it stand, of which both sides are in the same order.
+/// Adds the places of a measurement and of all below it; both sides are in the same order.
 void note_places(const MeasurementContent& from, const MeasurementContent& to, CopyPlaces* places);
 } // namespace dbif

@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t kIdsPerStatement = 500;
 constexpr std::size_t kCellsPerGroup = 1U << 20U;
 
-/// Calls `use` with "1, 2, 3" for some of the values after another.
+/// Calls `use` with lists such as "1, 2, 3", each of some of the values.
 void for_each_list(
     const std::vector<int>& values,
     const std::function<void(const SqlText& list)>& use)
@@ -87,7 +87,7 @@ RecordContent read_record(BulkCursor& cursor, const TableInfo& f)
     return record;
 }
 
-/// The key in the columns 1 (its unique key), 2 (number) and 3 (text).
+/// Adds the key of the cursor's row: columns 1 (its unique key), 2 (number) and 3 (text).
 void add_key(BulkCursor& cursor, RecordContent* record)
 {
     const std::optional<KeyDefinition> parts = split_column_key(cursor.text(1));

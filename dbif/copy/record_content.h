@@ -46,13 +46,13 @@ struct ConditionContent
     std::vector<SetupContent> setups;
 };
 
-/// A measurement with all that hangs below it.
+/// A measurement with all records below it.
 struct MeasurementContent
 {
     RecordContent record;
     std::vector<ConditionContent> conditions;
 
-    /// About how much its payload is: values of all keys of all setups.
+    /// The approximate size of its payload: values of all keys of all setups.
     [[nodiscard]] std::size_t cells() const;
 };
 
@@ -67,7 +67,7 @@ void for_each_setup(Measurement& measurement, const Use& use)
     }
 }
 
-/// What is read of the chunks of a setup's keys.
+/// The part of the chunks of a setup's keys that is read.
 enum class Payload {
     Heads, ///< the first 16 bytes, which hold the checksum
     Whole
@@ -80,7 +80,8 @@ std::vector<RecordContent> read_records(
     std::string_view column,
     const std::vector<int>& values);
 
-/// The measurements of those ids that there are, ordered by id, with the heads of their chunks.
+/// The measurements with those ids, as far as they exist, ordered by id, with the heads of their
+/// chunks.
 std::vector<MeasurementContent>
 read_measurements(DBIF_Connection& connection, const std::vector<int>& ids);
 
@@ -96,7 +97,7 @@ std::vector<int> part_of(const std::vector<int>& ids, std::size_t first, std::si
 /// The unique key of a key of a setup.
 std::string sweep_key(const SweepContent& sweep);
 
-/// How many of the measurements from `first` on are read together, so that their payload stays
+/// The number of measurements from `first` on that are read together, so that their payload stays
 /// within some 10 MiB; at least one.
 std::size_t payload_group(const std::vector<MeasurementContent*>& measurements, std::size_t first);
 } // namespace dbif

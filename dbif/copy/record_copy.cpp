@@ -32,8 +32,8 @@ struct Writing
         : transaction(target), rows(target), keys(rows, NewKeyNames::AsStored), shared(rows, keys)
     {}
 
-    /// A die, device or routine, whose parent stands at its place in `parents`. One that is
-    /// completed gets a new time.
+    /// Finds or adds a die, device or routine, whose parent's id in the target is in `parents`. A
+    /// record that is completed gets a new time.
     SharedRecords::Found
     findOrAdd(const TableInfo& f, const RecordContent& record, const std::map<int, int>* parents)
     {
@@ -121,8 +121,8 @@ private:
     CopyOutcome outcome_;
     /// The measurements of the target that are copies of ones of the source.
     std::set<int> taken_;
-    /// What `writes_so_far` of the target is unless others have written since its measurements were
-    /// last recognised.
+    /// The value of `writes_so_far` of the target unless others have written since its measurements
+    /// were last recognised.
     long long writesExpected_ = 0;
     std::size_t done_ = 0;
 };
@@ -142,7 +142,7 @@ CopyOutcome Copy::run()
     return std::move(outcome_);
 }
 
-/// In one transaction; the place of each.
+/// Copies shared records in one transaction, and returns the place of each.
 std::map<int, int> Copy::writeShared(
     const TableInfo& f,
     const std::vector<RecordContent>& records,
@@ -178,8 +178,8 @@ void Copy::copyShared(
     }
 }
 
-/// Those that the target does not have, in one transaction; the place of each, also of those that
-/// it has. They are recognised here, where no other copy can add them meanwhile.
+/// Copies the entries that the target does not have, in one transaction, and returns the places of
+/// all. They are recognised here, where no other copy can add them meanwhile.
 std::map<int, int>
 Copy::writeCatalogEntries(const std::vector<RecordContent>& records, const std::set<int>& taken)
 {

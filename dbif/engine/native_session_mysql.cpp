@@ -28,14 +28,15 @@ throw_mysql_error(const char* message, unsigned int number, const std::string& s
         QStringLiteral(__FILE__), __LINE__);
 }
 
-/// Where the client puts one column of a row.
+/// The buffer into which the client puts one column of a row.
 struct Cell
 {
     enum class Kind { Integer, Number, Bytes };
     Kind kind = Kind::Bytes;
     long long integer = 0;
     double number = 0;
-    /// What fits into the buffer that is bound for the whole result, and what does not.
+    /// The value, when it fits into the buffer that is bound for the whole result, and a longer
+    /// one.
     std::string shortBytes;
     std::string longBytes;
     unsigned long length = 0;
@@ -162,7 +163,8 @@ private:
         if (statement_ == nullptr) {
             throw_mysql_error("Out of memory", 0, sql_);
         }
-        // What the server reports in the middle of a result stands with the connection only.
+        // An error that the server reports in the middle of a result is noted at the connection
+        // only.
         const bool isOwn = mysql_stmt_errno(statement_.get()) != 0;
         const std::string message =
             isOwn ? mysql_stmt_error(statement_.get()) : mysql_error(handle_);
@@ -285,7 +287,7 @@ public:
 
     RowInserter& number(double value) override
     {
-        // With an exponent it is a DOUBLE to the server, not a DECIMAL.
+        // The server takes a literal with an exponent for a DOUBLE, and one without for a DECIMAL.
         const std::string text = double_text(value);
         return add(text.find('e') == std::string::npos ? text + "e0" : text);
     }
@@ -407,7 +409,7 @@ private:
         if (packetLimit_ == 0) {
             MysqlStatement statement(handle_, SqlText("SELECT @@max_allowed_packet"));
             statement.step();
-            // Some room for the protocol around the statement.
+            // The protocol takes some room around the statement.
             packetLimit_ = static_cast<std::size_t>(statement.integer(0)) - 1024;
         }
         return packetLimit_;

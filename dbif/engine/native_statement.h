@@ -15,17 +15,17 @@ class NativeStatement
 public:
     virtual ~NativeStatement() = default;
 
-    /// The values of the next run. Texts and blobs are copied.
+    /// Sets the value of a parameter for the next run.
     virtual void bindInteger(int parameter, long long value) = 0;
 
     /// Moves to the next row, running the statement first where needed; false when there is none
     /// left.
     virtual bool step() = 0;
-    /// Gives up the rows that are left, so that the statement can run again with other values.
+    /// Drops the rows that are left, so that the statement can run again with other values.
     virtual void reset() = 0;
 
-    /// Cells of the row. Texts and blobs stay valid until the next `step` or `reset`; NULL reads as
-    /// 0 or as nothing.
+    /// The cells of the current row. Texts and blobs stay valid until the next `step` or `reset`;
+    /// NULL reads as 0 or as an empty text.
     virtual bool isNull(int column) = 0;
     virtual long long integer(int column) = 0;
     virtual double number(int column) = 0;

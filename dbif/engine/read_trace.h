@@ -15,10 +15,11 @@ struct TracedStatement
 {
     /// The step of the read that ran them.
     std::string step;
-    /// Of the first.
+    /// The text of the first one.
     std::string sql;
     std::vector<PlanStep> plan;
-    /// Of all of them; the time from asking for a statement until its last row was taken.
+    /// The runs, rows and time of all of them; the time counts from asking for a statement until
+    /// its last row was taken.
     std::size_t runs = 0;
     std::size_t rows = 0;
     double seconds = 0;
@@ -27,24 +28,24 @@ struct TracedStatement
 struct TracedStep
 {
     std::string name;
-    /// Without the steps inside it, and without looking for plans.
+    /// The time of the step without the steps inside it, and without looking for plans.
     double seconds = 0;
 };
 
-/// How far points of setups were looked at to decide a condition.
+/// The points of setups that were looked at to decide a condition.
 struct TracedPoints
 {
-    /// What SQL selected, by the records and the bounds of the columns.
+    /// The setups and points that SQL selected, by the records and by the bounds of the columns.
     std::size_t setups = 0;
     std::size_t points = 0;
-    /// What satisfies the condition.
+    /// The setups and points that satisfy the condition.
     std::size_t keptSetups = 0;
     std::size_t keptPoints = 0;
 };
 
-/// Notes what is read through the connection that it is attached to, in what steps and how long
-/// each took (see `DBIF_Connection::ManagedConnection::setTrace`). Its cost is paid only while one
-/// is attached.
+/// Notes the statements that are read through the connection it is attached to, and the steps of
+/// the read with their times (see `DBIF_Connection::ManagedConnection::setTrace`). It costs
+/// something only while it is attached.
 class ReadTrace
 {
     Q_DISABLE_COPY_MOVE(ReadTrace)
@@ -56,17 +57,17 @@ public:
 
     ~ReadTrace() = default;
 
-    /// In the order in which each first came.
+    /// The statements, one for each form, in the order in which each form first came.
     [[nodiscard]] const std::vector<TracedStatement>& statements() const { return statements_; }
 
     [[nodiscard]] const std::vector<TracedStep>& steps() const { return steps_; }
 
-    /// How many conditions were decided on points, and the last of them.
+    /// The number of conditions that were decided on points; `points` is about the last of them.
     [[nodiscard]] std::size_t pointDecisions() const { return pointDecisions_; }
 
     [[nodiscard]] const TracedPoints& points() const { return points_; }
 
-    // What the layer tells it.
+    // These libraries report to the trace by the members below.
 
     /// Prepares a statement that is noted as it runs.
     std::unique_ptr<NativeStatement> prepare(
@@ -77,7 +78,7 @@ public:
     /// Notes that a statement is about to run, and returns its place among `statements`.
     std::size_t
     begin(const SqlDialect& dialect, const QSqlDatabase& database, const std::string& sql);
-    /// Notes what became of it.
+    /// Notes how many rows the statement yielded, and its time.
     void end(std::size_t place, std::size_t rows, double seconds);
     void decided(const TracedPoints& points);
     void beginStep(const char* name);

@@ -11,7 +11,7 @@
 #include <vector>
 
 namespace dbif {
-/// Where a connection leads.
+/// The parameters by which a database is opened.
 struct ConnectionParameters
 {
     std::string driver;
@@ -37,14 +37,16 @@ struct ChangeToken
     }
 };
 
-/// What became of the file behind an open connection.
+/// The state of the file behind an open connection.
 enum class FileState {
-    /// Changed at most by its own engine; a server has no file that could be anything else.
+    /// The file was changed at most by its own engine; a server has no file that could be anything
+    /// else.
     Same,
-    /// Another file stands there, or none, or somebody wrote into it: to be opened anew.
+    /// Another file stands there, or none, or somebody wrote into it: the connection has to be
+    /// opened anew.
     Replaced,
-    /// Somebody wrote into it, and beside it stands a log of the old one with changes that whoever
-    /// opens the file will read on top of it.
+    /// Somebody wrote into it, and a log of the old file stands beside it, with changes that
+    /// whoever opens the file will read on top of it.
     Overwritten
 };
 
@@ -55,8 +57,8 @@ struct TransactionLimit
     unsigned long long rows = 0;
 };
 
-/// An open connection seen through the database's own C client. Ends before the Qt connection it
-/// stands on.
+/// An open connection as the database's own C client sees it. It ends before the Qt connection that
+/// it belongs to.
 class SqlSession
 {
     Q_DISABLE_COPY_MOVE(SqlSession)
@@ -92,11 +94,11 @@ struct SqlTypes
 /// One step of the plan by which an engine runs a statement.
 struct PlanStep
 {
-    /// How many steps it stands within.
+    /// The number of steps within which it stands.
     int depth = 0;
-    /// In the words of the engine.
+    /// The step in the words of the engine.
     std::string text;
-    /// The table that it reads, by its name in the statement, and the index that serves it; empty
+    /// The table that it reads, by its name in the statement, and the index that it uses; empty
     /// where there is none.
     std::string table;
     std::string index;
@@ -111,7 +113,7 @@ struct NumberRange
     double high;
 };
 
-/// What differs between database engines, as one object of answers. Everything else is plain SQL.
+/// All that differs between database engines. Everything else is plain SQL.
 class SqlDialect
 {
     Q_DISABLE_COPY_MOVE(SqlDialect)
@@ -121,6 +123,8 @@ public:
 
     /// Name of the engine, for people.
     [[nodiscard]] virtual std::string name() const = 0;
+    /// Whether the database is reached through a server, so that a connection can be lost and a
+    /// CREATE TABLE commits by itself.
     [[nodiscard]] virtual bool isServer() const = 0;
 
     /// Sets the parameters and options of a Qt connection that is not open yet.
@@ -139,36 +143,36 @@ public:
 
     [[nodiscard]] virtual SqlText beginRead() const = 0;
     [[nodiscard]] virtual SqlText beginWrite() const = 0;
-    /// How a connection is set while it writes many records, and how it is set otherwise.
+    /// The settings of a connection while it writes many records, or otherwise.
     [[nodiscard]] virtual std::vector<SqlText> writeSettings(bool isWriting) const = 0;
 
     [[nodiscard]] virtual SqlTypes types() const = 0;
-    /// What follows the closing parenthesis of CREATE TABLE; `clustered`: rows stand in the order
-    /// of the primary key.
+    /// The options behind the closing parenthesis of CREATE TABLE; `clustered` stores rows in the
+    /// order of the primary key.
     [[nodiscard]] virtual SqlText
     tableOptions(const QSqlDatabase& database, bool clustered) const = 0;
-    /// A text column as part of an index.
+    /// A text column as it is written in an index.
     [[nodiscard]] virtual SqlText indexedText(const SqlName& column) const = 0;
-    /// What restricts an index to the rows that have a value in `column`, where the engine can do
-    /// that.
+    /// The clause that restricts an index to the rows that have a value in `column`; empty where
+    /// the engine has none.
     [[nodiscard]] virtual SqlText whereHasValue(const SqlName& column) const = 0;
-    /// Statements that run once, outside a transaction, before the schema is created.
+    /// Runs the statements that come once, outside a transaction, before the schema is created.
     virtual void prepareStorage(QSqlDatabase& database) const = 0;
-    /// Yields the names of all tables and views of the database.
+    /// The statement that yields the names of all tables and views of the database.
     [[nodiscard]] virtual SqlText listTables() const = 0;
-    /// Collects statistics for the planner.
+    /// The statements that collect statistics for the planner.
     [[nodiscard]] virtual std::vector<SqlText>
     analyze(const std::vector<SqlName>& tables) const = 0;
     /// Whether the planner weighs the sub-selects of a condition against each other, and chooses
     /// which of them drives.
     [[nodiscard]] virtual bool weighsSubSelects() const = 0;
-    /// The join of the table on the left, kept on the left by the planner.
+    /// The join operator that makes the planner keep the table on the left first.
     [[nodiscard]] virtual SqlText orderedJoin() const = 0;
     /// A sub-select of number ranges with the columns `low` and `high`.
     [[nodiscard]] virtual SqlText rangeTable(const std::vector<NumberRange>& ranges) const = 0;
-    /// Creates a temporary table of the session with one column `id`.
+    /// The statement that creates a temporary table of the session with one column `id`.
     [[nodiscard]] virtual SqlText createIdTable(const SqlName& name) const = 0;
-    /// Drops it without ending a transaction.
+    /// The statement that drops it without ending a transaction.
     [[nodiscard]] virtual SqlText dropIdTable(const SqlName& name) const = 0;
     /// The plan of a SELECT statement, which is not run; empty when the engine tells none.
     [[nodiscard]] virtual std::vector<PlanStep>

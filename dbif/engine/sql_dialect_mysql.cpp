@@ -12,7 +12,8 @@
 namespace dbif {
 namespace {
 constexpr int kConnectSeconds = 10;
-/// A server that is alive answers the longest statement sooner, one that was stopped never does.
+/// A server that is alive answers the longest statement sooner than this; one that was stopped
+/// never does.
 constexpr int kAnswerSeconds = 600;
 
 class MysqlDialect final : public SqlDialect
@@ -58,15 +59,15 @@ public:
 
     [[nodiscard]] bool isConnectionLost(const QSqlError& error) const override
     {
-        // Server has gone away, lost during the query, killed, shut down.
+        // The codes of: server has gone away, lost during the query, killed, shut down.
         constexpr std::array kCodes{"2006", "2013", "1927", "1053", "4031"};
         return hasCode(error, kCodes);
     }
 
     [[nodiscard]] bool isTransient(const QSqlError& error) const override
     {
-        // Lock wait, deadlock (also: refused by the other nodes), changed since the read, the
-        // node of a cluster is not ready, an id that another node took meanwhile.
+        // The codes of: lock wait, deadlock (also: refused by the other nodes), changed since the
+        // read, the node of a cluster is not ready, an id that another node took meanwhile.
         constexpr std::array kCodes{"1205", "1213", "1020", "1047", "1062"};
         return hasCode(error, kCodes);
     }

@@ -57,7 +57,8 @@ public:
         if (error.type() != QSqlError::NoError) {
             return error;
         }
-        // Sets of ids not by way of a file. (A larger cache than the default is slower.)
+        // Sets of ids are kept in memory and not in a file. (A larger cache than the default is
+        // slower.)
         run(database, QStringLiteral("PRAGMA temp_store = MEMORY"));
         return error;
     }
@@ -82,9 +83,9 @@ public:
 
     [[nodiscard]] std::vector<SqlText> writeSettings(bool isWriting) const override
     {
-        // Digests come in any order. A page of their index that is written before its time is read
-        // back soon, and its change makes the checksums of all pages after it worth nothing. 32 MiB
-        // hold the indexes of some 100,000 new records. (2 MB is what SQLite takes by itself.)
+        // Digests come in no order. A page of their index that is written to the log too early is
+        // soon read back and changed, and the change invalidates the checksums of all pages behind
+        // it. 32 MiB hold the indexes of some 100,000 new records. (SQLite's default is 2 MB.)
         return {
             isWriting ? SqlText("PRAGMA cache_size = -32768")
                       : SqlText("PRAGMA cache_size = -2000")};
@@ -118,7 +119,7 @@ public:
 
     void prepareStorage(QSqlDatabase& database) const override
     {
-        // Rows of `setup_data` of 2 kB fit, four to a page; larger pages make look-ups slower.
+        // A page holds four rows of `setup_data` of 2 kB; larger pages make look-ups slower.
         run(database, QStringLiteral("PRAGMA page_size = 8192"));
         if (!is_on_network(database.databaseName())) {
             run(database, QStringLiteral("PRAGMA journal_mode = WAL"));

@@ -80,7 +80,7 @@ private:
     std::string text_;
 };
 
-/// What `part` makes of each item, with commas between.
+/// The texts that `part` makes of the items, with commas between.
 template <typename Items, typename Part = std::identity>
 SqlText listed(const Items& items, const Part& part = {})
 {

@@ -69,7 +69,7 @@ SqliteFileWatch::SqliteFileWatch(sqlite3* handle, std::string path, SqlSession& 
 
 FileState SqliteFileWatch::state()
 {
-    // Before the file: a checkpoint in between then shows as one of later.
+    // The log is looked at before the file: a checkpoint in between then shows as a later one.
     const std::optional<LogState> logBefore = logState();
     const std::optional<struct stat> file = status_of(path_);
     if (!file.has_value() || !file_.has_value() || !is_same_inode(*file, *file_)) {
@@ -87,7 +87,7 @@ FileState SqliteFileWatch::state()
     if (!log.has_value() || log->checkpointed == log->frames) {
         return FileState::Replaced;
     }
-    // Whatever happened, the log is not to be written into a file that it may not belong to.
+    // The log must not be written into a file that it may not belong to, whatever happened.
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     const auto logFile = logFileStatus();
     const bool isOverwritten = file->st_size != file_->st_size || header() != header_;
@@ -104,7 +104,7 @@ bool SqliteFileWatch::wroteSqlite(const struct stat& file, const std::optional<L
         return !(session_.changeToken() == token_);
     }
     if (*log == log_) {
-        // Under way, or broken off. It writes the first page first.
+        // The checkpoint is under way, or was broken off. It writes the first page first.
         return log->isInCheckpoint() && file.st_size <= log->databaseSize && header() == header_;
     }
     if (log->isInCheckpoint()) {
@@ -132,7 +132,7 @@ std::optional<struct stat> SqliteFileWatch::logFileStatus() const
     return status_of(sqlite3_filename_wal(sqlite3_db_filename(handle_, "main")));
 }
 
-/// From the index of the log that all connections share; its layout is part of SQLite's file
+/// Read from the index of the log that all connections share; its layout is part of SQLite's file
 /// format.
 std::optional<SqliteFileWatch::LogState> SqliteFileWatch::logState() const
 {

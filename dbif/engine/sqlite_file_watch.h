@@ -25,7 +25,7 @@ public:
     FileState state();
 
 private:
-    /// How far the write-ahead log has got, and how much of it stands in the file.
+    /// The length of the write-ahead log, and the part of it that is in the file already.
     struct LogState
     {
         std::array<std::uint32_t, 2> salt{}; // another one each time the log begins anew
@@ -52,7 +52,7 @@ private:
     std::string path_;
     SqlSession& session_;
 
-    // What was last seen and found in order.
+    // The state that was last seen and found in order.
     bool isWal_ = false;
     std::optional<struct stat> file_;
     std::optional<LogState> log_;

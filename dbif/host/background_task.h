@@ -6,7 +6,8 @@
 #include <future>
 
 namespace dbif {
-/// Does one piece of work at a time beside the thread that gives it.
+/// Runs one task at a time in a background thread, or in the calling thread when the system has no
+/// more threads.
 class BackgroundTask
 {
     Q_DISABLE_COPY_MOVE(BackgroundTask)
@@ -14,17 +15,19 @@ class BackgroundTask
 public:
     BackgroundTask() = default;
 
-    /// Waits for what is being done.
+    /// Waits for the task; what it throws is lost.
     ~BackgroundTask() = default;
 
-    /// Begins a piece of work, when the one before is done. What that threw is thrown again.
+    /// Waits for the task before, then starts `work` and returns. What the task before threw is
+    /// thrown again, and `work` is not started then. `work` must not touch a database connection
+    /// that the calling thread uses meanwhile.
     void begin(const std::function<void()>& work);
 
-    /// Waits until all is done. Throws like `begin`.
+    /// Waits until the task is done. Throws again what it threw.
     void finish();
 
 private:
-    /// Of `std::async`: its destructor waits.
+    /// Made by `std::async`, so that its destructor waits.
     std::future<void> current_;
 };
 } // namespace dbif

@@ -148,7 +148,7 @@ struct Decimal
     int point = 0;
 };
 
-/// What the shortest text in the form d.dddde-dd, which ends at `end`, says.
+/// The digits and the point of the shortest text in the form d.dddde-dd, which ends at `end`.
 Decimal decimal_of(const char* text, const char* end)
 {
     const char* exponent = end - (end[-4] == 'e' ? 4 : 5);

@@ -12,9 +12,9 @@ void parallel_for(
     std::size_t grain,
     const std::function<void(std::size_t first, std::size_t last)>& work)
 {
-    // More would mostly wait for memory.
+    // More parts would mostly wait for memory.
     constexpr std::size_t kMostParts = 8;
-    // Asking takes as long as a small read.
+    // Asking the system takes as long as a small read, so it is asked once.
     static const std::size_t processors = std::max(1U, std::thread::hardware_concurrency());
     const std::size_t parts =
         std::clamp<std::size_t>(count / grain, 1, std::min(processors, kMostParts));

@@ -4,10 +4,11 @@
 #include <functional>
 
 namespace dbif {
-/// Calls `work(first, last)` for parts that together are all of [0, count), at the same time as far
-/// as the machine has processors, and returns when all are done. A part has at least `grain`
-/// places, unless there are fewer: so much work as makes up for a thread. What a part throws is
-/// thrown again. Parts must not touch the same data; database connections are for one thread only.
+/// Calls `work(first, last)` for parts that together are all of [0, count), one part in the calling
+/// thread and the others in threads of their own as far as the machine has processors, and returns
+/// when all are done. A part has at least `grain` places, unless there are fewer in all: the amount
+/// of work that is worth a thread. What a part throws is thrown again. Parts must not touch the
+/// same data, and no part touches a database connection.
 void parallel_for(
     std::size_t count,
     std::size_t grain,

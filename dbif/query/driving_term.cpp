@@ -13,7 +13,7 @@ namespace {
 using Kind = ConditionTree::Kind;
 
 constexpr std::size_t kMostComparisons = 8;
-/// Each alternative of an OR costs a look before the query, and a SELECT in it.
+/// Each alternative of an OR costs a count before the query, and a SELECT in it.
 constexpr std::size_t kMostAlternatives = 20;
 constexpr std::size_t kGreatestDepth = 4;
 
@@ -51,7 +51,7 @@ std::vector<std::size_t> find_candidates(
     if (isWeighed && !candidates.empty()) {
         return {};
     }
-    // What AND joins has to hold for the same records below the base.
+    // The operands of an AND have to hold for the same records below the base.
     const TableSet above = with_ancestors(base);
     const auto canStandAlone = [&](const ConditionTree& operand) {
         return operands.size() == 1 || !operand.any([&above](const ColumnComparison& comparison) {
@@ -81,7 +81,7 @@ ConditionTree with_driving_term(
     const ConditionTree& condition,
     RecordTable base,
     DBIF_Connection& connection,
-    const Unite& unite)
+    const MakeUnion& makeUnion)
 {
     if (condition.kind() != Kind::And && condition.kind() != Kind::Or) {
         return condition;
@@ -102,7 +102,7 @@ ConditionTree with_driving_term(
     for (std::size_t i = 0; i < operands.size(); ++i) {
         if (i == driver) {
             operands[i] =
-                operands[i].kind() == Kind::Or ? unite(operands[i].operands()) : operands[i];
+                operands[i].kind() == Kind::Or ? makeUnion(operands[i].operands()) : operands[i];
         } else if (!isWeighed) {
             operands[i] = looked_up(operands[i]);
         }

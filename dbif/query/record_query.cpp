@@ -66,7 +66,7 @@ TableSet tables_of(const ConditionTree& tree)
 }
 
 namespace {
-/// Engines give up at 65,535 references to one table, of which a comparison takes up to two.
+/// Engines give up at 65,535 references to one table, and a comparison takes up to two.
 constexpr std::size_t kMostComparisons = 30'000;
 
 ConditionTree simplified_and_checked(const ConditionTree& condition, RecordTable base)
@@ -122,14 +122,14 @@ bool RecordQuery::selectsAll() const
 }
 
 namespace {
-/// Whether the companion table alone says which records of `table` satisfy the comparison.
+/// Whether the companion table alone decides which records of `table` satisfy the comparison.
 bool picks_by_key(const ColumnComparison& comparison, RecordTable table)
 {
     return comparison.column.isKey() && comparison.column.table() == table &&
            !comparison.isOnPoints() && !comparison.isLookedUp && comparison.comparator != IS_NULL;
 }
 
-/// Whether the companion table alone says so for a record that another comparison picks.
+/// Whether the companion table alone decides it for a record that another comparison picks.
 bool can_be_joined(const ConditionTree& part, RecordTable table)
 {
     if (part.kind() != Kind::Comparison) {
@@ -167,12 +167,12 @@ SqlText join_keys(RecordTable base, DBIF_Connection& connection, std::vector<Con
 }
 } // namespace
 
-/// The alternatives as one set of ids of the base.
+/// One comparison with the ids of the base that satisfy any of the alternatives.
 ConditionTree RecordQuery::unionOf(const std::vector<ConditionTree>& alternatives) const
 {
     SqlText parts;
     for (const ConditionTree& alternative : alternatives) {
-        // That the record itself is the latest is decided outside.
+        // Whether the record itself is the latest is decided outside.
         const bool looksBelow = !tables_of(alternative).isWithin(aboveBase_);
         const RecordQuery records(connection_, {base_}, alternative, latestOnly_ && looksBelow);
         parts << (parts.isEmpty() ? SqlText() : SqlText("\nUNION\n")) << records.selectIds();
@@ -304,7 +304,7 @@ SqlText RecordQuery::belowCriteria(const ConditionTree& below) const
     if (atBase.kind() != Kind::False) {
         forms.push_back(criteria(atBase, connection_));
     }
-    // What is decided at the base needs no second look from below.
+    // Operands that are decided at the base need no second look from below.
     const ConditionTree rest = reaching_beyond(aboveBase_, below);
     std::vector<RecordTable> path = path_up(lowest, base_);
     path.pop_back();

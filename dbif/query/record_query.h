@@ -32,7 +32,7 @@ public:
     /// "SELECT expressions FROM ... WHERE ...". Expressions may use all columns of the base and of
     /// the tables in `results`, where an absent parent is NULL.
     [[nodiscard]] SqlText select(const std::vector<SqlText>& expressions, bool isDistinct) const;
-    /// Selects the ids of the base; without a look at its records where keys alone decide.
+    /// Selects the ids of the base, without reading its records where keys alone decide.
     [[nodiscard]] SqlText selectIds() const;
 
 private:

@@ -13,7 +13,7 @@ using Kind = ConditionTree::Kind;
 
 constexpr std::size_t kFirstLimit = 1000;
 constexpr std::size_t kLimitGrowth = 4;
-/// One record found by an index costs about as much as passing over so many.
+/// Finding one record by an index costs about as much as passing over this many records.
 constexpr std::size_t kPassedPerLookUp = 10;
 } // namespace
 
@@ -108,7 +108,7 @@ bool Selectivity::doesSelectMore(const ColumnComparison& comparison, std::size_t
     return BulkCursor(connection_, sql).next();
 }
 
-/// How many records of the base stand below one of the table, on average.
+/// The average number of records of the base below one of the table.
 std::size_t Selectivity::fanOut(RecordTable table)
 {
     if (table == base_ || !with_ancestors(base_).has(table)) {

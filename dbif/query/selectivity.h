@@ -15,18 +15,18 @@ bool may_drive(const ColumnComparison& comparison);
 /// OR.
 bool is_found_by_index(const ConditionTree& tree);
 
-/// Tells how many records of one table, the base, conditions select: counted in indexes, and only
-/// as far as one asks. Throws `DBIF_Exception` on a database error.
+/// Estimates how many records of one table, the base, a condition selects: they are counted in
+/// indexes, and only as far as the caller needs. Throws `DBIF_Exception` on a database error.
 class Selectivity
 {
 public:
     Selectivity(RecordTable base, DBIF_Connection connection);
 
-    /// Whether to find the records one by one costs less than to pass over all of the base.
+    /// Whether finding the records one by one costs less than passing over all of the base.
     bool selectsFew(const ConditionTree& tree);
 
-    /// Which of the operands at `candidates` selects the fewest; `is_found_by_index` holds for each
-    /// of them.
+    /// The place in `operands` of the candidate that selects the fewest records;
+    /// `is_found_by_index` holds for each of the candidates.
     std::size_t
     fewest(const std::vector<ConditionTree>& operands, const std::vector<std::size_t>& candidates);
 

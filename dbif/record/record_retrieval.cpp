@@ -20,7 +20,7 @@ DBIF_VantoQuery column_values_query(
     }
     query.markLatestOnly(latestOnly);
     query.markDistinct(distinct);
-    // Of a key, the rows that are read have a value anyway.
+    // Only the rows of a key that have a value are read, so it needs no such condition.
     const bool isKey = find_data_table(to_utf8(table)) != nullptr;
     if (isKey) {
         query.setCondition(condition);

@@ -49,7 +49,7 @@ void drop_rows_without_value(const RowMask& hasValue, QueryResult* result)
     result->rows = static_cast<std::size_t>(std::count(hasValue.begin(), hasValue.end(), 1));
 }
 
-/// The only column is a key of the base: its values come straight from the key's index.
+/// Reads the only column, a key of the base, straight from the key's index.
 QueryResult
 read_single_key(DBIF_Connection& connection, const TableColumn& column, const RecordQuery& records)
 {
@@ -60,7 +60,7 @@ read_single_key(DBIF_Connection& connection, const TableColumn& column, const Re
     return result;
 }
 
-/// Fixed columns in one statement, then each key beside the rows.
+/// Reads the fixed columns in one statement, then each key beside the rows.
 QueryResult read_records(
     DBIF_Connection& connection,
     const std::vector<TableColumn>& columns,
@@ -72,7 +72,7 @@ QueryResult read_records(
     RecordCells cells(columns);
     SqlText sql = records.select(cells.expressions(), isDistinct && !hasKeys);
     if (columns.size() == 1) {
-        // An index may have them in this order.
+        // An index may yield them in this order.
         sql << "\nORDER BY " << cells.expressions().front();
     }
     RowMask hasValue;
@@ -126,8 +126,8 @@ std::vector<int> matching_ids(
     const ConditionTree& condition,
     bool latestOnly)
 {
-    // Those for which it is true without looking at points, and those that have a setup with a
-    // point that makes it true.
+    // Selects the records for which it is true without looking at points, and those that have a
+    // setup with a point that makes it true.
     const ConditionTree withoutPoints = condition.mapped([](const ConditionTree& comparison) {
         return comparison.comparison().isOnPoints() ? ConditionTree::constant(false) : comparison;
     });

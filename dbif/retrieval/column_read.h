@@ -9,7 +9,7 @@
 #include <vector>
 
 namespace dbif {
-/// A read of columns side by side: what is asked, under which condition, in which order.
+/// A read of several columns together: what is asked, under which condition, in which order.
 struct ColumnRead
 {
     /// A read of all latest records, in no order.
@@ -20,11 +20,11 @@ struct ColumnRead
     DBIF_Connection connection;
     std::vector<TableColumn> columns;
     ConditionTree condition = ConditionTree::constant(true);
-    /// Superseded measurements and setups do not count.
+    /// Whether superseded measurements and setups are left out.
     bool latestOnly = true;
-    /// Equal rows are given once.
+    /// Whether equal rows are returned once.
     bool distinct = false;
-    /// By places in `columns`; no order leaves the rows as they are stored.
+    /// The order of the rows, by places in `columns`; without one, rows come as they are stored.
     std::vector<SortKey> order;
     /// Columns at the end of `columns` that only give the order and are not in the result.
     std::size_t hidden = 0;

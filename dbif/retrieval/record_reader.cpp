@@ -17,9 +17,9 @@ namespace dbif {
 namespace {
 using Kind = ResultColumn::Kind;
 
-/// Ids in one IN list.
+/// The number of ids in one IN list.
 constexpr std::size_t kIdsPerStatement = 500;
-/// One look-up by id costs about as much as passing over so many values of a key.
+/// One look-up by id costs about as much as passing over this many values of a key.
 constexpr std::size_t kPassedPerLookUp = 8;
 
 constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
@@ -160,7 +160,7 @@ ResultColumn read_key_values(
         sql << " AND +" << value << " IS NOT NULL AND " << SqlName(f.linkColumn()) << " IN ("
             << idSelect << ")";
     } else {
-        // An index has them in this order.
+        // An index yields them in this order.
         sql << " AND " << value << " IS NOT NULL ORDER BY " << value;
     }
     ResultColumn column = empty_column(key_column_kind(definition.kind), 0);
@@ -178,7 +178,7 @@ ResultColumn read_key_values(
 }
 
 namespace {
-/// The values of one key beside the rows. Few records are looked up by id, many by one pass over
+/// Reads the values of one key for the rows. Few records are looked up by id, many by one pass over
 /// the key; no row is joined.
 ResultColumn read_key_beside(
     DBIF_Connection& connection,

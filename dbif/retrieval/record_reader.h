@@ -11,7 +11,7 @@
 #include <vector>
 
 namespace dbif {
-/// Which rows have a value in at least one of their columns: 1 for each that does.
+/// A mark for each row: 1 when it has a value in at least one of its columns.
 using RowMask = std::vector<std::uint8_t>;
 
 /// The rows of a statement as columns of the given kinds (`Integer`, `Double`, `Text`, or `Complex`
@@ -41,7 +41,8 @@ class RecordCells
 public:
     explicit RecordCells(const std::vector<TableColumn>& sources);
 
-    /// What the statement has to select, in this order; further integer columns may follow.
+    /// The expressions that the statement has to select, in this order; further integer columns may
+    /// follow.
     [[nodiscard]] const std::vector<SqlText>& expressions() const { return expressions_; }
 
     /// The column of each source, and behind them `furtherIntegers` columns of whole numbers that
@@ -56,7 +57,7 @@ private:
     std::size_t add(RecordTable table, std::string_view column, ResultColumn::Kind kind);
 
     std::vector<TableColumn> sources_;
-    /// What each source reads: its column, or the id of the record that has the key.
+    /// The cell that each source reads: its column, or the id of the record that has the key.
     std::vector<std::size_t> cells_;
     std::vector<SqlText> expressions_;
     std::vector<ResultColumn::Kind> kinds_;

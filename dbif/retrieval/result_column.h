@@ -13,19 +13,20 @@ struct ResultColumn
     enum class Kind { Integer, Double, Complex, Text, SharedText };
 
     Kind kind = Kind::Text;
-    /// Of `Integer` and `Double`.
+    /// The values of the kinds `Integer` and `Double`.
     std::vector<double> numbers;
     std::vector<std::complex<double>> complexNumbers;
     std::vector<std::string> texts;
-    /// Of `SharedText`, where many rows have the same text: the row's place in `dictionary`.
+    /// The values of the kind `SharedText`, for columns in which many rows have the same text: the
+    /// row's place in `dictionary`.
     std::vector<std::uint32_t> codes;
     std::vector<std::string> dictionary;
 
     [[nodiscard]] std::size_t size() const;
     [[nodiscard]] std::string text(std::size_t row) const;
-    /// Makes room for so many rows.
+    /// Makes room for this many rows.
     void reserve(std::size_t rows);
-    /// Leaves the rows that are marked, with 1.
+    /// Keeps the rows that are marked with 1.
     void keepRows(const std::vector<std::uint8_t>& isKept);
 };
 
@@ -56,6 +57,6 @@ auto with_values(Column& column, const Use& use)
 
 void keep_first_rows(std::size_t count, QueryResult* result);
 
-/// The texts of a column, which is emptied.
+/// Returns the texts of a column, and empties it.
 std::vector<std::string> take_texts(ResultColumn* column);
 } // namespace dbif

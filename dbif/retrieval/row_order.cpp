@@ -17,7 +17,7 @@ namespace {
 using Kind = ResultColumn::Kind;
 using Row = std::uint32_t;
 
-/// Rows that make up for a thread.
+/// The number of rows from which on work is worth a thread.
 constexpr std::size_t kWorthAThread = 50'000;
 
 /// Puts the dictionary into order, so that its places compare as the texts do.
@@ -72,7 +72,7 @@ void sort_values(std::vector<T>* values)
     }
 }
 
-/// The numbers of two runs of ranks, each in order; the runs may be in order already.
+/// Merges two runs of ranks, each in ascending order, and assigns their numbers.
 void merge_ranks(
     const std::vector<std::uint64_t>& ranks,
     std::vector<std::uint64_t>::const_iterator middle,
@@ -86,7 +86,7 @@ void merge_ranks(
     }
 }
 
-/// By their ranks, which a radix sort takes.
+/// Sorts numbers by their ranks, with a radix sort.
 void sort_values(std::vector<double>* numbers)
 {
     const auto isBefore = [](double a, double b) {
@@ -120,15 +120,15 @@ void sort_single(bool isAscending, ResultColumn* column)
     });
 }
 
-/// A row while the rows are sorted by one column.
+/// A row with its rank in the column by which the rows are being sorted.
 struct RankedRow
 {
     std::uint64_t rank;
     Row row;
 };
 
-/// Sorts rows column by column: first by the first, then each run of equal rows by the next. The
-/// numbers that are compared stand side by side, which is several times as fast as comparing
+/// Sorts rows column by column: by the first column, then each run of equal rows by the next one.
+/// The ranks that are compared are stored together, which is several times as fast as comparing
 /// through the columns. Equal rows keep their order.
 class RowSorter
 {
@@ -137,14 +137,14 @@ public:
         : keys_(keys), result_(result)
     {}
 
-    /// `level`: how many of the keys have been sorted by.
+    /// Sorts rows that are equal in the first `level` keys.
     void sort(std::span<Row> rows, std::size_t level) const
     {
         if (rows.size() < 2) {
             return;
         }
         if (level == keys_.size()) {
-            // The radix sort mixes equal rows.
+            // The radix sort does not keep the order of equal rows.
             if (!std::is_sorted(rows.begin(), rows.end())) {
                 std::sort(rows.begin(), rows.end());
             }
@@ -177,7 +177,7 @@ private:
         return result_.columns[keys_[level].column];
     }
 
-    /// Whether equal ranks are equal values.
+    /// Whether values of equal rank are equal.
     [[nodiscard]] bool isExact(std::size_t level) const
     {
         return column(level).kind != Kind::Text && column(level).kind != Kind::Complex;
@@ -253,11 +253,11 @@ struct GroupedRows
     std::vector<Row> rows;
     /// Where each group begins; at the end, the number of rows.
     std::vector<std::size_t> starts;
-    /// How many of the columns the groups are sorted by.
+    /// The number of columns that the groups are sorted by.
     std::size_t levels = 0;
 };
 
-/// Groups by the first columns as long as those have few values, so that counting does the sorting.
+/// Groups by the first columns as long as those have few values, by counting instead of comparing.
 GroupedRows group_rows(const std::vector<SortKey>& keys, const QueryResult& result)
 {
     constexpr std::size_t kMostGroups = 1U << 16U;

@@ -6,16 +6,16 @@
 #include <vector>
 
 namespace dbif {
-/// By which column rows are sorted, and which way.
+/// The column by which rows are sorted, and the direction.
 struct SortKey
 {
     std::size_t column;
     bool isAscending;
 };
 
-/// Sorts the rows: no value first, numbers as numbers, complex ones by real then imaginary part,
-/// texts byte by byte.
+/// Sorts the rows: rows without a value first, numbers as numbers, complex ones by real then
+/// imaginary part, texts byte by byte.
 void sort_rows(const std::vector<SortKey>& keys, QueryResult* result);
-/// Leaves one of each run of equal rows.
+/// Keeps the first of each run of equal rows.
 void remove_repeated_rows(QueryResult* result);
 } // namespace dbif

@@ -29,7 +29,7 @@ ConditionTree point_part(const ConditionTree& condition)
     return ConditionTree::joined(Kind::And, onPoints);
 }
 
-/// Adds a key to those that are read, unless it is among them; false when it is not defined.
+/// Adds a key to those that are read, unless it is there already; false when it is not defined.
 bool add_key(
     DBIF_Connection& connection,
     const KeyDefinition& key,
@@ -91,8 +91,9 @@ private:
     std::size_t most_;
 };
 
-/// What SQL selects the setups by. Where nothing but points selects them, terms that nearly all
-/// satisfy are left out; beside terms on records, it would take longer to find out.
+/// The condition by which SQL selects the setups. Where nothing but points selects them, terms that
+/// nearly all setups satisfy are left out; with terms on records, finding such terms would take
+/// longer than it saves.
 ConditionTree selecting_condition(
     DBIF_Connection& connection,
     const std::vector<KeyDefinition>& keys,
@@ -105,14 +106,14 @@ ConditionTree selecting_condition(
     if (isAllOnPoints) {
         WeakTerms weak(connection);
         std::erase_if(terms, [&weak](const ConditionTree& term) { return weak.has(term); });
-        // A term that is left selects some setups, and makes a count of all of them pointless.
+        // A remaining term selects only some setups, so that counting all of them is pointless.
         isKeyWeak = ConditionTree::joined(Kind::And, terms).kind() == Kind::True &&
                     std::any_of(keys.begin(), keys.end(), [&weak](const KeyDefinition& key) {
                         return weak.has(key);
                     });
     }
     if (!keys.empty() && !isKeyWeak) {
-        // Beside a term that selects some setups it is looked up for those.
+        // Beside a term that selects some setups, it is looked up for those only.
         const bool isLookedUp = isAllOnPoints && condition.kind() != Kind::True &&
                                 !connection.inner().dialect().weighsSubSelects();
         terms.insert(terms.begin(), has_one_of(keys, isLookedUp));

@@ -53,7 +53,7 @@ public:
     /// Adds the keys that the condition looks at to the columns that are read.
     void addConditionKeys(DBIF_Connection& connection, std::vector<KeyDefinition>* columns);
 
-    /// Which points of a setup satisfy the condition. The keys have been added before.
+    /// Marks the points of a setup that satisfy the condition. The keys have been added before.
     [[nodiscard]] PointMask satisfying(const SweepPoints& points);
 
 private:
@@ -64,7 +64,8 @@ private:
         bool latestOnly);
 
     ConditionTree pointPart_;
-    /// Of a comparison on records, its place among the flags; of one on points, among the columns.
+    /// The place of a comparison on records among the flags, and of one on points among the
+    /// columns.
     std::unordered_map<const ColumnComparison*, std::size_t> flags_;
     std::unordered_map<const ColumnComparison*, std::size_t> columns_;
     std::size_t firstFlag_ = 0;

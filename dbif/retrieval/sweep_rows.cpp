@@ -70,9 +70,9 @@ public:
 private:
     struct Output
     {
-        /// Of a key of setups: its place among the columns that are read.
+        /// For a key of setups: its place among the columns that are read.
         std::size_t column = 0;
-        /// Of a column of records: a value per setup.
+        /// For a column of records: a value per setup.
         ResultColumn* record = nullptr;
         ResultColumn values;
     };
@@ -93,7 +93,7 @@ private:
             output.values.kind = record->kind;
             return output;
         }
-        // Each setup's text stands once; the rows refer to it.
+        // Each setup's text is stored once; the rows refer to it.
         output.values.kind = Kind::SharedText;
         output.values.dictionary = std::move(record->texts);
         return output;
@@ -116,7 +116,7 @@ private:
         }
     }
 
-    /// Without branches, which a processor could not foresee.
+    /// The loop has no branches, which a processor could not predict.
     void listKept()
     {
         kept_.resize(isKept_.size());
@@ -183,7 +183,7 @@ private:
 
     SelectedSetups& setups_;
     std::vector<Output> outputs_;
-    /// Of the setup that is added: which points give a row, by mark and by place.
+    /// The points of the setup being added that give a row, by mark and by place.
     PointMask isKept_;
     std::vector<std::size_t> kept_;
 };

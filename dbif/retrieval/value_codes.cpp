@@ -13,12 +13,12 @@ using Code = std::uint16_t;
 
 constexpr std::size_t kMostCodes = 4096;
 
-/// Gives numbers the code of their first appearance, through a table that is never more than a
-/// quarter full.
+/// Assigns codes to numbers in the order of their first appearance, through a table that is never
+/// more than a quarter full.
 class NumberTable
 {
 public:
-    /// `kMostCodes` for one number too many.
+    /// The code of a number; `kMostCodes` when it is one number too many.
     std::size_t code(std::uint64_t rank)
     {
         const std::size_t place = placeOf(rank);
@@ -30,7 +30,7 @@ public:
         return codes_[place];
     }
 
-    /// By code.
+    /// The numbers, by their codes.
     [[nodiscard]] const std::vector<std::uint64_t>& values() const { return ranks_; }
 
 private:
@@ -38,7 +38,7 @@ private:
     static constexpr unsigned kUnusedBits = 64 - 14;
     static_assert(kPlaces == 1U << 14U);
 
-    /// Where the number stands, or would stand.
+    /// The slot in which the number stands, or would stand.
     [[nodiscard]] std::size_t placeOf(std::uint64_t rank) const
     {
         constexpr std::uint64_t kOddFactor = 0x9E3779B97F4A7C15;

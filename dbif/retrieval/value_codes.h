@@ -13,11 +13,11 @@ namespace dbif {
 struct ValueCodes
 {
     std::vector<std::uint16_t> codes;
-    /// Codes are less than this.
+    /// All codes are less than this.
     std::size_t count = 0;
 };
 
-/// The codes of a column with few distinct values, as those of a swept voltage; nothing, soon, for
-/// another one. Complex numbers have none.
+/// The codes of a column with few distinct values, such as a swept voltage. Nothing for a column
+/// with many, which is given up early, and for complex numbers.
 std::optional<ValueCodes> code_values(const ResultColumn& column);
 } // namespace dbif

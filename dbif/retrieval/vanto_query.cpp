@@ -17,8 +17,8 @@ DBIF_VantoJoinAlgorithm& join_algorithm()
     return algorithm;
 }
 
-/// What a column reads in plain SQL: a key is looked up for its record; of a key of setups, the
-/// setup.
+/// The SQL expression of a column: a key is looked up for its record; a key of setups gives the id
+/// of the setup.
 dbif::SqlText expression_of(const dbif::TableColumn& source)
 {
     const dbif::TableInfo& f = dbif::table_info(source.table());

@@ -65,7 +65,8 @@ public:
                 writeKeys(f);
             }
         }
-        // Last, so that a database where creation was interrupted is not taken for a complete one.
+        // Written last, so that a database where creation was interrupted is not taken for a
+        // complete one.
         SqlText version;
         run(database_,
             version << "INSERT INTO database_info (id, schema_version, writes) VALUES (1, "
@@ -118,7 +119,7 @@ private:
         for (const FixedColumnInfo& column : f.fixedColumns.subspan(1)) {
             sql << ", " << SqlName(column.name) << " " << typeOf(column);
         }
-        // A digest of what makes a record the one it is; missing equals missing in it.
+        // A digest of the columns that identify a record; missing equals missing in it.
         sql << ", identity " << types_.digest;
         if (f.hasLatest()) {
             sql << ", superseded_by " << types_.id;
@@ -191,7 +192,8 @@ private:
                             << record << ", " << column << " FROM " << data);
     }
 
-    /// What a setup holds, with bounds, and the packed columns.
+    /// Writes the tables of the keys that a setup has, with their bounds, and of the packed
+    /// columns.
     void writeSweeps(const TableInfo& f)
     {
         SqlText association;
@@ -232,8 +234,8 @@ private:
     SqlText clusteredOptions_;
 };
 
-/// The right to create the schema on a server, which commits each CREATE TABLE by itself. A session
-/// that dies gives it up.
+/// The lock under which the schema is created on a server, which commits each CREATE TABLE by
+/// itself. A session that dies gives it up.
 class CreationLock
 {
     Q_DISABLE_COPY_MOVE(CreationLock)
@@ -251,7 +253,7 @@ public:
         }
     }
 
-    /// False where there is none to be had, as in some clusters.
+    /// False where no lock can be had, as in some clusters.
     [[nodiscard]] bool isHeld() const { return isHeld_; }
 
 private:
@@ -269,7 +271,8 @@ private:
     bool isHeld_ = false;
 };
 
-/// What the schema is made of; the information stands first, as its creation begins with it.
+/// The tables and views of the schema. The information table comes first, because creation begins
+/// with it.
 struct SchemaParts
 {
     std::vector<std::string> tables = {"database_info", "multi_table", "multi_table_column"};
@@ -338,7 +341,7 @@ void drop_beginning_of_schema(QSqlDatabase& database, const SqlDialect& dialect)
             return;
         }
     }
-    // The information goes last, so that the rest is still known for what it is.
+    // The information table is dropped last, so that a later attempt still recognises the rest.
     for (auto table = parts.tables.rbegin(); table != parts.tables.rend(); ++table) {
         if (!drop("DROP TABLE IF EXISTS ", *table)) {
             return;
@@ -352,7 +355,7 @@ void create_schema(QSqlDatabase& database, const SqlDialect& dialect)
     const CreationLock lock(database, dialect);
     run(database, dialect.beginWrite());
     try {
-        // Another process may have been faster.
+        // Another process may have created the schema meanwhile.
         if (tables_of(database, dialect).empty()) {
             SchemaWriter(database, dialect).write();
         }

@@ -8,7 +8,7 @@ namespace dbif {
 /// The version of the schema that this code writes and reads.
 inline constexpr int kSchemaVersion = 1;
 
-/// What a database holds, as far as the measurement schema goes.
+/// The state of a database with regard to the measurement schema.
 struct SchemaState
 {
     enum class Kind {
@@ -22,12 +22,13 @@ struct SchemaState
     int version = 0; ///< when it is complete
 };
 
-/// Writes nothing. Throws `DBIF_Exception` when the database cannot be read.
+/// Looks at the tables of the database, and writes nothing. Throws `DBIF_Exception` when it cannot
+/// be read.
 SchemaState schema_state(QSqlDatabase& database, const SqlDialect& dialect);
 
 /// Creates the measurement schema in a database without tables, in one transaction where the engine
 /// can. Accepts a database that holds the schema, and writes nothing to it. Throws `DBIF_Exception`
-/// for a database with other tables, and for one whose schema is newer. What a creation left on a
-/// server that was interrupted is dropped and made anew, as long as it holds no data.
+/// for a database with other tables, and for one whose schema is newer. Tables that an interrupted
+/// creation left on a server are dropped and created anew, as long as they hold no data.
 void initialize_schema(QSqlDatabase& database, const SqlDialect& dialect);
 } // namespace dbif

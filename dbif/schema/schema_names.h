@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-/// The texts that the layer publishes for data types and data origins.
+/// The published texts of data types and data origins.
 // NOLINTBEGIN(readability-identifier-naming): published names
 inline const QString DOUBLE_DATATYPE = QStringLiteral("DOUBLE");
 inline const QString TEXT_DATATYPE = QStringLiteral("TEXT");
@@ -40,14 +40,14 @@ inline constexpr std::array kRecordTables{
     RecordTable::Routine,
     RecordTable::Setup};
 
-/// What tells the keys of a table apart, besides name and data type.
+/// The property that tells the keys of a table apart, besides name and data type.
 enum class KeyKind { None, Plain, Category, Direction };
 
-/// What a fixed column holds. A number is compared approximately, an id exactly, a text by its
-/// characters.
+/// The kind of the values in a fixed column. A number is compared approximately, an id exactly, a
+/// text by its characters.
 enum class FixedKind { Id, Number, Text };
 
-/// How a fixed column is indexed.
+/// Whether a fixed column has an index.
 enum class Indexed { No, Yes };
 
 struct FixedColumnInfo
@@ -64,7 +64,7 @@ struct ParentLink
     std::string_view column;
 };
 
-/// All that differs between the record tables.
+/// The description of a record table: all that differs between the seven.
 struct TableInfo
 {
     RecordTable table;

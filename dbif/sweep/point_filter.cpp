@@ -15,7 +15,8 @@ bool holds_at(const ColumnComparison& comparison, const SweepSlice& values, std:
            comparison.holdsFor(values.text(point));
 }
 
-/// Range by range, which a processor does for several points at once; long lists are searched.
+/// The ranges are tried one by one, which a processor does for several points at once; a long list
+/// of ranges is searched.
 void mark_numbers(const NumberRanges& ranges, std::span<const double> numbers, PointMask* mask)
 {
     constexpr std::size_t kFewRanges = 8;

@@ -8,7 +8,7 @@
 #include <vector>
 
 namespace dbif {
-/// Which points of a setup satisfy a condition: 1 for each that does.
+/// A mark for each point of a setup: 1 when it satisfies a condition.
 using PointMask = std::vector<std::uint8_t>;
 
 /// Decides a condition on the points of one setup. Comparisons on setup keys are decided point by

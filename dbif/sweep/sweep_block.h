@@ -16,28 +16,28 @@ struct SweepPoints
     /// Its place among the setups that are read.
     std::size_t place = 0;
     std::size_t count = 0;
-    /// A slice for each column that is read; valid until the next setup.
+    /// One slice for each column that is read, valid until the next setup.
     std::span<const SweepSlice> columns;
 };
 
-/// Columns of some setups: their chunks as they were stored, then, once unpacked, their points.
-/// Setups are named by their place in the block.
+/// The columns of some setups: their chunks as they were stored, then, once unpacked, their points.
+/// A setup is named by its place in the block.
 class SweepBlock
 {
 public:
     /// `columns` must outlive the block.
     explicit SweepBlock(const std::vector<KeyDefinition>& columns);
 
-    /// Holds these setups, without anything, in the place of others. `first`: the place of the
-    /// first of them among all that are read. The ids must outlive the block.
+    /// Empties the block and sets the setups that it is for; the first of them has the place
+    /// `first` among all that are read. The ids must outlive the block.
     void begin(std::span<const int> setups, std::size_t first);
 
-    /// A setup has the key of that id, and so many points. Throws `DBIF_Exception` naming the setup
-    /// when there cannot be so many.
+    /// Notes that a setup has the key with that id, and how many points. Throws `DBIF_Exception`
+    /// naming the setup when there cannot be that many.
     void note(std::size_t place, int key, long long points);
 
-    /// Leaves out setups at the end, so that those before them have about so many points; one
-    /// stays at least. Returns those that are left.
+    /// Drops setups at the end, so that those before them have about this many points in all; at
+    /// least one stays. Returns those that are left.
     std::span<const int> limitPoints(std::size_t points);
 
     [[nodiscard]] bool has(std::size_t place, std::size_t column) const
@@ -45,28 +45,28 @@ public:
         return slices_[place * columns_.size() + column].isPresent();
     }
 
-    /// Takes the next chunk of a column: setup by setup, in the order of the values.
+    /// Adds the next chunk of a column. Chunks come setup by setup, in the order of the values.
     void store(std::size_t place, std::size_t column, std::string_view chunk);
 
-    /// May be done in another thread. Throws `DBIF_Exception` naming setup and key when the stored
-    /// data are damaged.
+    /// Unpacks all chunks; any thread may do so. Throws `DBIF_Exception` naming setup and key when
+    /// the stored data are damaged.
     void unpack();
 
     [[nodiscard]] std::size_t size() const { return setups_.size(); }
 
-    /// The points of a setup. One that has none of the columns counts as one point, as all of
-    /// them are alike.
+    /// The points of a setup. A setup with none of the columns counts as one point, as all its
+    /// points are alike.
     [[nodiscard]] SweepPoints points(std::size_t place) const;
 
 private:
-    /// Of a chunk: whose it is, and how many bytes it takes.
+    /// The setup that a stored chunk belongs to, and its size in bytes.
     struct StoredChunk
     {
         std::size_t place;
         std::size_t size;
     };
 
-    /// One column of all setups.
+    /// One column of all setups of the block.
     struct Column
     {
         std::vector<StoredChunk> chunks;
@@ -81,7 +81,7 @@ private:
     std::size_t first_ = 0;
     std::vector<Column> stored_;
     std::vector<std::size_t> points_;
-    /// By place and column.
+    /// The slices, by place and column.
     std::vector<SweepSlice> slices_;
 };
 } // namespace dbif

@@ -11,20 +11,20 @@
 #include <xxhash.h>
 
 namespace dbif {
-// The packed form is the memory form, so that reading is copying.
+// Values are packed as they are in memory, so that reading them is copying.
 static_assert(std::endian::native == std::endian::little);
 static_assert(sizeof(std::complex<double>) == 2 * sizeof(double));
 
 namespace {
 constexpr std::size_t kChunkBytes = 1U << 20U;
-/// What a page of SQLite's (8 KiB) holds four times. The rest of a longer row goes to pages of its
-/// own, which it fills badly: columns of up to `kFewValuesBytes` are rather split.
+/// A page of SQLite's (8 KiB) holds four such rows. The rest of a longer row goes to pages of its
+/// own, which it fills badly, so columns of up to `kFewValuesBytes` are split.
 constexpr std::size_t kRowBytes = 2000;
 constexpr std::size_t kFewValuesBytes = 8 * kRowBytes;
 constexpr std::uint8_t kPlain = 1;
 constexpr std::uint8_t kCompressed = 2;
 constexpr std::uint32_t kMissingText = 0xFFFFFFFF;
-/// Fewer bytes are not worth compressing.
+/// A chunk with fewer bytes is not worth compressing.
 constexpr std::size_t kFewBytes = 64;
 /// An LZ4 block grows by less than this factor when it is decompressed.
 constexpr std::size_t kGreatestGrowth = 255;
@@ -95,7 +95,7 @@ class ChunkWriter
 public:
     explicit ChunkWriter(ValueKind kind) : kind_(kind) {}
 
-    /// A run of values of equal size.
+    /// Adds a run of values of equal size.
     void addRun(const void* values, std::size_t count, std::size_t valueBytes)
     {
         const std::string_view run(static_cast<const char*>(values), count * valueBytes);
@@ -134,7 +134,7 @@ private:
         });
     }
 
-    /// Parts of as many values as a chunk of so many bytes takes.
+    /// Calls `use` for parts of as many values as a chunk of so many bytes takes.
     template <typename Use>
     static void forEachPart(
         std::string_view values,
@@ -204,7 +204,7 @@ std::string packed_text(const std::optional<std::string>& text)
         __FILE__, __LINE__);
 }
 
-/// Reads counts and bytes, and never past their end.
+/// Reads counts and bytes, never past the end of the chunk.
 class ByteReader
 {
 public:
@@ -242,7 +242,7 @@ private:
     const SweepPlace& place_;
 };
 
-/// One chunk whose head is right.
+/// Reads one chunk, once its head is found to be right.
 class ChunkReader
 {
 public:
@@ -278,7 +278,7 @@ public:
 
     [[nodiscard]] std::size_t count() const { return header_.count; }
 
-    /// Of the values in bytes.
+    /// The size of the values in bytes.
     [[nodiscard]] std::size_t size() const { return size_; }
 
     /// Writes the values, which have their right checksum.

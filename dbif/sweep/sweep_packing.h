@@ -25,13 +25,13 @@ namespace dbif {
 /// swept voltages repeat and shrink to a tenth, measured currents do not and stay as they are.
 std::vector<std::string> pack(const SweepArray& array);
 
-/// Where values stand; for errors.
+/// The place of values in the database, for error messages.
 struct SweepPlace
 {
     std::string_view key;
     int setup = 0;
 
-    /// The key "ID" of setup 42
+    /// The place as it is named in errors: The key "ID" of setup 42
     [[nodiscard]] std::string text() const;
 };
 
@@ -39,7 +39,8 @@ struct SweepPlace
 /// chunk is damaged, was written by a newer version or holds another kind.
 void unpack(std::string_view chunk, const SweepPlace& place, SweepArray* array);
 
-/// Throws when the chunks of a key had another number of points than its setup.
+/// Throws `DBIF_Exception` naming `place` when the chunks of a key had another number of points
+/// than its setup.
 void check_length(const SweepPlace& place, std::size_t found, std::size_t expected);
 
 /// The bytes of a chunk in front of its values.

@@ -77,13 +77,13 @@ public:
     }
 
 private:
-    /// What each setup has, and how many points.
+    /// Reads which keys each setup has, and how many points.
     void readAssociations(std::span<const int> setups, SweepBlock* block) const
     {
         SqlText sql = "SELECT setup_id, setup_column_id, points FROM setup_association WHERE ";
         sql << is_one_of(setups);
         if (others_ == SetupsWithoutColumns::Empty) {
-            // The sign keeps the databases from a detour by the index of the columns.
+            // The sign keeps the databases from using the index of the columns, which is a detour.
             sql << " AND +setup_column_id IN (" << listed(columns_, &KeyDefinition::id) << ")";
         }
         BulkCursor cursor(connection_, sql << " ORDER BY setup_id");
@@ -153,7 +153,8 @@ void read_sweeps(
         if (trace == nullptr && first < setups.size()) {
             task.begin(work);
         } else {
-            // Nothing is left to read meanwhile. A trace notes one step at a time.
+            // There is nothing left to read meanwhile, or there is a trace, which notes one step at
+            // a time.
             task.finish();
             work();
         }

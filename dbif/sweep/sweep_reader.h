@@ -7,8 +7,7 @@
 #include <vector>
 
 namespace dbif {
-/// Whether setups that have none of the columns are known with their number of points all the
-/// same, or as having none.
+/// How setups without any of the columns are given: with their number of points, or with none.
 enum class SetupsWithoutColumns { Counted, Empty };
 
 /// Reads columns of setups (ascending ids), and hands over one setup after another: not always in

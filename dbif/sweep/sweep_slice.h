@@ -7,8 +7,8 @@
 #include <string>
 
 namespace dbif {
-/// The values of one key of one setup: a part of an array that holds those of several setups. None,
-/// with no array, when the setup does not have the key.
+/// The values of one key of one setup: a part of an array that holds those of several setups. The
+/// array is null when the setup does not have the key.
 struct SweepSlice
 {
     const SweepArray* array = nullptr;
@@ -21,7 +21,7 @@ struct SweepSlice
 
     [[nodiscard]] std::string text(std::size_t point) const { return array->text(first + point); }
 
-    /// Of the kind `Double`.
+    /// The numbers of a slice of the kind `Double`.
     [[nodiscard]] std::span<const double> numbers() const
     {
         return {array->numbers.data() + first, size};

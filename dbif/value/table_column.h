@@ -30,13 +30,13 @@ public:
 
     [[nodiscard]] bool isKey() const { return std::holds_alternative<KeyDefinition>(column_); }
 
-    /// Of a fixed column.
+    /// The fixed column; only where `isKey` is false.
     [[nodiscard]] const FixedColumnInfo& fixed() const
     {
         return *std::get<const FixedColumnInfo*>(column_);
     }
 
-    /// Of a key.
+    /// The definition of the key; only where `isKey` is true.
     [[nodiscard]] const KeyDefinition& key() const { return std::get<KeyDefinition>(column_); }
 
     /// The name that users know it by.
@@ -44,9 +44,9 @@ public:
     /// The name by which conditions and queries refer to it: the unique key of a key, the name of a
     /// fixed column.
     [[nodiscard]] std::string_view uniqueName() const;
-    /// The table that stands beside `uniqueName`: the data table of a key, else the record table.
+    /// The table that goes with `uniqueName`: the data table of a key, else the record table.
     [[nodiscard]] std::string tableName() const;
-    /// What its values are; whole numbers count as `Double`.
+    /// The data type of its values; whole numbers count as `Double`.
     [[nodiscard]] ValueKind kind() const;
 
     [[nodiscard]] bool isIdOf(RecordTable records) const
@@ -74,6 +74,6 @@ std::optional<TableColumn> find_column(std::string_view table, std::string_view 
 
 TableSet tables_of(const std::vector<TableColumn>& columns);
 
-/// How an error names a column: "device.name", "device key W".
+/// The name of a column in errors: "device.name", "device key W".
 std::string display_name(const TableColumn& column);
 } // namespace dbif

@@ -14,8 +14,8 @@ namespace dbif {
 /// The keys that a record has: ids of their definitions, and the values as text.
 using StoredKeys = std::map<int, std::string>;
 
-/// Which names a new key may have. Databases of older versions can hold keys that are named like a
-/// builtin keyname, and a copy keeps them.
+/// The names that a new key may have. Databases of older versions can hold keys that are named like
+/// a builtin keyname, and a copy keeps them.
 enum class NewKeyNames { WithoutBuiltins, AsStored };
 
 /// Defines keys and writes their values, within a writing transaction.
@@ -62,7 +62,7 @@ private:
     std::vector<NewKey> newKeys_;
 };
 
-/// Whether the key says that there is no value.
+/// Whether the key has no value.
 bool is_missing(const KeyValue& key);
 /// The value of a key that was written, as text: that of complex numbers and matrices in the form
 /// in which they print.

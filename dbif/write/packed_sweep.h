@@ -20,7 +20,8 @@ struct PackedColumn
     std::vector<std::string> chunks;
 };
 
-/// Throws a `DBIF_Exception` that says what of the columns no setup can hold.
+/// Checks that a setup can hold the columns. Throws a `DBIF_Exception` that says what is wrong with
+/// them.
 void check_sweep(const std::vector<SetupColumn>& sweep);
 
 PackedColumn pack_column(const SetupColumn& column);

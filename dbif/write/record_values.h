@@ -33,7 +33,7 @@ struct NewKey
     std::string table;
     std::string name;
     ValueKind kind = ValueKind::Double;
-    /// Of a setup's key "IN" or "OUT"; empty for tables whose keys have none.
+    /// "IN" or "OUT" for a setup's key; empty for tables whose keys have none.
     std::string category;
 };
 
@@ -50,7 +50,7 @@ struct SetupColumn
 struct MeasurementRecord
 {
     int catalogEntry = 0;
-    /// 0: none.
+    /// The id of the device; 0 when there is none.
     int device = 0;
     int routine = 0;
     std::optional<double> temperature;

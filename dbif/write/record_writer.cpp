@@ -18,10 +18,10 @@
 
 namespace dbif {
 namespace {
-/// After so many rows the planner's statistics are collected anew.
+/// The number of rows after which the planner's statistics are collected anew.
 constexpr std::size_t kRowsWorthAnalyzing = 10'000;
 
-/// What identifies a measurement, and what its setups inherit.
+/// The identity of a measurement, and what its setups inherit from it.
 struct MeasurementContext
 {
     std::string digest;
@@ -73,7 +73,8 @@ identity_of(const TableInfo& f, const std::string& parentDigest, const FixedText
     return identity.digest();
 }
 
-/// Adds the keys as they are stored: in any order, a missing one like none.
+/// Adds the keys as they are stored: their order does not count, and a missing value counts as no
+/// key.
 void add_keys(const std::vector<KeyValue>& keys, RecordIdentity* identity)
 {
     std::set<std::string> parts;
@@ -182,7 +183,7 @@ public:
         return found.id;
     }
 
-    /// A setup without its columns.
+    /// Adds a setup without its columns.
     int addSetup(int condition, const SetupFields& fields, const std::string& label)
     {
         const ConditionContext& context = this->condition(condition);
@@ -287,7 +288,7 @@ private:
     }
 
     std::string user_ = user_name();
-    /// A record that bears the stamp.
+    /// A record that was written with the stamp.
     std::optional<std::pair<RecordTable, int>> stamped_;
 };
 

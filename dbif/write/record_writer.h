@@ -29,12 +29,13 @@ public:
     ~RecordWriter();
 
     int addCatalogEntry(const CatalogEntryFields& fields, const std::vector<KeyValue>& keys = {});
-    /// By lot, wafer, die and block.
+    /// Finds a die by lot, wafer, die and block, or adds it. Returns its id.
     int findOrAddDie(const DieFields& fields);
-    /// By name.
+    /// Finds a routine by its name, or adds it. Returns its id.
     int findOrAddRoutine(const RoutineFields& fields);
-    /// By die, name, subsite and position. `die` may be 0. Keys and columns that the device does
-    /// not have yet are added; a value that differs from the stored one is an error.
+    /// Finds a device by die, name, subsite and position, or adds it. Returns its id. `die` may be
+    /// 0. Keys and columns that the device does not have yet are added; a value that differs from
+    /// the stored one is an error.
     int
     findOrAddDevice(int die, const DeviceFields& fields, const std::vector<KeyValue>& keys = {});
 
@@ -43,22 +44,23 @@ public:
         int measurement,
         const ConditionFields& fields,
         const std::vector<KeyValue>& keys = {});
-    /// The columns have equal length. `label` names the setup's source in errors: two setups of one
-    /// identity in one transaction are an error that names both.
+    /// Adds a setup and returns its id. The columns have equal length. `label` names the setup's
+    /// source in errors: two setups of one identity in one transaction are an error that names
+    /// both.
     int addSetup(
         int condition,
         const SetupFields& fields,
         const std::vector<SetupColumn>& sweep,
         const std::string& label);
-    /// The same of columns that `pack_sweep` packed.
+    /// The same for columns that `pack_sweep` packed.
     int addPackedSetup(
         int condition,
         const SetupFields& fields,
         const std::vector<PackedColumn>& sweep,
         const std::string& label);
 
-    /// Makes everything durable; collects statistics for the planner after many records. The writer
-    /// is of no further use.
+    /// Commits the transaction; collects statistics for the planner after many records. The writer
+    /// cannot be used afterwards.
     void commit();
 
     /// The keys that the database did not have, in the order in which they were written.

@@ -6,7 +6,7 @@
 #include <limits>
 
 namespace dbif {
-/// Passes values on and counts their bytes.
+/// Passes values on to an inserter and counts their bytes.
 class RowStore::Counted final : public RowInserter
 {
 public:
@@ -52,7 +52,8 @@ private:
 };
 
 namespace {
-/// What a cluster replicates of a row besides its values: head of the event, digests of its keys.
+/// The bytes that a cluster replicates of a row besides its values: head of the event, digests of
+/// its keys.
 constexpr std::size_t kBytesAroundRow = 100;
 
 [[noreturn]] void refuse(unsigned long long limit, const char* unit, const char* setting)

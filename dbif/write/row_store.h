@@ -63,7 +63,7 @@ struct RecordRow
     std::optional<double> number;
     std::string time;
     std::optional<std::string> user;
-    /// A digest; empty for none.
+    /// The digest of the columns that identify it; empty for none.
     std::string identity;
 };
 
@@ -80,7 +80,7 @@ struct SweepRow
     const std::vector<std::string>& chunks;
 };
 
-/// Inserts it; `column` is the id of the key's definition.
+/// Inserts the key of a setup; `column` is the id of the key's definition.
 void insert_sweep(RowStore& rows, int setup, int column, const SweepRow& sweep);
 
 /// Stamps a stored record, so that readers notice that it has changed.

@@ -6,9 +6,10 @@
 
 namespace dbif {
 namespace {
-/// So many records are looked up one by one; after them all identities are read in one go.
+/// The number of records that are looked up one by one; after them, all identities are read at
+/// once.
 constexpr int kSingleLookups = 200;
-/// What is known of so many records is kept in memory.
+/// The number of records whose content is kept in memory.
 constexpr std::size_t kMostKnown = 100'000;
 
 std::string described(const TableInfo& f, const FixedTexts& columns)
@@ -140,7 +141,7 @@ bool SharedRecords::completeColumns(
     if (missing.empty()) {
         return false;
     }
-    // The record may be one of this transaction that still waits.
+    // The record may be one of this transaction that is not sent yet.
     rows_.flush();
     SqlText sql;
     sql << "UPDATE " << SqlName(f.name) << " SET " << update << " WHERE id = " << known.id;
@@ -154,7 +155,7 @@ void SharedRecords::forgetSome()
     if (knownRecords_ < kMostKnown) {
         return;
     }
-    // From now on they are read back.
+    // From now on, the records are read back from the database.
     rows_.flush();
     for (auto& [table, records] : tables_) {
         std::unordered_map<std::string, Known> forgotten;

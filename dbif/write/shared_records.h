@@ -40,7 +40,7 @@ private:
     {
         int id = 0;
         FixedTexts columns;
-        /// Read when they are first compared.
+        /// The keys, read when they are first compared.
         std::optional<StoredKeys> keys;
     };
 

@@ -11,10 +11,10 @@
 
 namespace dbif {
 namespace {
-/// Of a statement about several records.
+/// The number of records in one statement.
 constexpr std::size_t kRecordsPerStatement = 500;
 
-/// Which of the measurements have setups, all of them superseded.
+/// The measurements among these that have setups, all of them superseded.
 std::vector<int> without_latest_setup(DBIF_Connection& connection, const std::vector<int>& ids)
 {
     std::vector<int> found;

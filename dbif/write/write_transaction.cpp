@@ -35,7 +35,7 @@ WriteTransaction::~WriteTransaction()
 {
     if (isOpen_) {
         connection_.inner().rollbackTransaction();
-        // It may know definitions of keys that there are not any more.
+        // The store may hold definitions of keys that were rolled back.
         ColumnStore::of(connection_).refresh();
     }
     for (const SqlText& setting : connection_.inner().dialect().writeSettings(false)) {
@@ -48,7 +48,7 @@ void WriteTransaction::setAsBefore(const SqlText& setting)
     try {
         connection_.inner().execute(setting, __FILE__, __LINE__);
     } catch (const DBIF_Exception&) {
-        // It would only stay as it is.
+        // A setting that fails leaves the connection as it is.
     }
 }
 
@@ -70,8 +70,9 @@ bool WriteTransaction::isStoredAfter(
     const std::string& table,
     int id)
 {
-    // What a file or a server refuses for such a reason is taken back. After any other error of a
-    // server, such as a line that broke in the middle of the answer, it may have been stored.
+    // A commit that a file, or a server, refuses for such a reason is taken back. After any other
+    // error of a server, such as a connection that broke in the middle of the answer, it may have
+    // been stored.
     const SqlDialect& dialect = connection_.inner().dialect();
     if (!dialect.isServer() || dialect.isTransient(failure.error()) || table.empty()) {
         return false;

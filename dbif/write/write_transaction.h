@@ -21,9 +21,9 @@ public:
     /// A time later than all that are stored, whatever the clock says, so that readers notice.
     [[nodiscard]] const std::string& stamp() const { return stamp_; }
 
-    /// Makes everything durable. When a server fails meanwhile, a record that
-    /// the transaction wrote with the stamp, of `stampedTable` (empty: none), tells whether all was
-    /// stored or nothing; throws when it was not, or when the server cannot be asked.
+    /// Commits the transaction. When a server fails meanwhile, a record that the transaction wrote
+    /// with the stamp, of `stampedTable` (empty: none), tells whether all was stored or nothing;
+    /// throws `DBIF_Exception` when nothing was, or when the server cannot be asked.
     void commit(const std::string& stampedTable, int stampedId);
 
 private:
@@ -35,6 +35,6 @@ private:
     bool isOpen_ = false;
 };
 
-/// How many writing transactions the database has seen; within one, it counts as well.
+/// The number of writing transactions that the database has seen; within one, that counts too.
 long long writes_so_far(DBIF_Connection& connection);
 } // namespace dbif

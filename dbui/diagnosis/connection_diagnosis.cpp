@@ -13,7 +13,7 @@
 
 namespace dbui {
 namespace {
-/// A driver that is not known or not there ends the diagnosis at the record.
+/// A driver that is not known or not installed ends the diagnosis at the record.
 std::vector<DiagnosisStep> diagnose_driver(
     const std::string& driver,
     const std::string& advice,

@@ -136,7 +136,7 @@ void diagnose_reading(
     report->ok(Layer::Reading, "all tables can be read");
 }
 
-/// Writes, and takes it back.
+/// Writes to every table, as far as the right to write is checked by that, and rolls back.
 void try_writing(DBIF_Connection& connection)
 {
     connection.inner().beginWriteTransaction();
@@ -145,7 +145,7 @@ void try_writing(DBIF_Connection& connection)
             "UPDATE database_info SET writes = writes + 1 WHERE id = 1", __FILE__, __LINE__);
         for (const dbif::RecordTable table : dbif::kRecordTables) {
             const dbif::SqlName name(dbif::table_info(table).name);
-            // No rows, but the right to add some.
+            // The statement inserts no rows, but needs the right to insert them.
             dbif::SqlText sql;
             connection.inner().execute(
                 sql << "INSERT INTO " << name << " SELECT * FROM " << name << " WHERE 1 = 0",

@@ -7,16 +7,16 @@
 #include <string>
 
 namespace dbui {
-/// What to do when a right is missing. The first is for whoever reads, the second for whoever
-/// imports.
+/// The advice for a missing right. The first text is for users who read, the second for users who
+/// import.
 struct RightsAdvice
 {
     std::string toRead;
     std::string toWrite;
 };
 
-/// What an empty database answers to a statement that shows the right to make tables there, and
-/// that leaves nothing behind; an error that is not valid when there is the right.
+/// Runs a statement that needs the right to create tables and that leaves nothing behind, and
+/// returns its error; an error that is not valid when there is the right.
 using CreationCheck = std::function<QSqlError()>;
 
 /// The layers that both kinds of database have: the schema and its version, the rights to read and

@@ -19,10 +19,10 @@ public:
     void ok(Layer layer, const std::string& detail);
     void warn(Layer layer, const std::string& detail, const std::string& advice);
     void fail(Layer layer, const std::string& detail, const std::string& advice);
-    /// A layer that there is nothing to check of.
+    /// Skips a layer of which there is nothing to check.
     void skip(Layer layer, const std::string& detail);
 
-    /// Whether there is any use in going on: nothing failed, and the listener wants more.
+    /// Whether to go on: nothing failed, and the listener wants more.
     [[nodiscard]] bool goesOn() const { return !hasFailed_ && !isStopped_; }
 
     /// All steps; the layers of the plan that were not reached are skipped.

@@ -21,7 +21,7 @@ constexpr int kLargestPort = 65535;
 constexpr std::chrono::seconds kLookUpLimit(10);
 constexpr std::chrono::seconds kProbeLimit(2);
 
-/// Numbers of the client's and the server's errors.
+/// The numbers of the client's and the server's errors.
 enum ErrorNumber {
     kTooManyConnections = 1040,
     kDatabaseDenied = 1044,
@@ -41,7 +41,7 @@ enum ErrorNumber {
     kEncryptionFault = 2026
 };
 
-/// What a server's diagnosis knows of the way there.
+/// What the diagnosis has found out on the way to the server.
 struct Way
 {
     std::string host;
@@ -114,7 +114,7 @@ DBIF_Connection open(const DbuiConnection& record, const Way& way, const std::st
             way.port};
 }
 
-/// Tells why nobody answered: the client's own words say little.
+/// Reports why nobody answered; the client's own message says little.
 void report_port_fault(const Way& way, const std::string& words, DiagnosisReport* report)
 {
     if (way.isLocal) {
@@ -298,8 +298,8 @@ void report_database_fault(
     }
 }
 
-/// A statement that a server refuses in any case: for want of rights, or because a column is there
-/// twice. So it shows the right to make tables, and can never make one.
+/// The error of a statement that a server refuses in any case: for want of rights, or because a
+/// column is there twice. So it shows the right to create tables, and can never create one.
 QSqlError error_of_creating(DBIF_Connection& connection)
 {
     try {
@@ -326,8 +326,8 @@ void diagnose_database(
         return;
     }
     report->ok(Layer::Database, "\"" + record.get_databaseName() + "\" opens");
-    // Whoever holds a lock, an import for example, keeps the check waiting no longer than a busy
-    // file does.
+    // A lock that somebody holds, an import for example, keeps the check waiting no longer than a
+    // busy file does.
     for (const char* limit : {"lock_wait_timeout", "innodb_lock_wait_timeout"}) {
         value_of(connection, QStringLiteral("SET SESSION %1 = 5").arg(QLatin1String(limit)));
     }

@@ -7,7 +7,7 @@
 /// Looks at the way to a server below the database's own protocol. Neither call takes longer than
 /// its limit.
 namespace dbui {
-/// What the machine's name service says about a host.
+/// The answer of the machine's name service about a host.
 struct HostLookup
 {
     enum class State { Found, Unknown, TimedOut };
@@ -18,7 +18,7 @@ struct HostLookup
 
 HostLookup look_up_host(const std::string& host, std::chrono::milliseconds limit);
 
-/// What happens when a connection to a port is begun: it is made, refused, never answered, or the
+/// The outcome of beginning a connection to a port: it is made, refused, never answered, or the
 /// network knows no way there.
 enum class PortState { Open, Refused, Silent, Unreachable };
 

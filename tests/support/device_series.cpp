@@ -17,7 +17,7 @@ std::vector<dbif::KeyValue> device_keys(std::size_t n)
 {
     const auto x = static_cast<double>(n);
     const auto below = [n](std::size_t count) {
-        // Neighbours get values far apart.
+        // Neighbouring devices get values that are far apart.
         return static_cast<double>(n * 7919 % 104'729 % count);
     };
     return {

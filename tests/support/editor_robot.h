@@ -17,7 +17,7 @@
 #include <string>
 
 namespace test_support {
-/// The hands of a person in an editor.
+/// Operates an editor as a person would.
 struct Editor
 {
     QWidget* window;

@@ -11,13 +11,13 @@ class MariaDbServer
     Q_DISABLE_COPY_MOVE(MariaDbServer)
 
 public:
-    /// The one that the tests use: the one that ctest started for this run, or, when the test
+    /// The server that the tests use: the one that ctest started for this run, or, when the test
     /// binary runs by itself, a private one that is started on first use and stopped at exit.
     /// Throws `std::runtime_error` when there is none to be had.
     static MariaDbServer& instance();
 
-    /// A private one whose data stand in the folder `data`, made when it is missing, and stay
-    /// there; stopped with this object. `options` are further ones of mariadbd. Throws
+    /// Starts a private server with its data in the folder `data`, which is made when it is missing
+    /// and stays; the server stops with this object. `options` are further ones of mariadbd. Throws
     /// `std::runtime_error` when it does not start.
     MariaDbServer(const std::string& data, const std::vector<std::string>& options);
 

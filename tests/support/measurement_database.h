@@ -34,7 +34,7 @@ public:
 
     [[nodiscard]] Engine engine() const { return engine_; }
 
-    /// Of the SQLite file.
+    /// The path of the SQLite file.
     [[nodiscard]] std::string path() const { return folder_.file("data.db"); }
 
     [[nodiscard]] const TempDirectory& folder() const { return folder_; }
@@ -86,7 +86,7 @@ dbif::SetupColumn sweep(const std::string& name, const std::vector<double>& numb
 dbif::SetupColumn
 text_sweep(const std::string& name, const std::vector<std::optional<std::string>>& texts);
 
-/// What the exception that `work` throws says; "nothing thrown" when it throws none.
+/// The text of the exception that `work` throws; "nothing thrown" when it throws none.
 template <typename Work>
 std::string thrown_by(const Work& work)
 {

@@ -7,7 +7,7 @@
 #include <set>
 
 namespace test_support {
-/// The same throws for the same seed.
+/// Random numbers, the same ones for the same seed.
 class Dice
 {
 public:

@@ -12,14 +12,14 @@
 #include <string>
 #include <vector>
 
-// Records in memory, and by naive loops over them what a query has to give.
+// Records in memory, with naive loops over them that compute the expected result of a query.
 namespace test_support {
 using dbif::RecordTable;
 using dbif::ValueKind;
 
 struct ModelValue
 {
-    /// What it prints as; numbers sort by `number`, and stand behind what has none.
+    /// The text that it prints as; numbers sort by `number`, and come behind values that have none.
     std::string text;
     std::complex<double> number{-HUGE_VAL, -HUGE_VAL};
 };
@@ -31,10 +31,10 @@ struct ModelRecord
     int id = 0;
     /// The record itself and all that it belongs to.
     std::map<RecordTable, const ModelRecord*> family;
-    /// Equal for records of which a later one supersedes an earlier one.
+    /// Equal for two records of which the later supersedes the earlier.
     std::string identity;
     bool isLatest = true;
-    /// By the name of a fixed column or the unique key of a key.
+    /// The values, by the name of a fixed column or the unique key of a key.
     std::map<std::string, ModelValue> values;
     std::size_t points = 0;
     std::map<std::string, std::vector<ModelCell>> sweeps;
@@ -58,7 +58,7 @@ struct ModelColumn
 
     [[nodiscard]] bool isOnPoints() const { return isKey() && table == RecordTable::Setup; }
 
-    /// Whether there is something that could have a value.
+    /// Whether the column can have a value there.
     [[nodiscard]] bool isAt(const ModelPlace& place) const;
     [[nodiscard]] ModelCell cell(const ModelPlace& place) const;
 };
@@ -86,7 +86,7 @@ class RecordModel
 public:
     RecordModel();
 
-    /// The record's address stays valid.
+    /// Adds a record. Its address stays valid.
     ModelRecord& add(RecordTable table, int id, const std::vector<const ModelRecord*>& parents);
     /// Decides what the records that came since the last call supersede.
     void supersede();

@@ -48,7 +48,8 @@ Outcome run_on_terminal(Arguments program, const std::string& input)
     bool isTyped = input.empty();
     while (read(terminal, &byte, 1) == 1) {
         outcome.data += byte;
-        // Typed only once it is asked for: what the terminal shows before, it echoes.
+        // The password is typed only once it is asked for: the terminal echoes what is typed
+        // before.
         if (!isTyped && outcome.data.ends_with("(it is not shown): ")) {
             isTyped = write(terminal, input.data(), input.size()) > 0;
         }

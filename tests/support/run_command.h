@@ -6,7 +6,7 @@
 namespace test_support {
 using Arguments = std::vector<std::string>;
 
-/// How the program ended, and what it wrote.
+/// The exit status of a program and what it wrote.
 struct Outcome
 {
     int code = -1;
@@ -18,7 +18,7 @@ struct Outcome
 Outcome dbapi(const Arguments& arguments, const std::string& input = {});
 
 /// Runs a program with a terminal of 20 rows and 80 columns for all three streams, on which `input`
-/// is typed. Data and talk come together.
+/// is typed. Data and messages come together.
 Outcome run_on_terminal(Arguments program, const std::string& input = {});
 /// The same with the command `dbapi`.
 Outcome dbapi_on_terminal(Arguments arguments, const std::string& input = {});

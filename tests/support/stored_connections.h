@@ -8,7 +8,7 @@
 #include <vector>
 
 namespace test_support {
-/// All that a record says.
+/// All fields of a record, on one line.
 inline std::string line_of(const DbuiConnection& c)
 {
     return c.get_connectionName() + "|" + c.get_dbDriverName() + "|" + c.get_hostname() + "|" +
