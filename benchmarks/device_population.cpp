@@ -1,8 +1,7 @@
 #include "benchmarks/device_population.h"
 
+#include "benchmarks/formatted.h"
 #include "benchmarks/seeded_noise.h"
-
-#include <cstdio>
 
 namespace bench {
 namespace {
@@ -16,14 +15,6 @@ constexpr std::array kLengths{0.04e-6, 0.06e-6, 0.08e-6, 0.1e-6, 0.12e-6,
 constexpr std::array kTypes{"nfet", "pfet", "nfet_hv", "pfet_hv"};
 constexpr std::array kModels{"svt", "lvt", "hvt", "ulvt", "native", "io"};
 constexpr std::array kTemperatures{-40.0, 25.0, 125.0};
-
-std::string numbered(const char* format, std::size_t number)
-{
-    std::array<char, 32> text{};
-    // All formats are literals of this file.
-    const int length = std::snprintf(text.data(), text.size(), format, number); // NOLINT
-    return {text.data(), static_cast<std::size_t>(length)};
-}
 } // namespace
 
 DieData DevicePopulation::die(std::size_t place) const
@@ -31,18 +22,18 @@ DieData DevicePopulation::die(std::size_t place) const
     constexpr std::size_t kLots = 50;
     constexpr std::size_t kWafers = 25;
     return {
-        numbered("L%03zu", place % kLots), numbered("%zu", place / kLots % kWafers + 1),
-        numbered("D%zu", place / kLots / kWafers)};
+        formatted("L%03zu", place % kLots), formatted("%zu", place / kLots % kWafers + 1),
+        formatted("D%zu", place / kLots / kWafers)};
 }
 
 std::string DevicePopulation::deviceName(std::size_t place)
 {
-    return numbered("dev%07zu", place);
+    return formatted("dev%07zu", place);
 }
 
 std::string DevicePopulation::batchName(std::size_t batch)
 {
-    return numbered("B%06zu", batch);
+    return formatted("B%06zu", batch);
 }
 
 DeviceData DevicePopulation::device(std::size_t place) const
@@ -51,8 +42,8 @@ DeviceData DevicePopulation::device(std::size_t place) const
     data.die = place / kDevicesPerDie;
     data.name = deviceName(place);
     data.type = kTypes[place % kTypes.size()];
-    data.subsite = numbered("S%zu", place % kDevicesPerDie / 10);
-    data.position = numbered("%zu", place % 10);
+    data.subsite = formatted("S%zu", place % kDevicesPerDie / 10);
+    data.position = formatted("%zu", place % 10);
 
     const double width = kWidths[pick(Width, place, kWidths.size())];
     const double length = kLengths[pick(Length, place, kLengths.size())];
@@ -65,7 +56,7 @@ DeviceData DevicePopulation::device(std::size_t place) const
     data.texts = {
         std::string(data.type) + "_" + kModels[pick(Model, place, kModels.size())],
         "bulk 40 nm, rev. B", batchName(pick(Batch, place, batches())),
-        numbered("SN-%08zu", scrambled(Batch, place) % 100'000'000)};
+        formatted("SN-%08zu", scrambled(Batch, place) % 100'000'000)};
     if (place % 10 != 0) {
         data.temperature = kTemperatures[pick(Heat, place, kTemperatures.size())];
     }

@@ -1,8 +1,9 @@
 #include "benchmarks/result_table.h"
 
+#include "benchmarks/formatted.h"
+
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <iostream>
 
 namespace bench {
@@ -12,14 +13,6 @@ struct Scale
     double factor;
     const char* unit;
 };
-
-std::string formatted(const char* format, double number)
-{
-    std::array<char, 48> text{};
-    // All formats are literals of this file.
-    const int length = std::snprintf(text.data(), text.size(), format, number); // NOLINT
-    return {text.data(), static_cast<std::size_t>(length)};
-}
 
 std::string figure_text(double number, Unit unit)
 {
