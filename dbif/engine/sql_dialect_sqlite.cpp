@@ -1,5 +1,6 @@
 #include "dbif/engine/native_session_sqlite.h"
 #include "dbif/engine/sql_dialect.h"
+#include "dbif/engine/sqlite_code.h"
 #include "dbif/host/host_string.h"
 
 #include <QFileInfo>
@@ -72,9 +73,7 @@ public:
 
     [[nodiscard]] bool isTransient(const QSqlError& error) const override
     {
-        // SQLITE_BUSY in the low byte, whatever the kind.
-        constexpr int kBusy = 5;
-        return (error.nativeErrorCode().toInt() & 0xFF) == kBusy;
+        return sqlite_code(error) == SqliteCode::Busy;
     }
 
     [[nodiscard]] SqlText beginRead() const override { return "BEGIN"; }

@@ -1,6 +1,7 @@
 #include "dbui/diagnosis/diagnosis_content.h"
 
 #include "dbif/connection/managed_connection.h"
+#include "dbif/engine/sqlite_code.h"
 #include "dbif/host/error_text.h"
 #include "dbif/host/host_string.h"
 #include "dbif/schema/schema.h"
@@ -16,9 +17,13 @@ constexpr const char* kBusy =
 /// SQLite's "busy" and "locked", and a server's wait for a lock that took too long.
 bool is_busy(const QSqlError& error)
 {
+    constexpr int kLockWaitTimeout = 1205;
+    constexpr int kFirstServerCode = 1000;
     const int code = error.nativeErrorCode().toInt();
-    constexpr int kPrimary = 0xff; // an SQLite code has its family in the lowest byte
-    return code == 1205 || (code < 1000 && ((code & kPrimary) == 5 || (code & kPrimary) == 6));
+    const dbif::SqliteCode sqlite = dbif::sqlite_code(error);
+    return code == kLockWaitTimeout ||
+           (code < kFirstServerCode &&
+            (sqlite == dbif::SqliteCode::Busy || sqlite == dbif::SqliteCode::Locked));
 }
 
 constexpr int kOurVersion = dbif::kSchemaVersion;

@@ -1,6 +1,7 @@
 #include "dbui/diagnosis/diagnosis_file.h"
 
 #include "dbif/connection/managed_connection.h"
+#include "dbif/engine/sqlite_code.h"
 #include "dbif/host/host_string.h"
 #include "dbui/diagnosis/diagnosis_content.h"
 
@@ -96,19 +97,18 @@ bool has_write_ahead_log(const std::string& path)
 
 std::string opening_advice(const QSqlError& error, const std::string& path)
 {
-    constexpr int kPrimary = 0xff; // the lowest byte is the family of SQLite's codes
-    const int family = error.nativeErrorCode().toInt() & kPrimary;
-    switch (family) {
-    case 5:
-    case 6:
+    using dbif::SqliteCode;
+    switch (dbif::sqlite_code(error)) {
+    case SqliteCode::Busy:
+    case SqliteCode::Locked:
         return "Another program has the file for itself. Close that program, or try again later.";
-    case 11:
+    case SqliteCode::Corrupt:
         return "The file is damaged: restore it from a backup.";
-    case 26:
+    case SqliteCode::NotADatabase:
         return "The file is something else, or it is encrypted. Name an SQLite database or a file "
                "that does not exist yet.";
-    case 8:
-    case 14:
+    case SqliteCode::ReadOnly:
+    case SqliteCode::CannotOpen:
         if (has_write_ahead_log(path)) {
             return "The database keeps a write-ahead log, for which also those who read must write "
                    "in its folder. Ask the owner for that right, or to give the log up: sqlite3 "
