@@ -176,9 +176,9 @@ ConditionTree RecordQuery::united(const std::vector<ConditionTree>& alternatives
         const RecordQuery records(connection_, {base_}, alternative, latestOnly_ && looksBelow);
         parts << (parts.isEmpty() ? SqlText() : SqlText("\nUNION\n")) << records.selectIds();
     }
-    SqlText select;
-    select << "SELECT id FROM (" << parts << ") AS united";
-    return ConditionTree::comparison({base_, std::move(select)});
+    RecordIds records;
+    records.sql << "SELECT id FROM (" << parts << ") AS united";
+    return ConditionTree::comparison({base_, std::move(records)});
 }
 
 RecordQuery::Split RecordQuery::split(const ConditionTree& condition) const
