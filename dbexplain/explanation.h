@@ -36,7 +36,7 @@ struct KeyExplanation
 
     [[nodiscard]] std::string tableName() const
     {
-        return std::string(dbif::facts(found.column().table()).name);
+        return std::string(dbif::table_info(found.column().table()).name);
     }
 
     [[nodiscard]] bool isFixed() const { return !found.column().isKey(); }

@@ -51,7 +51,7 @@ IdList::~IdList()
 std::size_t highest_id(DBIF_Connection& connection, RecordTable table)
 {
     SqlText sql;
-    sql << "SELECT max(id) FROM " << SqlName(facts(table).name);
+    sql << "SELECT max(id) FROM " << SqlName(table_info(table).name);
     BulkCursor cursor(connection, sql);
     return cursor.next() ? static_cast<std::size_t>(cursor.integer(0)) : 0;
 }

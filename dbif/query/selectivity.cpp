@@ -101,7 +101,7 @@ bool Selectivity::doesSelectMore(const ColumnComparison& comparison, std::size_t
     if (comparison.column.isKey()) {
         sql = records_with_key("1", comparison, connection_);
     } else {
-        sql << "SELECT 1 FROM " << SqlName(facts(comparison.column.table()).name) << " WHERE "
+        sql << "SELECT 1 FROM " << SqlName(table_info(comparison.column.table()).name) << " WHERE "
             << criteria(ConditionTree::comparison(comparison), connection_);
     }
     sql << " LIMIT 1 OFFSET " << static_cast<long long>(limit / fanOut(comparison.column.table()));
