@@ -11,7 +11,7 @@
 
 #include <algorithm>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// The connection that the library keeps open for the calls that follow.
 DBIF_Connection kept_connection(const std::string& name)
@@ -109,4 +109,4 @@ Explanation explain(const DataRequest& request)
     explanation.nothing = explain_nothing(connection, explanation);
     return explanation;
 }
-} // namespace dbapi::tool
+} // namespace dbapi
