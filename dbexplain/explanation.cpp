@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace dbapi::tool {
+namespace dbapi {
 bool KeyExplanation::isNumber() const
 {
     return datatype == kWholeNumber || datatype == convert_to_full_datatype_name("DOUBLE");
@@ -36,4 +36,4 @@ std::string records_text(std::size_t count, dbif::RecordTable table)
     }
     return std::to_string(count) + " " + name;
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 using Kind = QueryNode::Kind;
 
@@ -187,19 +187,16 @@ NothingFound explain_nothing(const DBIF_Connection& connection, const Explanatio
     if (explanation.records == 0) {
         nothing.reasons.push_back(
             "The database has no " + records_text(2, explanation.table).substr(2) + " at all.");
-        nothing.suggestions.push_back(
-            "dbapi import " + explanation.connection + " PATH reads files into it.");
+        nothing.cause = NothingFound::Cause::NoRecords;
         return nothing;
     }
     if (!explanation.tree.has_value() || !keeps_nothing(*explanation.tree)) {
         nothing.reasons.push_back(without_values(explanation));
-        nothing.suggestions.push_back(
-            "dbapi keys " + explanation.connection + " " +
-            std::string(dbif::table_info(explanation.table).name) +
-            " lists the keys that records have; -q QUERY those of the selected ones.");
+        nothing.cause = NothingFound::Cause::NoValues;
         return nothing;
     }
     if (!explanation.tree->isCountedInParts()) {
+        nothing.cause = NothingFound::Cause::Query;
         nothing.reasons.emplace_back(
             "The query has too many parts to count each of them. Explain some of them by "
             "themselves.");
@@ -208,6 +205,7 @@ NothingFound explain_nothing(const DBIF_Connection& connection, const Explanatio
     CauseFinder finder(connection, explanation);
     finder.examine(*explanation.tree);
     nothing = finder.take();
+    nothing.cause = NothingFound::Cause::Query;
     if (explanation.latestOnly) {
         RecordCounter all(connection, explanation.table, false);
         const std::size_t count = all.count(explanation.tree->condition.get()).records;
@@ -220,4 +218,4 @@ NothingFound explain_nothing(const DBIF_Connection& connection, const Explanatio
     }
     return nothing;
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -7,7 +7,7 @@
 
 #include <set>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 bool read(
     const DataRequest& request,
@@ -56,4 +56,4 @@ void explain_read(
         explanation->seconds += step.seconds;
     }
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -2,7 +2,7 @@
 
 #include "dbif/host/host_string.h"
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// "NOT {W=5u}" and "NOT W=5u": the keyword of a negated term begins with the T of NOT.
 bool is_negated(const Fault& fault, const std::string& keyword)
@@ -28,4 +28,4 @@ std::vector<std::string> suggestions_for(const Fault& fault, const KnownKeys& ke
     }
     return keys.near(keyword);
 }
-} // namespace dbapi::tool
+} // namespace dbapi

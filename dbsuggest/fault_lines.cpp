@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <string_view>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// How many columns are shown before, of and behind the faulty place.
 constexpr std::size_t kShownBefore = 50;
@@ -42,4 +42,4 @@ std::string fault_lines(const Fault& fault, const std::vector<std::string>& sugg
     const std::string meant = suggestion(suggestions);
     return meant.empty() ? lines : lines + "\n" + meant.substr(1);
 }
-} // namespace dbapi::tool
+} // namespace dbapi

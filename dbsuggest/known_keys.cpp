@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 constexpr std::size_t kMostSuggested = 3;
 } // namespace
@@ -101,4 +101,4 @@ std::string KnownKeys::describe(const std::string& keyword)
     return keyword + " (" + std::string(column.name()) + " of the table " +
            std::string(dbif::table_info(column.table()).name) + ")";
 }
-} // namespace dbapi::tool
+} // namespace dbapi

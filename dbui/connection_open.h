@@ -28,6 +28,9 @@ bool dbui_make_dbif_connection_object_by_name(
     std::string* error = nullptr);
 
 namespace dbui {
+/// The port that a record without one means.
+inline constexpr int kStandardPort = 3306;
+
 /// A handle without a driver: not valid, and used by nobody else.
 DBIF_Connection blank_connection();
 

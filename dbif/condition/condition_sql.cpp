@@ -95,13 +95,12 @@ SqlText absence_condition(const ColumnComparison& comparison, DBIF_Connection& c
 SqlText id_condition(const ColumnComparison& comparison)
 {
     const SqlText id = qualified(table_info(comparison.column.table()).name, "id");
-    const bool isSelect = comparison.idSelect->utf8().starts_with("SELECT ");
     SqlText sql;
-    if (isSelect && comparison.isLookedUp) {
-        return sql << "(EXISTS (SELECT 1 FROM (" << *comparison.idSelect
+    if (comparison.ids->isStatement && comparison.isLookedUp) {
+        return sql << "(EXISTS (SELECT 1 FROM (" << comparison.ids->sql
                    << ") AS selected WHERE selected.id = " << id << "))";
     }
-    return sql << "(" << id << " IN (" << *comparison.idSelect << "))";
+    return sql << "(" << id << " IN (" << comparison.ids->sql << "))";
 }
 
 SqlText comparison_sql(const ColumnComparison& comparison, DBIF_Connection& connection)
@@ -111,7 +110,7 @@ SqlText comparison_sql(const ColumnComparison& comparison, DBIF_Connection& conn
     if (comparison.comparator == IS_NULL) {
         return absence_condition(comparison, connection);
     }
-    if (comparison.idSelect.has_value()) {
+    if (comparison.ids.has_value()) {
         return id_condition(comparison);
     }
     if (comparison.column.isKey()) {

@@ -25,9 +25,9 @@ IdList::IdList(DBIF_Connection connection, RecordTable table, const std::vector<
     if (ids.empty()) {
         return;
     }
-    SqlText select;
+    RecordIds records;
     if (ids.size() <= kMostListedIds) {
-        select = id_sequence(ids, 0, ids.size());
+        records = {id_sequence(ids, 0, ids.size()), false};
     } else {
         temporaryTable_ = "selected_" + to_utf8(QUuid::createUuid().toString(QUuid::Id128));
         const SqlName name(temporaryTable_);
@@ -38,9 +38,9 @@ IdList::IdList(DBIF_Connection connection, RecordTable table, const std::vector<
             inserter->integer(id).endRow();
         }
         inserter->flush();
-        select << "SELECT id FROM " << name;
+        records.sql << "SELECT id FROM " << name;
     }
-    condition_ = ConditionTree::comparison({table, std::move(select)});
+    condition_ = ConditionTree::comparison({table, std::move(records)});
 }
 
 IdList::~IdList()

@@ -177,9 +177,9 @@ ConditionTree RecordQuery::unionOf(const std::vector<ConditionTree>& alternative
         const RecordQuery records(connection_, {base_}, alternative, latestOnly_ && looksBelow);
         parts << (parts.isEmpty() ? SqlText() : SqlText("\nUNION\n")) << records.selectIds();
     }
-    SqlText select;
-    select << "SELECT id FROM (" << parts << ") AS alternatives";
-    return ConditionTree::comparison({base_, std::move(select)});
+    RecordIds records;
+    records.sql << "SELECT id FROM (" << parts << ") AS alternatives";
+    return ConditionTree::comparison({base_, std::move(records)});
 }
 
 RecordQuery::Split RecordQuery::split(const ConditionTree& condition) const

@@ -19,9 +19,9 @@ constexpr std::size_t kPassedPerLookUp = 10;
 
 bool may_drive(const ColumnComparison& comparison)
 {
-    if (comparison.isOnPoints() || comparison.idSelect.has_value() ||
-        comparison.comparator == IS_NULL || comparison.comparator == NOT_NULL ||
-        comparison.comparator == NOT_EQUAL || comparison.comparator == NOT_IN) {
+    if (comparison.isOnPoints() || comparison.ids.has_value() || comparison.comparator == IS_NULL ||
+        comparison.comparator == NOT_NULL || comparison.comparator == NOT_EQUAL ||
+        comparison.comparator == NOT_IN) {
         return false;
     }
     if (comparison.column.isKey()) {

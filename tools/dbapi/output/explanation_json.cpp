@@ -1,6 +1,6 @@
 #include "tools/dbapi/output/explanation_json.h"
 
-#include "dbexplain/statement_text.h"
+#include "tools/dbapi/output/statement_text.h"
 
 #include <nlohmann/json.hpp>
 
