@@ -23,7 +23,8 @@ bool check(bool isRight, const std::string& what, const std::string& errors)
 
 bool import_file(const DBIF_Connection& connection, const std::string& file)
 {
-    std::ofstream(file) << "# $DEVNAME = nmos1\n# W = 5u\nIN.VG,OUT.ID\n0,1n\n0.5,1u\n1,20u\n";
+    std::ofstream(file)
+        << "# $DEVNAME = nmos1\n# DEVD.W = 5u\nIND.VG,OUTD.ID\n0,1n\n0.5,1u\n1,20u\n";
     const dbapi::ImportResult result = dbapi::import_sweeps(connection, {file});
     const std::string fault = result.faults.empty() ? "" : result.faults.front().text;
     return check(result.setups == 1 && result.points == 3, "the import", fault);
