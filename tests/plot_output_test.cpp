@@ -104,7 +104,7 @@ TEST_F(PlotOutput, ExplainsWhatItCannotDraw)
     EXPECT_THAT(talkOf({"v", "t", "--plot", "x.gp"}), HasSubstr("\"t\" holds texts"));
     EXPECT_THAT(talkOf({"t", "i", "--logx", "--plot", "x.gp"}), HasSubstr("t holds texts"));
     EXPECT_THAT(talkOf({"v", "i", "--plot", "x.pdf"}), HasSubstr("has to end in .svg, .png"));
-    EXPECT_THAT(talkOf({"v", "i", "--logx"}), HasSubstr("--logx goes only together with --plot."));
+    EXPECT_THAT(talkOf({"v", "i", "--logx"}), HasSubstr("--logx needs --plot."));
     EXPECT_THAT(
         talkOf({"v", "--distinct", "--plot", "x.gp"}),
         HasSubstr("--distinct and --plot do not go together."));
