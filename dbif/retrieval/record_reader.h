@@ -39,7 +39,8 @@ ResultColumn read_key_values(
 class RecordCells
 {
 public:
-    explicit RecordCells(const std::vector<TableColumn>& sources);
+    /// The last `uncounted` sources give no row a value.
+    explicit RecordCells(const std::vector<TableColumn>& sources, std::size_t uncounted = 0);
 
     /// What the statement has to select, in this order; further integer columns may follow.
     [[nodiscard]] const std::vector<SqlText>& expressions() const { return expressions_; }
@@ -56,6 +57,7 @@ private:
     std::size_t add(RecordTable table, std::string_view column, ResultColumn::Kind kind);
 
     std::vector<TableColumn> sources_;
+    std::size_t counted_;
     /// What each source reads: its column, or the id of the record that has the key.
     std::vector<std::size_t> cells_;
     std::vector<SqlText> expressions_;
