@@ -1,6 +1,8 @@
 #pragma once
 
 // All public calls of the library.
+#include "dbapi/db_arrow.h"
+#include "dbapi/db_columns.h"
 #include "dbapi/db_connections.h"
 #include "dbapi/db_curves.h"
 #include "dbapi/db_fault.h"

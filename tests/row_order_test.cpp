@@ -43,7 +43,8 @@ QueryResult unsorted(std::size_t rows)
           Kind::Integer}) {
         result.columns.push_back(column_of(kind));
     }
-    result.columns[Lot].dictionary = {"L3", "L1", "L2", "L1"};
+    result.columns[Lot].dictionary = std::make_shared<const std::vector<std::string>>(
+        std::vector<std::string>{"L3", "L1", "L2", "L1"});
     for (std::size_t row = 0; row < rows; ++row) {
         const auto number = static_cast<double>(scrambled(row, 4));
         result.columns[Voltage].numbers.push_back(voltages[scrambled(row, 1) % voltages.size()]);

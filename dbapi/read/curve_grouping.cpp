@@ -34,7 +34,7 @@ bool has_value(const dbif::ResultColumn& column, std::size_t row)
     case Kind::Text:
         return !column.texts[row].empty();
     case Kind::SharedText:
-        return !column.dictionary[column.codes[row]].empty();
+        return !(*column.dictionary)[column.codes[row]].empty();
     default:
         return dbif::with_values(
             column, [row](const auto& values) { return !is_missing(values[row]); });

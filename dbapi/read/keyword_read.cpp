@@ -119,11 +119,11 @@ dbif::ColumnRead read_of_keyword(
 }
 
 dbif::ColumnRead read_of_keywords(
-    const std::string& connectionName,
+    DBIF_Connection connection,
     const std::vector<std::string>& keywords,
-    const std::string& query)
+    const std::string& query,
+    bool allData)
 {
-    DBIF_Connection connection = connection_for_call(connectionName);
     if (keywords.empty()) {
         throw FaultError(
             argument_fault("Error: No keywords provided to return database values for.\n"));
@@ -132,7 +132,8 @@ dbif::ColumnRead read_of_keywords(
         "Error: Failed to resolve keywords to valid database unique key names. \n"
         "Error(s) reported: \n";
     try {
-        const Selection selection = select_on(connection, query);
+        Selection selection = select_on(connection, query);
+        selection.latestOnly = selection.latestOnly && !allData;
         return read_of(
             selection, columns_for_keywords(
                            connection, keywords, selection.condition.get(), selection.latestOnly));
@@ -141,5 +142,13 @@ dbif::ColumnRead read_of_keywords(
     } catch (const DBIF_Exception& exception) {
         throw FaultError(database_fault(exception).under(heading));
     }
+}
+
+dbif::ColumnRead read_of_keywords(
+    const std::string& connectionName,
+    const std::vector<std::string>& keywords,
+    const std::string& query)
+{
+    return read_of_keywords(connection_for_call(connectionName), keywords, query);
 }
 } // namespace dbapi

@@ -38,7 +38,15 @@ dbif::ColumnRead read_of_keyword(
     SortOrder order = ASCENDING);
 
 /// A read of several keywords of a connection side by side, in no order; a row for each selected
-/// record that has one of the values. Throws `FaultError`.
+/// record that has one of the values. With `allData`, superseded records count whatever the query
+/// string begins with. Throws `FaultError`.
+dbif::ColumnRead read_of_keywords(
+    DBIF_Connection connection,
+    const std::vector<std::string>& keywords,
+    const std::string& query,
+    bool allData = false);
+
+/// The same with the connection of a call (see `connection_for_call`).
 dbif::ColumnRead read_of_keywords(
     const std::string& connectionName,
     const std::vector<std::string>& keywords,

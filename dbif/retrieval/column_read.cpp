@@ -1,21 +1,20 @@
 #include "dbif/retrieval/column_read.h"
 
 #include "dbif/condition/condition_sql.h"
-#include "dbif/condition/id_list.h"
 #include "dbif/connection/bulk_cursor.h"
-#include "dbif/connection/managed_connection.h"
-#include "dbif/connection/transaction_guard.h"
 #include "dbif/engine/read_trace.h"
+#include "dbif/host/exception.h"
 #include "dbif/query/record_query.h"
-#include "dbif/retrieval/record_reader.h"
-#include "dbif/retrieval/sweep_rows.h"
+#include "dbif/retrieval/record_rows.h"
 
 #include <algorithm>
-#include <memory>
+#include <limits>
+#include <utility>
 
 namespace dbif {
 namespace {
-using Kind = ResultColumn::Kind;
+/// Records that are selected at a time where the rows are given part by part.
+constexpr std::size_t kRecordsPerPart = 1U << 17U;
 
 bool has_points(const std::vector<TableColumn>& columns)
 {
@@ -38,68 +37,28 @@ void order_by_all(std::size_t shown, std::vector<SortKey>* order)
     }
 }
 
-void drop_rows_without_value(const RowMask& hasValue, QueryResult* result)
+/// The condition, for records whose ids are in a closed range.
+ConditionTree with_ids(const ConditionTree& condition, RecordTable table, double first, double last)
 {
-    if (std::find(hasValue.begin(), hasValue.end(), 0) == hasValue.end()) {
-        return;
-    }
-    for (ResultColumn& column : result->columns) {
-        column.keepRows(hasValue);
-    }
-    result->rows = static_cast<std::size_t>(std::count(hasValue.begin(), hasValue.end(), 1));
+    ColumnComparison range(TableColumn::id(table));
+    range.holdsNumbers = true;
+    range.ranges = {{first, last}};
+    return ConditionTree::joined(
+        ConditionTree::Kind::And, {condition, ConditionTree::comparison(std::move(range))});
 }
 
-/// Reads the only column, a key of the base, straight from the key's index.
+/// Rows `first` to `last` (not included) of the first columns.
 QueryResult
-read_single_key(DBIF_Connection& connection, const TableColumn& column, const RecordQuery& records)
+part_of(const QueryResult& rows, std::size_t first, std::size_t last, std::size_t columns)
 {
-    const SqlText idSelect = records.selectsAll() ? SqlText() : records.selectIds();
-    QueryResult result;
-    result.columns.push_back(read_key_values(connection, column.table(), column.key(), idSelect));
-    result.rows = result.columns.front().size();
-    return result;
-}
-
-/// Reads the fixed columns in one statement, then each key beside the rows.
-QueryResult read_records(
-    DBIF_Connection& connection,
-    const std::vector<TableColumn>& columns,
-    const RecordQuery& records,
-    bool isDistinct)
-{
-    const bool hasKeys = std::any_of(
-        columns.begin(), columns.end(), [](const TableColumn& column) { return column.isKey(); });
-    RecordCells cells(columns);
-    SqlText sql = records.select(cells.expressions(), isDistinct && !hasKeys);
-    if (columns.size() == 1) {
-        // An index may yield them in this order.
-        sql << "\nORDER BY " << cells.expressions().front();
+    QueryResult part;
+    part.rows = last - first;
+    for (std::size_t i = 0; i < columns; ++i) {
+        ResultColumn& column = part.columns.emplace_back();
+        column.kind = rows.columns[i].kind;
+        append_rows(rows.columns[i], first, last, &column);
     }
-    RowMask hasValue;
-    QueryResult result = cells.read(connection, sql, &hasValue);
-    drop_rows_without_value(hasValue, &result);
-    return result;
-}
-
-QueryResult read_rows(
-    DBIF_Connection& connection,
-    const std::vector<TableColumn>& columns,
-    const ConditionTree& condition,
-    bool latestOnly,
-    bool isDistinct)
-{
-    if (has_points(columns)) {
-        return read_sweep_rows(connection, columns, condition, latestOnly);
-    }
-    const RecordQuery records(connection, tables_of(columns), condition, latestOnly);
-    if (columns.size() == 1 && columns.front().isKey()) {
-        return read_single_key(connection, columns.front(), records);
-    }
-    if (columns.size() == 1 && columns.front().isIdOf(records.base())) {
-        RowMask hasValue;
-        return read_cells(connection, records.selectIds(), {Kind::Integer}, {true}, &hasValue);
-    }
-    return read_records(connection, columns, records, isDistinct);
+    return part;
 }
 
 std::vector<int> read_ids(DBIF_Connection& connection, const SqlText& sql)
@@ -118,6 +77,13 @@ std::vector<int> read_ids(DBIF_Connection& connection, const SqlText& sql)
 bool ColumnRead::isOnPoints() const
 {
     return has_points(columns);
+}
+
+bool ColumnRead::needsAllRows() const
+{
+    const bool isById = order.size() == 1 && order.front().isAscending && !isOnPoints() &&
+                        columns[order.front().column].isIdOf(meeting_table(tables_of(columns)));
+    return distinct || (!order.empty() && !isById);
 }
 
 std::vector<int> matching_ids(
@@ -145,35 +111,203 @@ std::vector<int> matching_ids(
     return ids;
 }
 
-QueryResult read_columns(ColumnRead read)
-{
-    DBIF_Connection& connection = read.connection;
-    const ReadTransaction transaction(connection);
+ColumnStream::ColumnStream(ColumnRead read, Parts parts)
+    : read_(std::move(read)),
+      parts_(parts),
+      transaction_(read_.connection),
+      base_(meeting_table(tables_of(read_.columns))),
+      left_(
+          read_.limit < 0 ? std::numeric_limits<std::size_t>::max()
+                          : static_cast<std::size_t>(read_.limit))
+{}
 
-    const TraceStep step(connection.inner().trace(), "read the records");
-    std::unique_ptr<IdList> picked;
-    if (read.condition.hasPoints() && !read.isOnPoints()) {
-        const TraceStep picking(connection.inner().trace(), "pick the records by their points");
-        const RecordTable base = meeting_table(tables_of(read.columns));
-        picked = std::make_unique<IdList>(
-            connection, base, matching_ids(connection, base, read.condition, read.latestOnly));
-        read.condition = picked->condition();
+ColumnStream::~ColumnStream() = default;
+
+void ColumnStream::begin()
+{
+    if (hasBegun_) {
+        return;
     }
-    QueryResult result =
-        read_rows(connection, read.columns, read.condition, read.latestOnly, read.distinct);
-    const TraceStep sorting(connection.inner().trace(), "sort the rows");
-    const std::size_t shown = read.columns.size() - read.hidden;
-    if (read.distinct) {
-        order_by_all(shown, &read.order);
+    hasBegun_ = true;
+    if (read_.condition.hasPoints() && !read_.isOnPoints()) {
+        const TraceStep picking(
+            read_.connection.inner().trace(), "pick the records by their points");
+        picked_ = std::make_unique<IdList>(
+            read_.connection, base_,
+            matching_ids(read_.connection, base_, read_.condition, read_.latestOnly));
+        read_.condition = picked_->condition();
     }
-    sort_rows(read.order, &result);
-    result.columns.resize(shown);
-    if (read.distinct) {
-        remove_repeated_rows(&result);
+    if (parts_ == Parts::Many) {
+        highestId_ = highest_id(read_.connection, base_);
     }
-    if (read.limit >= 0) {
-        keep_first_rows(static_cast<std::size_t>(read.limit), &result);
+}
+
+std::size_t ColumnStream::mostRows()
+{
+    begin();
+    DBIF_Connection& connection = read_.connection;
+    const SqlText ids =
+        RecordQuery(connection, tables_of(read_.columns), read_.condition, read_.latestOnly)
+            .selectIds();
+    SqlText sql;
+    if (read_.isOnPoints()) {
+        std::vector<int> keys;
+        for (const TableColumn& column : read_.columns) {
+            if (column.isOnPoints()) {
+                keys.push_back(column.key().id);
+            }
+        }
+        sql << "SELECT SUM(points) FROM (SELECT MAX(points) AS points FROM setup_association "
+               "WHERE setup_column_id IN ("
+            << listed(keys) << ") AND setup_id IN (" << ids << ") GROUP BY setup_id) AS setups";
+    } else {
+        sql << "SELECT COUNT(*) FROM (" << ids << ") AS records";
+    }
+    BulkCursor cursor(connection, sql);
+    const double most = cursor.next() && !cursor.isNull(0) ? cursor.number(0) : 0;
+    return std::min(left_, static_cast<std::size_t>(most));
+}
+
+QueryResult ColumnStream::next(std::size_t rows)
+{
+    rows = std::min(rows, left_);
+    {
+        const TraceStep step(read_.connection.inner().trace(), "read the records");
+        begin();
+        const bool needsAll = read_.needsAllRows();
+        while ((needsAll || available() < rows) && readOn()) {
+            report();
+        }
+        holdPoints();
+        if (needsAll && !isArranged_) {
+            arrange();
+        }
+    }
+    checkFile();
+    QueryResult result = take(std::min(rows, held_.rows - given_));
+    left_ -= result.rows;
+    taken_ += result.rows;
+    return result;
+}
+
+std::size_t ColumnStream::available() const
+{
+    return held_.rows - given_ + (points_ == nullptr ? 0 : points_->size());
+}
+
+void ColumnStream::report() const
+{
+    if (read_.progress) {
+        read_.progress(std::min(taken_ + available(), taken_ + left_));
+    }
+}
+
+bool ColumnStream::readOn()
+{
+    while (points_ != nullptr || nextId_ <= highestId_) {
+        if (points_ != nullptr) {
+            if (points_->readOn()) {
+                return true;
+            }
+            holdPoints();
+            points_.reset();
+        } else if (read_.isOnPoints()) {
+            points_ = std::make_unique<SweepRows>(
+                read_.connection, read_.columns, read_.uncounted, nextCondition(),
+                read_.latestOnly);
+        } else {
+            QueryResult rows = read_record_rows(
+                read_.connection, read_.columns, read_.uncounted, nextCondition(), read_.latestOnly,
+                read_.distinct);
+            if (!read_.needsAllRows()) {
+                sort_rows(read_.order, &rows);
+            }
+            hold(std::move(rows));
+            return true;
+        }
+    }
+    return false;
+}
+
+ConditionTree ColumnStream::nextCondition()
+{
+    const std::size_t first = nextId_;
+    nextId_ = parts_ == Parts::One ? highestId_ + 1 : first + kRecordsPerPart;
+    // Most databases have one part, and its statement is as simple as it can be.
+    return nextId_ > highestId_ && first == 0
+               ? read_.condition
+               : with_ids(
+                     read_.condition, base_, static_cast<double>(first),
+                     static_cast<double>(nextId_ - 1));
+}
+
+void ColumnStream::holdPoints()
+{
+    // The columns and their kinds are known even where there are no rows.
+    if (points_ != nullptr && (points_->size() > 0 || held_.columns.empty())) {
+        hold(points_->take());
+    }
+}
+
+void ColumnStream::hold(QueryResult rows)
+{
+    if (given_ == held_.rows) {
+        held_ = std::move(rows);
+        given_ = 0;
+        return;
+    }
+    if (given_ > 0) {
+        held_ = part_of(held_, given_, held_.rows, held_.columns.size());
+        given_ = 0;
+    }
+    for (std::size_t i = 0; i < held_.columns.size(); ++i) {
+        append_rows(rows.columns[i], 0, rows.rows, &held_.columns[i]);
+    }
+    held_.rows += rows.rows;
+}
+
+void ColumnStream::arrange()
+{
+    isArranged_ = true;
+    const TraceStep sorting(read_.connection.inner().trace(), "sort the rows");
+    const std::size_t shown = read_.columns.size() - read_.hidden;
+    if (read_.distinct) {
+        order_by_all(shown, &read_.order);
+    }
+    sort_rows(read_.order, &held_);
+    held_.columns.resize(shown);
+    if (read_.distinct) {
+        remove_repeated_rows(&held_);
+    }
+}
+
+void ColumnStream::checkFile() const
+{
+    if (parts_ == Parts::Many && read_.connection.inner().fileState() != FileState::Same) {
+        throw_error(
+            "The database file was replaced or overwritten while it was read. Read it anew.",
+            __FILE__, __LINE__);
+    }
+}
+
+QueryResult ColumnStream::take(std::size_t rows)
+{
+    const std::size_t shown = read_.columns.size() - read_.hidden;
+    QueryResult result;
+    if (given_ == 0 && rows == held_.rows) {
+        QueryResult none = part_of(held_, 0, 0, held_.columns.size());
+        result = std::exchange(held_, std::move(none));
+        result.columns.resize(shown);
+    } else {
+        result = part_of(held_, given_, given_ + rows, shown);
+        given_ += rows;
     }
     return result;
+}
+
+QueryResult read_columns(ColumnRead read)
+{
+    ColumnStream stream(std::move(read), ColumnStream::Parts::One);
+    return stream.next(std::numeric_limits<std::size_t>::max());
 }
 } // namespace dbif

@@ -222,7 +222,8 @@ Kind fixed_column_kind(const FixedColumnInfo& fixed)
 }
 } // namespace
 
-RecordCells::RecordCells(const std::vector<TableColumn>& sources) : sources_(sources)
+RecordCells::RecordCells(const std::vector<TableColumn>& sources, std::size_t uncounted)
+    : sources_(sources), counted_(sources.size() - uncounted)
 {
     std::map<RecordTable, std::size_t> idCells;
     for (const TableColumn& source : sources) {
@@ -254,7 +255,7 @@ QueryResult RecordCells::read(
     std::vector<Kind> kinds = kinds_;
     kinds.insert(kinds.end(), furtherIntegers, Kind::Integer);
     std::vector<bool> isCounted(kinds.size(), false);
-    for (std::size_t i = 0; i < sources_.size(); ++i) {
+    for (std::size_t i = 0; i < counted_; ++i) {
         isCounted[cells_[i]] = !sources_[i].isKey();
     }
     QueryResult cells = read_cells(connection, sql, kinds, isCounted, hasValue);

@@ -39,7 +39,8 @@ ResultColumn read_key_values(
 class RecordCells
 {
 public:
-    explicit RecordCells(const std::vector<TableColumn>& sources);
+    /// The last `uncounted` sources give no row a value.
+    explicit RecordCells(const std::vector<TableColumn>& sources, std::size_t uncounted = 0);
 
     /// The expressions that the statement has to select, in this order; further integer columns may
     /// follow.
@@ -57,7 +58,8 @@ private:
     std::size_t add(RecordTable table, std::string_view column, ResultColumn::Kind kind);
 
     std::vector<TableColumn> sources_;
-    /// The cell that each source reads: its column, or the id of the record that has the key.
+    std::size_t counted_;
+    /// What each source reads: its column, or the id of the record that has the key.
     std::vector<std::size_t> cells_;
     std::vector<SqlText> expressions_;
     std::vector<ResultColumn::Kind> kinds_;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <span>
+#include <type_traits>
 
 namespace dbif {
 namespace {
@@ -59,7 +60,7 @@ std::string ResultColumn::text(std::size_t row) const
     case Kind::Complex:
         return complex_text(complexNumbers[row]);
     case Kind::SharedText:
-        return dictionary[codes[row]];
+        return (*dictionary)[codes[row]];
     case Kind::Text:
         break;
     }
@@ -85,6 +86,49 @@ void keep_first_rows(std::size_t count, QueryResult* result)
         keep_first(count, &column);
     }
     result->rows = count;
+}
+
+namespace {
+/// Makes the dictionary one of the column too; returns the place of its first text there.
+std::uint32_t
+join_dictionary(const std::shared_ptr<const std::vector<std::string>>& added, ResultColumn* column)
+{
+    if (column->codes.empty() || column->dictionary == added) {
+        column->dictionary = added;
+        return 0;
+    }
+    std::vector<std::string> joined = *column->dictionary;
+    const auto offset = static_cast<std::uint32_t>(joined.size());
+    joined.insert(joined.end(), added->begin(), added->end());
+    column->dictionary = std::make_shared<const std::vector<std::string>>(std::move(joined));
+    return offset;
+}
+} // namespace
+
+void append_rows(
+    const ResultColumn& from,
+    std::size_t first,
+    std::size_t last,
+    ResultColumn* column)
+{
+    const std::uint32_t offset = join_dictionary(from.dictionary, column);
+    const std::size_t before = column->size();
+    with_values(*column, [&](auto& values) {
+        with_values(from, [&](const auto& added) {
+            if constexpr (std::is_same_v<
+                              std::decay_t<decltype(values)>, std::decay_t<decltype(added)>>) {
+                const auto begin = added.begin();
+                values.insert(
+                    values.end(), begin + static_cast<std::ptrdiff_t>(first),
+                    begin + static_cast<std::ptrdiff_t>(last));
+            }
+        });
+    });
+    if (offset > 0) {
+        for (std::size_t row = before; row < column->codes.size(); ++row) {
+            column->codes[row] += offset;
+        }
+    }
 }
 
 namespace {
@@ -132,7 +176,7 @@ std::vector<std::string> take_texts(ResultColumn* column)
         return formatted(taken.complexNumbers, complex_text);
     case Kind::SharedText:
         return formatted(
-            taken.codes, [&taken](std::uint32_t code) { return taken.dictionary[code]; });
+            taken.codes, [&taken](std::uint32_t code) { return (*taken.dictionary)[code]; });
     case Kind::Text:
         break;
     }

@@ -2,6 +2,7 @@
 
 #include <complex>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,7 @@ struct ResultColumn
     /// The values of the kind `SharedText`, for columns in which many rows have the same text: the
     /// row's place in `dictionary`.
     std::vector<std::uint32_t> codes;
-    std::vector<std::string> dictionary;
+    std::shared_ptr<const std::vector<std::string>> dictionary;
 
     [[nodiscard]] std::size_t size() const;
     [[nodiscard]] std::string text(std::size_t row) const;
@@ -56,6 +57,12 @@ auto with_values(Column& column, const Use& use)
 }
 
 void keep_first_rows(std::size_t count, QueryResult* result);
+/// Appends rows `first` to `last` (not included) of a column of the same kind.
+void append_rows(
+    const ResultColumn& from,
+    std::size_t first,
+    std::size_t last,
+    ResultColumn* column);
 
 /// Returns the texts of a column, and empties it.
 std::vector<std::string> take_texts(ResultColumn* column);

@@ -23,23 +23,22 @@ constexpr std::size_t kWorthAThread = 50'000;
 /// Puts the dictionary into order, so that its places compare as the texts do.
 void order_dictionary(ResultColumn* column)
 {
-    std::vector<Row> places(column->dictionary.size());
+    const std::vector<std::string>& texts = *column->dictionary;
+    std::vector<Row> places(texts.size());
     std::iota(places.begin(), places.end(), Row(0));
-    std::sort(places.begin(), places.end(), [column](Row a, Row b) {
-        return column->dictionary[a] < column->dictionary[b];
-    });
+    std::sort(places.begin(), places.end(), [&texts](Row a, Row b) { return texts[a] < texts[b]; });
     std::vector<Row> rank(places.size());
     std::vector<std::string> ordered;
     for (const Row place : places) {
-        if (ordered.empty() || ordered.back() != column->dictionary[place]) {
-            ordered.push_back(column->dictionary[place]);
+        if (ordered.empty() || ordered.back() != texts[place]) {
+            ordered.push_back(texts[place]);
         }
         rank[place] = static_cast<Row>(ordered.size() - 1);
     }
     for (Row& code : column->codes) {
         code = rank[code];
     }
-    column->dictionary = std::move(ordered);
+    column->dictionary = std::make_shared<const std::vector<std::string>>(std::move(ordered));
 }
 
 int order_of_rows(const ResultColumn& column, Row a, Row b)

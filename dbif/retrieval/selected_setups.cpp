@@ -135,6 +135,7 @@ std::size_t place_of_key(const std::vector<KeyDefinition>& columns, const std::s
 SelectedSetups::SelectedSetups(
     DBIF_Connection& connection,
     const std::vector<TableColumn>& sources,
+    std::size_t uncounted,
     const std::vector<KeyDefinition>& keys,
     const ConditionTree& condition,
     bool latestOnly)
@@ -142,7 +143,9 @@ SelectedSetups::SelectedSetups(
       trace_(connection.inner().trace())
 {
     const TraceStep step(trace_, "select the setups");
-    select(connection, sources, selecting_condition(connection, keys, condition), latestOnly);
+    select(
+        connection, sources, uncounted, selecting_condition(connection, keys, condition),
+        latestOnly);
 }
 
 SelectedSetups::~SelectedSetups()
@@ -156,12 +159,13 @@ SelectedSetups::~SelectedSetups()
 void SelectedSetups::select(
     DBIF_Connection& connection,
     const std::vector<TableColumn>& sources,
+    std::size_t uncounted,
     const ConditionTree& condition,
     bool latestOnly)
 {
     TableSet tables = tables_of(sources);
     tables.add(RecordTable::Setup);
-    const RecordCells cells(sources);
+    const RecordCells cells(sources, uncounted);
     std::vector<SqlText> expressions = cells.expressions();
     expressions.emplace_back("setup.id");
     // Comparisons on records that stand beside ones on points are decided by SQL, setup by setup.

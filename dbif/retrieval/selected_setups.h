@@ -25,11 +25,13 @@ class SelectedSetups
     Q_DISABLE_COPY_MOVE(SelectedSetups)
 
 public:
-    /// Selects, by SQL. `sources` are record columns to read beside each setup. Where `keys` are
-    /// given, setups without any of them may be left out.
+    /// Selects, by SQL. `sources` are record columns to read beside each setup, of which the last
+    /// `uncounted` give it no value. Where `keys` are given, setups without any of them may be left
+    /// out.
     SelectedSetups(
         DBIF_Connection& connection,
         const std::vector<TableColumn>& sources,
+        std::size_t uncounted,
         const std::vector<KeyDefinition>& keys,
         const ConditionTree& condition,
         bool latestOnly);
@@ -60,6 +62,7 @@ private:
     void select(
         DBIF_Connection& connection,
         const std::vector<TableColumn>& sources,
+        std::size_t uncounted,
         const ConditionTree& condition,
         bool latestOnly);
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace dbif {
 namespace {
@@ -57,12 +58,18 @@ public:
         }
     }
 
-    QueryResult finish()
+    [[nodiscard]] std::size_t size() const { return outputs_.front().values.size(); }
+
+    /// Hands the rows over, and begins anew.
+    QueryResult take()
     {
         QueryResult result;
+        result.rows = size();
         for (Output& output : outputs_) {
-            result.rows = output.values.size();
-            result.columns.push_back(std::move(output.values));
+            ResultColumn next;
+            next.kind = output.values.kind;
+            next.dictionary = output.values.dictionary;
+            result.columns.push_back(std::exchange(output.values, std::move(next)));
         }
         return result;
     }
@@ -95,7 +102,8 @@ private:
         }
         // Each setup's text is stored once; the rows refer to it.
         output.values.kind = Kind::SharedText;
-        output.values.dictionary = std::move(record->texts);
+        output.values.dictionary =
+            std::make_shared<const std::vector<std::string>>(std::move(record->texts));
         return output;
     }
 
@@ -189,28 +197,87 @@ private:
 };
 } // namespace
 
-QueryResult read_sweep_rows(
+class SweepRows::Reading
+{
+    Q_DISABLE_COPY_MOVE(Reading)
+
+public:
+    Reading(
+        DBIF_Connection& connection,
+        const std::vector<TableColumn>& sources,
+        std::size_t uncounted,
+        const ConditionTree& condition,
+        bool latestOnly)
+        : columns_(keysOf(sources)),
+          setups_(connection, recordsOf(sources), uncounted, columns_, condition, latestOnly),
+          collector_(sources, withConditionKeys(connection), setups_),
+          reader_(connection, setups_.ids(), columns_, SetupsWithoutColumns::Empty)
+    {}
+
+    ~Reading() = default;
+
+    bool readOn()
+    {
+        return reader_.next([this](const SweepPoints& points) { collector_.add(points); });
+    }
+
+    [[nodiscard]] RowCollector& collector() { return collector_; }
+
+private:
+    static std::vector<KeyDefinition> keysOf(const std::vector<TableColumn>& sources)
+    {
+        std::vector<KeyDefinition> keys;
+        for (const TableColumn& source : sources) {
+            if (source.isOnPoints() && place_of_key(keys, source.key().key) == keys.size()) {
+                keys.push_back(source.key());
+            }
+        }
+        return keys;
+    }
+
+    static std::vector<TableColumn> recordsOf(std::vector<TableColumn> sources)
+    {
+        std::erase_if(sources, [](const TableColumn& source) { return source.isOnPoints(); });
+        return sources;
+    }
+
+    const std::vector<KeyDefinition>& withConditionKeys(DBIF_Connection& connection)
+    {
+        setups_.addConditionKeys(connection, &columns_);
+        return columns_;
+    }
+
+    /// Those that are read.
+    std::vector<KeyDefinition> columns_;
+    SelectedSetups setups_;
+    RowCollector collector_;
+    SweepReader reader_;
+};
+
+SweepRows::SweepRows(
     DBIF_Connection& connection,
     const std::vector<TableColumn>& sources,
+    std::size_t uncounted,
     const ConditionTree& condition,
     bool latestOnly)
+    : reading_(std::make_unique<Reading>(connection, sources, uncounted, condition, latestOnly))
+{}
+
+SweepRows::~SweepRows() = default;
+
+bool SweepRows::readOn()
 {
-    std::vector<KeyDefinition> columns;
-    std::vector<TableColumn> recordSources;
-    for (const TableColumn& source : sources) {
-        if (!source.isOnPoints()) {
-            recordSources.push_back(source);
-        } else if (place_of_key(columns, source.key().key) == columns.size()) {
-            columns.push_back(source.key());
-        }
-    }
-    SelectedSetups setups(connection, recordSources, columns, condition, latestOnly);
-    setups.addConditionKeys(connection, &columns);
-    RowCollector collector(sources, columns, setups);
-    read_sweeps(
-        connection, setups.ids(), columns, SetupsWithoutColumns::Empty,
-        [&collector](const SweepPoints& points) { collector.add(points); });
-    return collector.finish();
+    return reading_->readOn();
+}
+
+std::size_t SweepRows::size() const
+{
+    return reading_->collector().size();
+}
+
+QueryResult SweepRows::take()
+{
+    return reading_->collector().take();
 }
 
 std::vector<int> ids_with_points(
@@ -219,7 +286,7 @@ std::vector<int> ids_with_points(
     const ConditionTree& condition,
     bool latestOnly)
 {
-    SelectedSetups setups(connection, {TableColumn::id(table)}, {}, condition, latestOnly);
+    SelectedSetups setups(connection, {TableColumn::id(table)}, 0, {}, condition, latestOnly);
     std::vector<KeyDefinition> columns;
     setups.addConditionKeys(connection, &columns);
     std::vector<int> ids;

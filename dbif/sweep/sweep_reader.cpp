@@ -131,6 +131,85 @@ void use_block(
 }
 } // namespace
 
+class SweepReader::Blocks
+{
+    Q_DISABLE_COPY_MOVE(Blocks)
+
+public:
+    Blocks(
+        DBIF_Connection& connection,
+        const std::vector<int>& setups,
+        const std::vector<KeyDefinition>& columns,
+        SetupsWithoutColumns others)
+        : trace_(connection.inner().trace()),
+          setups_(setups),
+          reader_(connection, columns, others),
+          blocks_{SweepBlock(columns), SweepBlock(columns)}
+    {}
+
+    ~Blocks() = default;
+
+    bool next(const std::function<void(const SweepPoints& points)>& use)
+    {
+        if (!isRead_ && !read()) {
+            return false;
+        }
+        SweepBlock* const block = &blocks_.at(current_);
+        current_ = 1 - current_;
+        isRead_ = false;
+        const auto work = [this, block, &use] {
+            use_block(trace_, use, block);
+        };
+        if (trace_ == nullptr && first_ < setups_.size()) {
+            WorkBeside beside;
+            beside.begin(work);
+            read();
+            beside.finish();
+        } else {
+            // Nothing is left to read meanwhile. A trace notes one step at a time.
+            work();
+        }
+        return true;
+    }
+
+private:
+    /// Reads the next block into the place of the one that was used last.
+    bool read()
+    {
+        if (first_ >= setups_.size()) {
+            return false;
+        }
+        SweepBlock& block = blocks_.at(current_);
+        reader_.read(setups_, first_, &block);
+        first_ += block.size();
+        isRead_ = true;
+        return true;
+    }
+
+    ReadTrace* trace_;
+    const std::vector<int>& setups_;
+    BlockReader reader_;
+    std::array<SweepBlock, 2> blocks_;
+    std::size_t current_ = 0;
+    bool isRead_ = false;
+    std::size_t first_ = 0;
+};
+
+SweepReader::SweepReader(
+    DBIF_Connection& connection,
+    const std::vector<int>& setups,
+    const std::vector<KeyDefinition>& columns,
+    SetupsWithoutColumns others)
+    : blocks_(std::make_unique<Blocks>(connection, setups, columns, others))
+{}
+
+SweepReader::~SweepReader() = default;
+
+bool SweepReader::next(const std::function<void(const SweepPoints& points)>& use)
+{
+    return blocks_->next(use);
+}
+
 void read_sweeps(
     DBIF_Connection& connection,
     const std::vector<int>& setups,
@@ -138,27 +217,8 @@ void read_sweeps(
     SetupsWithoutColumns others,
     const std::function<void(const SweepPoints& points)>& use)
 {
-    ReadTrace* const trace = connection.inner().trace();
-    const BlockReader reader(connection, columns, others);
-    std::array<SweepBlock, 2> blocks{SweepBlock(columns), SweepBlock(columns)};
-    BackgroundTask task;
-    SweepBlock* block = &blocks[0];
-    SweepBlock* used = &blocks[1];
-    for (std::size_t first = 0; first < setups.size();) {
-        reader.read(setups, first, block);
-        first += block->size();
-        const auto work = [=, &use] {
-            use_block(trace, use, block);
-        };
-        if (trace == nullptr && first < setups.size()) {
-            task.begin(work);
-        } else {
-            // There is nothing left to read meanwhile, or there is a trace, which notes one step at
-            // a time.
-            task.finish();
-            work();
-        }
-        std::swap(block, used);
+    SweepReader reader(connection, setups, columns, others);
+    while (reader.next(use)) {
     }
 }
 } // namespace dbif
