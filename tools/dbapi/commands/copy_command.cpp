@@ -9,6 +9,7 @@
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/commands/command_declarations.h"
 #include "tools/dbapi/output/data_output.h"
+#include "tools/dbapi/output/note_output.h"
 #include "tools/dbapi/output/terminal.h"
 
 #include <CLI/CLI.hpp>
@@ -101,6 +102,7 @@ ExitCode copy(const CopyOptions& options)
     source.beginTransaction();
     reading.arm();
     const dbif::CopySelection selection = selected(source, request);
+    tell_notes(request.query);
     if (selection.isEmpty()) {
         tell_error(
             request.query.empty()

@@ -5,6 +5,7 @@
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/commands/command_declarations.h"
 #include "tools/dbapi/output/data_output.h"
+#include "tools/dbapi/output/note_output.h"
 #include "tools/dbapi/output/terminal.h"
 
 #include <CLI/CLI.hpp>
@@ -29,6 +30,7 @@ ExitCode show_ids(const IdsOptions& options)
             request.connection, options.table, &ids, request.query, &errors)) {
         throw_call_failure(request, errors);
     }
+    tell_notes(request.query);
     DataTable table{
         {{"connection", request.connection}, {"table", options.table}, {"query", request.query}},
         "ids",
