@@ -1,6 +1,6 @@
 #include "dbsuggest/masked_text.h"
 
-#include "dbapi/words/text_rules.h"
+#include "dbif/host/host_string.h"
 
 #include <algorithm>
 #include <vector>
@@ -20,8 +20,8 @@ void mask(std::string* text, std::size_t begin, std::size_t end)
 /// Whether a quote at `at` opens a value: the one in "it's" does not.
 bool opens_value(std::string_view text, std::size_t at)
 {
-    const std::string_view before = trimmed_view(text.substr(0, at));
-    return before.empty() || std::string_view("=<>,[({").find(before.back()) != before.npos;
+    const std::size_t last = at == 0 ? text.npos : text.find_last_not_of(kBlanks, at - 1);
+    return last == text.npos || std::string_view("=<>,[({").find(text[last]) != text.npos;
 }
 
 void mask_quotes(std::string* text)

@@ -10,6 +10,8 @@
 
 namespace dbapi::tool {
 namespace {
+constexpr std::size_t kMostNotes = 5;
+
 /// The tree of a query string; nothing for one with a fault.
 std::optional<QueryTree> read_query(const std::string& query)
 {
@@ -80,7 +82,7 @@ std::optional<QueryNote> note_on_term(const QueryTree& tree, const QueryNode& te
     return std::nullopt;
 }
 
-/// All notes, with corrections that are not yet checked.
+/// The first notes, with corrections that are not yet checked.
 std::vector<QueryNote> find_notes(const std::string& query)
 {
     std::vector<QueryNote> notes;
@@ -89,16 +91,24 @@ std::vector<QueryNote> find_notes(const std::string& query)
         return notes;
     }
     for (const IgnoredText& ignored : tree->ignored) {
-        notes.push_back(note_on_ignored(*tree, ignored));
+        if (notes.size() < kMostNotes) {
+            notes.push_back(note_on_ignored(*tree, ignored));
+        }
     }
+    std::size_t onTerms = 0;
     for (const QueryNode* leaf : leaves_of(*tree)) {
+        if (onTerms == kMostNotes) {
+            break;
+        }
         if (auto note = note_on_term(*tree, *leaf)) {
             notes.push_back(std::move(*note));
+            ++onTerms;
         }
     }
     std::stable_sort(notes.begin(), notes.end(), [](const QueryNote& a, const QueryNote& b) {
         return a.position < b.position;
     });
+    notes.resize(std::min(notes.size(), kMostNotes));
     return notes;
 }
 

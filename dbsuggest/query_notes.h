@@ -20,10 +20,10 @@ struct QueryNote
     std::string corrected;
 };
 
-/// The notes on a query string from left to right: texts that are ignored, values that hold another
-/// term ("p AND W=5u", "=p"), patterns with a wild card, and words in the place of a comparator in
-/// braces ("{W in 1u,2u}"). Values in single quotes are taken as meant, patterns aside. None for a
-/// query string with a fault. Asks no database.
+/// The first five notes at most on a query string, from left to right: texts that are ignored,
+/// values that hold another term ("p AND W=5u", "=p"), patterns with a wild card, and words in the
+/// place of a comparator in braces ("{W in 1u,2u}"). Values in single quotes are taken as meant,
+/// patterns aside. None for a query string with a fault. Asks no database.
 std::vector<QueryNote> notes_on_query(const std::string& query);
 
 /// Why a text is ignored, in a sentence.

@@ -26,6 +26,9 @@ constexpr const char* kNot = "NOT stands in capitals before a keyword in functio
 
 constexpr std::string_view kComparing = "=<>";
 
+/// Longer terms are not rewritten: a part may hold a part, and each is copied.
+constexpr std::size_t kLongestTerm = 2000;
+
 /// A word or sign that joins terms, where it stands.
 struct Joint
 {
@@ -385,6 +388,9 @@ std::optional<Rewriting> rewrite_comparison(const std::string& term)
 
 std::optional<Rewriting> rewrite_term(const std::string& term)
 {
+    if (term.size() > kLongestTerm) {
+        return std::nullopt;
+    }
     const auto words = masked_text(term).find_first_of(kComparing) == std::string::npos
                            ? rewrite_words(term)
                            : std::nullopt;

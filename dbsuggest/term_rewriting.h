@@ -19,7 +19,7 @@ namespace dbapi::tool {
 ///     W between 1u and 2u              W=[1u,2u]
 ///     NOT W=5u, not {W=5u}             NOT KEY(W)=5u
 ///
-/// Nothing for a term in which none of these is found.
+/// Nothing for a term in which none of these is found, and for one of more than 2000 bytes.
 std::optional<Rewriting> rewrite_term(const std::string& term);
 
 /// Where in a value that has been through `masked_text` another term begins: at AND or OR, or at a

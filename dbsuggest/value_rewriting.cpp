@@ -20,6 +20,9 @@ constexpr const char* kNoWildCard =
     "There is no wild card: compare with a list of values (KEY=a,b) or a range of texts "
     "(KEY=[a,b]).";
 
+/// Longer texts are no numbers that somebody typed, and each beginning is tried.
+constexpr std::size_t kLongestNumber = 50;
+
 bool is_number(std::string_view text)
 {
     return std::isfinite(dbif::read_engineering_number(text));
@@ -50,7 +53,7 @@ bool is_unit(std::string_view text)
 /// The number in front of a unit.
 std::optional<std::string> without_unit(std::string_view text)
 {
-    const std::string number = compact(text);
+    const std::string number = text.size() > kLongestNumber ? std::string() : compact(text);
     for (std::size_t length = number.size(); length > 0; --length) {
         const std::string_view front = std::string_view(number).substr(0, length);
         const std::string_view unit = std::string_view(number).substr(length);
