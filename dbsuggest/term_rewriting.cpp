@@ -3,15 +3,13 @@
 #include "dbapi/words/keyword_parts.h"
 #include "dbapi/words/text_rules.h"
 #include "dbapi/words/vocabulary.h"
-#include "dbif/host/host_number.h"
 #include "dbif/host/host_string.h"
+#include "dbsuggest/comparison_rewriting.h"
 #include "dbsuggest/masked_text.h"
 #include "dbsuggest/value_rewriting.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
-#include <cmath>
 #include <vector>
 
 namespace dbapi::tool {
@@ -20,8 +18,6 @@ constexpr const char* kBraces =
     "AND and OR join what stands in braces; outside of them, \";\" joins.";
 constexpr const char* kCapitals = "AND, OR and NOT are written in capitals.";
 constexpr const char* kList = "One of several values is written KEY=a,b and a range KEY=[Min,Max].";
-constexpr const char* kOneComparator = "A term has one comparator, behind the keyword.";
-constexpr const char* kComparators = "The comparators are =, !=, <>, <, <=, > and >=.";
 constexpr const char* kNot = "NOT stands in capitals before a keyword in function form.";
 
 constexpr std::string_view kComparing = "=<>";
@@ -266,124 +262,6 @@ std::optional<Rewriting> rewrite_negation(const std::string& term)
     const std::string keyword = dbif::trimmed(operand.substr(0, comparator));
     return Rewriting{kNot, "NOT " + in_function_form(keyword) + operand.substr(comparator), true};
 }
-
-/// A term taken apart at its comparators, doubled and turned ones included.
-struct Comparison
-{
-    std::vector<std::string> pieces;
-    std::vector<std::string> comparators;
-};
-
-Comparison split_at_comparators(const std::string& term)
-{
-    const std::string masked = masked_text(term);
-    Comparison split;
-    std::size_t begin = 0;
-    for (std::size_t at = masked.find_first_of("=<>!"); at != std::string::npos;
-         at = masked.find_first_of("=<>!", begin)) {
-        split.pieces.push_back(dbif::trimmed(term.substr(begin, at - begin)));
-        std::string comparator;
-        // "< =" too.
-        for (;
-             at < masked.size() && std::string_view("=<>! ").find(masked[at]) != std::string::npos;
-             ++at) {
-            comparator += masked[at] == ' ' ? "" : std::string(1, masked[at]);
-        }
-        split.comparators.push_back(comparator);
-        begin = at;
-    }
-    split.pieces.push_back(dbif::trimmed(term.substr(std::min(begin, term.size()))));
-    return split;
-}
-
-/// The comparator that one of other languages is; empty for what is none.
-std::string plain_comparator(const std::string& written)
-{
-    constexpr std::array<std::array<std::string_view, 2>, 14> kSpellings{
-        {{"=", "="},
-         {"==", "="},
-         {"===", "="},
-         {"!=", "!="},
-         {"!==", "!="},
-         {"<>", "<>"},
-         {"<", "<"},
-         {"<=", "<="},
-         {"=<", "<="},
-         {"<==", "<="},
-         {">", ">"},
-         {">=", ">="},
-         {"=>", ">="},
-         {">==", ">="}}};
-    for (const auto& [other, plain] : kSpellings) {
-        if (other == written) {
-            return std::string(plain);
-        }
-    }
-    return {};
-}
-
-std::string mirrored(std::string comparator)
-{
-    comparator.front() = comparator.front() == '<' ? '>' : '<';
-    return comparator;
-}
-
-bool is_number(const std::string& text)
-{
-    return std::isfinite(dbif::read_engineering_number(text));
-}
-
-/// "1u<W<5u", "5u>=W>1u".
-std::optional<Rewriting> rewrite_bounds(const Comparison& split)
-{
-    const std::string first = plain_comparator(split.comparators[0]);
-    const std::string second = plain_comparator(split.comparators[1]);
-    const bool isOrdered = (first == "<" || first == "<=" || first == ">" || first == ">=") &&
-                           !second.empty() && second.front() == first.front();
-    if (!isOrdered || is_number(split.pieces[1])) {
-        return std::nullopt;
-    }
-    const std::string& keyword = split.pieces[1];
-    if (first.size() == 2 && second.size() == 2) {
-        const bool isRising = first.front() == '<';
-        return Rewriting{
-            kOneComparator, keyword + "=[" + split.pieces[isRising ? 0 : 2] + "," +
-                                split.pieces[isRising ? 2 : 0] + "]"};
-    }
-    return Rewriting{
-        kOneComparator,
-        keyword + mirrored(first) + split.pieces[0] + ";" + keyword + second + split.pieces[2],
-        true};
-}
-
-std::optional<Rewriting> rewrite_comparison(const std::string& term)
-{
-    const Comparison split = split_at_comparators(term);
-    const bool isWhole = std::none_of(
-        split.pieces.begin(), split.pieces.end(), [](const auto& piece) { return piece.empty(); });
-    if (!isWhole || split.comparators.empty() || split.comparators.size() > 2) {
-        return std::nullopt;
-    }
-    if (split.comparators.size() == 2) {
-        return rewrite_bounds(split);
-    }
-    const std::string plain = plain_comparator(split.comparators[0]);
-    if (plain.empty()) {
-        return std::nullopt;
-    }
-    if (is_number(split.pieces[0]) && !is_number(split.pieces[1])) {
-        const bool isOrdering = plain == "<" || plain == "<=" || plain == ">" || plain == ">=";
-        return Rewriting{
-            kOneComparator,
-            split.pieces[1] + (isOrdering ? mirrored(plain) : plain) + split.pieces[0]};
-    }
-    // As it is written, "< =" is no comparator either.
-    const bool isRight = term.find(plain) != std::string::npos && plain == split.comparators[0];
-    return isRight
-               ? std::nullopt
-               : std::optional(Rewriting{kComparators, split.pieces[0] + plain + split.pieces[1]});
-}
-
 } // namespace
 
 std::optional<Rewriting> rewrite_term(const std::string& term)
