@@ -67,7 +67,9 @@ std::optional<QueryNote> note_on_term(const QueryTree& tree, const QueryNode& te
     QueryNote note{term.valuePosition, term.value.size(), {}, {}};
     if (find_second_term(masked_text(term.value)) != std::string_view::npos) {
         note.text = "All of this is taken for one value.";
-        correct_term(tree, term, rewrite_term(place_of_term(tree, term).text), &note);
+        const auto rewriting = rewrite_term(place_of_term(tree, term).text);
+        note.text += rewriting.has_value() ? "" : " In single quotes it is meant as it stands.";
+        correct_term(tree, term, rewriting, &note);
         return note;
     }
     const bool isEquality = term.comparator == EQUAL || term.comparator == NOT_EQUAL;

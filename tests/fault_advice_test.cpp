@@ -133,6 +133,7 @@ TEST_F(FaultAdvice, AdvisesWhatWasProbablyMeant)
         {"L=1u;process=p and W=5u", "L=1u;{{process=p} AND {W=5u}}"},
         {"process=q OR p", "process=q,p"},
         {"process==p", "process=p"},
+        {"process=R AND D", "", "In single quotes it is meant as it stands."},
         {"{W in (5u,6u)}", "{W=5u,6u}", "taken for a keyword"},
         {"$DEVNAME=nfet*", "$DEVNAME>=nfet;$DEVNAME<nfeu", "There is no wild card"},
         {"$DEVNAME=%fet_1", ""}};
