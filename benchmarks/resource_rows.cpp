@@ -110,8 +110,8 @@ double import_seconds(const std::string& folder, const std::string& path)
     DBIF_Connection connection("QSQLITE", "", path.c_str(), "", "", 0);
     connection.initializeSchemaIfMissing();
     const double start = seconds_now();
-    const std::vector<std::string> files = dbapi::tool::find_sweep_files({folder}).files;
-    const dbapi::tool::ImportResult result = dbapi::tool::import_sweeps(connection, files);
+    const std::vector<std::string> files = dbapi::find_sweep_files({folder}).files;
+    const dbapi::ImportResult result = dbapi::import_sweeps(connection, files);
     const double passed = seconds_now() - start;
     if (result.faultCount != 0) {
         throw std::runtime_error("the import failed: " + result.faults.front().text);

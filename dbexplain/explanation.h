@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// The category that a fixed column is shown with.
 inline constexpr const char* kFixedColumn = "fixed column";
 /// The data type that an id is shown with.
@@ -26,7 +26,7 @@ struct KeyExplanation
     bool isAsked = false;
     bool isCompared = false;
     /// Which key, and by which rule; always a found one.
-    dbapi::Resolution found;
+    Resolution found;
     /// For people: "INPUT", "fixed column" or nothing; "DOUBLE", "whole number" and so on.
     std::string category;
     std::string datatype;
@@ -36,7 +36,7 @@ struct KeyExplanation
 
     [[nodiscard]] std::string tableName() const
     {
-        return std::string(dbif::facts(found.column().table()).name);
+        return std::string(dbif::table_info(found.column().table()).name);
     }
 
     [[nodiscard]] bool isFixed() const { return !found.column().isKey(); }
@@ -57,7 +57,7 @@ struct KeptCount
 /// A node of the query's tree, with what it keeps.
 struct NodeExplanation
 {
-    dbapi::QueryNode::Kind kind = dbapi::QueryNode::Kind::True;
+    QueryNode::Kind kind = QueryNode::Kind::True;
     /// As it was understood: "W from 1e-06 to 5e-06", "AND"; and as it stands in the query.
     std::string text;
     std::string written;
@@ -79,9 +79,17 @@ struct NodeExplanation
     }
 };
 
-/// What a query leaves nothing of, and what to try.
+/// Why a read gives no row, in sentences, and what would give some.
 struct NothingFound
 {
+    enum class Cause {
+        None,      ///< there are rows
+        NoRecords, ///< the table has no record at all
+        NoValues,  ///< there are records, but none has a value of the keywords
+        Query      ///< the query selects no record
+    };
+
+    Cause cause = Cause::None;
     std::vector<std::string> reasons;
     std::vector<std::string> suggestions;
 };
@@ -118,7 +126,7 @@ struct Explanation
     /// Nothing for the empty query.
     std::optional<NodeExplanation> tree;
     /// Parts of the query that select nothing.
-    std::vector<dbapi::IgnoredText> ignored;
+    std::vector<IgnoredText> ignored;
     ReadExplanation read;
     NothingFound nothing;
 
@@ -127,4 +135,4 @@ struct Explanation
     /// How many records the whole query keeps.
     [[nodiscard]] std::size_t keptRecords() const;
 };
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 std::string count_text(std::size_t count, const std::string& name)
 {
@@ -80,4 +80,4 @@ std::vector<KeyExplanation> explain_keys(
     }
     return keys;
 }
-} // namespace dbapi::tool
+} // namespace dbapi

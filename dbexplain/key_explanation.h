@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// What each keyword stands for: the asked ones, which are resolved under the query's condition,
 /// then the others of the query's terms. A keyword that stands for nothing, as one alone in braces
 /// may, is left out.
@@ -17,4 +17,4 @@ std::vector<KeyExplanation> explain_keys(
     const std::set<std::string>& compared,
     const DBIF_QueryCondition& condition,
     bool latestOnly);
-} // namespace dbapi::tool
+} // namespace dbapi

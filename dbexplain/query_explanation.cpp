@@ -9,7 +9,7 @@
 
 #include <algorithm>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 using Kind = QueryNode::Kind;
 
@@ -143,4 +143,4 @@ both(const DBIF_QueryCondition* first, const DBIF_QueryCondition* second)
 {
     return std::make_shared<DBIF_CompoundQueryCondition>(first, AND, second);
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// Explains the tree of a query that is not empty, without what it keeps. `keys` has the keywords
 /// of its terms. Throws `FaultError` for a query that the library refuses, and `DBIF_Exception` on
 /// a database error.
@@ -42,4 +42,4 @@ private:
 /// The condition that both hold.
 std::shared_ptr<const DBIF_QueryCondition>
 both(const DBIF_QueryCondition* first, const DBIF_QueryCondition* second);
-} // namespace dbapi::tool
+} // namespace dbapi

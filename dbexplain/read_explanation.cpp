@@ -7,7 +7,7 @@
 
 #include <set>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 bool read(
     const DataRequest& request,
@@ -18,7 +18,8 @@ bool read(
     if (request.keywords.empty()) {
         std::set<int> ids;
         const bool isRead = dbapi_get_table_ids_from_query_for_tablename(
-            request.connection, std::string(dbif::facts(table).name), &ids, request.query, errors);
+            request.connection, std::string(dbif::table_info(table).name), &ids, request.query,
+            errors);
         *rows = ids.size();
         return isRead;
     }
@@ -55,4 +56,4 @@ void explain_read(
         explanation->seconds += step.seconds;
     }
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -6,7 +6,7 @@
 
 #include <string>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// Runs the read of a request, as `dbapi values` does (without keywords, as `dbapi ids` of `table`
 /// does), and tells what it did. `connection` is the one that the library keeps open. Throws
 /// `FaultError` when the read fails.
@@ -15,4 +15,4 @@ void explain_read(
     const DataRequest& request,
     dbif::RecordTable table,
     ReadExplanation* explanation);
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// So many values are simply listed.
 constexpr std::size_t kMostListed = 6;
@@ -88,4 +88,4 @@ std::string stored_values_text(
     return stored +
            (key.isNumber() ? number_text(values, wanted) + "." : text_text(values, wanted));
 }
-} // namespace dbapi::tool
+} // namespace dbapi

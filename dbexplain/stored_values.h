@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// What is stored under a key, for somebody who compared it with `value` and found nothing: its
 /// range and the values nearest to that one. Nothing when that cannot be told.
 std::string stored_values_text(
@@ -12,4 +12,4 @@ std::string stored_values_text(
     const KeyExplanation& key,
     const std::string& value,
     bool latestOnly);
-} // namespace dbapi::tool
+} // namespace dbapi

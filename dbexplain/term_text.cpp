@@ -4,7 +4,7 @@
 #include "dbapi/query/value_list.h"
 #include "dbif/host/host_string.h"
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// Numbers as they were read, without quotes; texts in quotes.
 std::string values_text(const std::string& values, bool isNumber)
@@ -66,4 +66,4 @@ std::string term_text(const QueryNode& term, bool isNumber)
     return keyword + (list.count > 1 ? sign : sign_of(term.comparator)) +
            values_text(list.joined, isNumber);
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -2,7 +2,7 @@
 
 #include "dbapi/db_values.h"
 
-namespace dbapi::tool {
+namespace dbapi {
 bool read_values(
     const DataRequest& request,
     bool isDistinct,
@@ -20,4 +20,4 @@ bool read_values(
     return call(
         request.connection, request.keywords.front(), &values->front(), request.query, errors);
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -16,7 +16,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 constexpr std::size_t kLargestBlock = 1U << 18U;
 /// By so much the parser's room for one cell grows.
@@ -315,4 +315,4 @@ AnnotatedCsv read_annotated_csv(const std::string& path, const ReadProgress& pro
     reader.finish();
     return csv;
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// One sweep as its file holds it: lines "# KEYWORD = VALUE", a header row of setup keywords, then
 /// a row per point (comma-separated, RFC 4180; UTF-8).
 struct AnnotatedCsv
@@ -29,4 +29,4 @@ using ReadProgress = std::function<void(std::size_t bytes)>;
 /// Reads a file, block by block: only its columns are held in memory. Never throws on account of
 /// the file; the result tells what is wrong with it.
 AnnotatedCsv read_annotated_csv(const std::string& path, const ReadProgress& progress = nullptr);
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -11,7 +11,7 @@
 
 #include <utility>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 constexpr const char* kDataOrigin = "DataOrigin";
 
@@ -255,4 +255,4 @@ Annotations AnnotationReader::take()
     }
     return std::move(read_);
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// What the file says of one record.
 template <typename Fields>
 struct RecordParts
@@ -68,4 +68,4 @@ private:
     Annotations read_;
     std::map<std::string, std::size_t> lineOf_;
 };
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// Room for so many is made at once; most sweeps have some hundred points at most.
 constexpr std::size_t kUsualPoints = 128;
@@ -141,4 +141,4 @@ void SweepRows::makeColumn(const std::string& keyword)
     }
     columns_.push_back(std::move(column));
 }
-} // namespace dbapi::tool
+} // namespace dbapi

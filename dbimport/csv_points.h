@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// Makes a sweep from the cells of a file, as they come: the header row names the columns, every
 /// other row is a point. Blank lines do not count.
 class SweepRows
@@ -52,4 +52,4 @@ private:
     std::size_t cells_ = 0;
     bool endedAtReturn_ = false;
 };
-} // namespace dbapi::tool
+} // namespace dbapi

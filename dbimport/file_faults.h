@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// What is wrong with a file, and in which line; line 0 is the file as a whole.
 struct FileFault
 {
@@ -55,4 +55,4 @@ private:
     std::vector<FileFault> kept_;
     std::size_t notKept_ = 0;
 };
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -8,7 +8,7 @@
 #include <system_error>
 #include <unordered_set>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 namespace fs = std::filesystem;
 
@@ -114,4 +114,4 @@ SweepFiles find_sweep_files(const std::vector<std::string>& paths)
     }
     return found;
 }
-} // namespace dbapi::tool
+} // namespace dbapi

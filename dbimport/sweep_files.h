@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// The files that the paths given to an import stand for: a file for itself, a folder for the
 /// files "*.csv" in it (not in folders below it; hidden ones are left out), sorted by name. A file
 /// that is named twice is taken once.
@@ -18,4 +18,4 @@ struct SweepFiles
 };
 
 SweepFiles find_sweep_files(const std::vector<std::string>& paths);
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -13,7 +13,7 @@
 #include <set>
 #include <utility>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 using CatalogEntryParts = RecordParts<dbif::CatalogEntryFields>;
 
@@ -278,4 +278,4 @@ ImportResult import_sweeps(
     });
     return result;
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// A fault of one file of an import.
 struct ImportFault
 {
@@ -64,4 +64,4 @@ ImportResult import_sweeps(
     const std::vector<std::string>& files,
     const ReadProgress& progress = nullptr,
     const ImportOptions& options = {});
-} // namespace dbapi::tool
+} // namespace dbapi

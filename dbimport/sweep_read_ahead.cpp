@@ -8,7 +8,7 @@
 #include <system_error>
 #include <utility>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// Of files; what is read of them takes half of it as numbers, and several times of it as texts.
 constexpr std::size_t kMostBytes = 1U << 22U;
@@ -167,4 +167,4 @@ void SweepReadAhead::read(std::size_t file)
         readChanged_.notify_one();
     }
 }
-} // namespace dbapi::tool
+} // namespace dbapi

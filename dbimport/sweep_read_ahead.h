@@ -14,7 +14,7 @@
 #include <thread>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// A file that was read, with its columns as they are stored.
 struct ReadSweep
 {
@@ -82,4 +82,4 @@ private:
 
     std::vector<std::thread> threads_;
 };
-} // namespace dbapi::tool
+} // namespace dbapi

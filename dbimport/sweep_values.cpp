@@ -9,7 +9,7 @@
 
 #include <algorithm>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 bool refuse(std::string* reason, std::string text)
 {
@@ -232,4 +232,4 @@ std::string syntax_reason(const std::string& splitterError)
     const std::size_t lineEnd = text.rfind('\n');
     return lineEnd == std::string::npos ? text : text.substr(lineEnd + 1);
 }
-} // namespace dbapi::tool
+} // namespace dbapi

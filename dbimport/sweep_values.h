@@ -9,7 +9,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// A finite number in plain decimal notation. Allocates nothing.
 inline bool read_plain(std::string_view text, double* number)
 {
@@ -53,4 +53,4 @@ bool is_storable_text(std::string_view text, std::string* reason);
 
 /// The sentence of the keyword splitter's error text that tells what is wrong.
 std::string syntax_reason(const std::string& splitterError);
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// About so many intervals between ticks.
 constexpr double kIntervals = 9;
@@ -137,4 +137,4 @@ AxisTicks logarithmic_ticks(double low, double high)
     }
     return axis;
 }
-} // namespace dbapi::tool
+} // namespace dbapi

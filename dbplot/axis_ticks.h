@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// A number as engineers write it and queries read it: "130n", "4.7MEG", plain from 0.1 to 1000; in
 /// at most `digits` digits.
 std::string engineering_text(double number, int digits = 4);
@@ -33,4 +33,4 @@ AxisTicks logarithmic_ticks(double low, double high);
 
 /// The round number (1, 2 or 5 times a power of ten) next above or equal to a positive one.
 double round_up(double number);
-} // namespace dbapi::tool
+} // namespace dbapi

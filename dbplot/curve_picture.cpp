@@ -9,7 +9,7 @@
 #include <set>
 #include <tuple>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 constexpr std::size_t kMostNamed = 24;
 /// Names as long as those of devices take more room.
@@ -190,4 +190,4 @@ Picture curve_picture(CurveSet curves, const std::vector<std::string>& keywords,
     }
     return picture;
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// The picture of curves: one series each, ordered and named by what tells them apart. `keywords`
 /// are those that the curves were asked for by. A long legend names some of the curves; `note` then
 /// tells so.
@@ -21,4 +21,4 @@ Picture distribution_picture(
     const std::string& keyword,
     bool isLogarithmic,
     std::size_t* zeros);
-} // namespace dbapi::tool
+} // namespace dbapi

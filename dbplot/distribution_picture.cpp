@@ -5,7 +5,7 @@
 #include <cmath>
 #include <map>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// Texts beyond these count as others.
 constexpr std::size_t kMostBars = 40;
@@ -157,4 +157,4 @@ Picture distribution_picture(
     }
     return picture;
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -7,7 +7,7 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 const char* terminal_command(const std::string& file)
 {
@@ -74,4 +74,4 @@ std::string keep_script(const std::string& script, const std::string& file)
     // "reset" would not undo a terminal, so both ways work.
     return write_file(QByteArray::fromStdString(remark + script), file);
 }
-} // namespace dbapi::tool
+} // namespace dbapi

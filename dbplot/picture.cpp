@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 using Numbers = std::vector<double> Picture::Series::*;
 
@@ -115,4 +115,4 @@ std::size_t thin_out(Picture* picture, std::size_t most)
     }
     return points;
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// What is to be drawn: plain data, whoever draws it.
 struct Picture
 {
@@ -54,4 +54,4 @@ std::size_t fit_to_axes(Picture* picture);
 std::size_t thin_out(Picture* picture, std::size_t most);
 
 std::size_t count_points(const Picture& picture);
-} // namespace dbapi::tool
+} // namespace dbapi

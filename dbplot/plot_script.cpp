@@ -10,7 +10,7 @@
 #include <cstdio>
 #include <string_view>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// More labels along an axis of texts cannot be read.
 constexpr std::size_t kMostLabels = 60;
@@ -226,4 +226,4 @@ std::string plot_script(const Picture& picture)
     }
     return script + "\n" + data_block(picture) + plot_command(picture);
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 constexpr const char* kOneComparator = "A term has one comparator, behind the keyword.";
 constexpr const char* kComparators = "The comparators are =, !=, <>, <, <=, > and >=.";
@@ -132,4 +132,4 @@ std::optional<Rewriting> rewrite_comparison(const std::string& term)
                ? std::nullopt
                : std::optional(Rewriting{kComparators, split.pieces[0] + plain + split.pieces[1]});
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// What a data call is given.
 struct DataRequest
 {
@@ -11,4 +11,4 @@ struct DataRequest
     std::vector<std::string> keywords;
     std::string query;
 };
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <utility>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// One character of a UTF-8 text: its code point and length in bytes.
 struct Character
@@ -121,11 +121,6 @@ std::string display_text(std::string_view text)
     return shown;
 }
 
-std::string bold_text(const std::string& text)
-{
-    return "\x1b[1m" + text + "\x1b[0m";
-}
-
 std::size_t display_width(std::string_view text)
 {
     std::size_t width = 0;
@@ -174,4 +169,4 @@ std::string counted(std::size_t count, const std::string& thing)
 {
     return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
 }
-} // namespace dbapi::tool
+} // namespace dbapi

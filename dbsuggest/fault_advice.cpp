@@ -12,7 +12,7 @@
 #include <algorithm>
 #include <optional>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// How many faults of one query are put right, one after another.
 constexpr int kMostRounds = 10;
@@ -217,4 +217,4 @@ std::vector<Advice> advice_for(const Fault& fault, const KnownKeys& keys)
     }
     return checked;
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// What would be right in the place of a fault.
 struct Advice
 {
@@ -22,4 +22,4 @@ struct Advice
 /// What may have been meant, the likeliest first; empty when nothing can be told. `keys` are those
 /// of the database that was asked, which is asked to check what is advised.
 std::vector<Advice> advice_for(const Fault& fault, const KnownKeys& keys);
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <string_view>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// How many columns are shown before, of and behind the faulty place.
 constexpr std::size_t kShownBefore = 50;
@@ -67,4 +67,4 @@ std::string note_lines(const std::string& query, const QueryNote& note)
     return note.text + "\n" + marked_text(query, note.position, note.length) +
            correction(note.corrected);
 }
-} // namespace dbapi::tool
+} // namespace dbapi

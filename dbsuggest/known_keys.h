@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// Key name to the keywords, in function form, of all keys that have it; those of one table, or of
 /// all when `table` is empty.
 std::map<std::string, std::vector<std::string>>
@@ -42,4 +42,4 @@ private:
     std::map<std::string, std::vector<std::string>> spellings_;
     std::set<std::string> names_;
 };
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 constexpr std::string_view kOpening = "([{";
 constexpr std::string_view kClosing = ")]}";
@@ -60,4 +60,4 @@ std::string masked_text(std::string_view text)
     }
     return masked;
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// Stands for each byte that is masked.
 inline constexpr char kMasked = '\x01';
 
@@ -11,4 +11,4 @@ inline constexpr char kMasked = '\x01';
 /// that they hold, are masked: what is found in it stands outside of them. Quotes and brackets
 /// without their other half stay as they are.
 std::string masked_text(std::string_view text);
-} // namespace dbapi::tool
+} // namespace dbapi

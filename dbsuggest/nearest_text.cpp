@@ -7,7 +7,7 @@
 #include <numeric>
 #include <tuple>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// Longer texts are no names that somebody mistyped, and the distance takes their lengths' product.
 constexpr std::size_t kLongestName = 200;
@@ -76,4 +76,4 @@ std::string suggestion(const std::vector<std::string>& texts)
 {
     return texts.empty() ? std::string() : " Did you mean " + listed(texts, " or ") + "?";
 }
-} // namespace dbapi::tool
+} // namespace dbapi

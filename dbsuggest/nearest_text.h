@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// How many letters have to be typed, left out, replaced or swapped with their neighbour to get
 /// from one to the other, in any letter case.
 std::size_t edit_distance(std::string_view first, std::string_view second);
@@ -18,4 +18,4 @@ nearest_texts(const std::string& text, const std::set<std::string>& candidates, 
 
 /// " Did you mean a, b or c?", or nothing when there is nothing to suggest.
 std::string suggestion(const std::vector<std::string>& texts);
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <optional>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 constexpr std::size_t kMostNotes = 5;
 
@@ -145,4 +145,4 @@ std::string why_ignored(IgnoredText::Reason reason)
                ? "It is ignored: behind a closing brace, only \";\", AND or OR joins what follows."
                : "It is ignored: {} selects everything, whatever stands behind it.";
 }
-} // namespace dbapi::tool
+} // namespace dbapi

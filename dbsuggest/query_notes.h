@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// A part of a query string that is read without a fault and probably not as it was meant.
 struct QueryNote
 {
@@ -28,4 +28,4 @@ std::vector<QueryNote> notes_on_query(const std::string& query);
 
 /// Why a text is ignored, in a sentence.
 std::string why_ignored(IgnoredText::Reason reason);
-} // namespace dbapi::tool
+} // namespace dbapi

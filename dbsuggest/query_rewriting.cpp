@@ -1,6 +1,6 @@
 #include "dbsuggest/query_rewriting.h"
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 void collect_leaves(const QueryNode& node, std::vector<const QueryNode*>* leaves)
 {
@@ -41,4 +41,4 @@ std::vector<const QueryNode*> leaves_of(const QueryTree& tree)
     }
     return leaves;
 }
-} // namespace dbapi::tool
+} // namespace dbapi

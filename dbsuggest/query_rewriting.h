@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// A term of a query as its writer meant it: with the NOT in front, whose T the grammar counts to
 /// the keyword. In bytes of the query string.
 struct TermPlace
@@ -24,4 +24,4 @@ with_rewritten_term(const QueryTree& tree, const TermPlace& term, const Rewritin
 
 /// The leaves of a tree, from left to right. They live as long as the tree.
 std::vector<const QueryNode*> leaves_of(const QueryTree& tree);
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// What was written against the rules of query strings, and what says the same by these rules.
 struct Rewriting
 {
@@ -13,4 +13,4 @@ struct Rewriting
     /// Whether `text` needs braces when it stands beside other terms.
     bool isCompound = false;
 };
-} // namespace dbapi::tool
+} // namespace dbapi

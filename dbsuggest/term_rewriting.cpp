@@ -12,7 +12,7 @@
 #include <cctype>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 constexpr const char* kBraces =
     "AND and OR join what stands in braces; outside of them, \";\" joins.";
@@ -313,4 +313,4 @@ std::optional<Rewriting> rewrite_connector(const std::string& text)
         joint.isSmall ? kCapitals : kBraces,
         (joint.isAnd ? "AND " : "OR ") + dbif::trimmed(text.substr(joint.length))};
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -8,7 +8,7 @@
 
 // Terms of query strings that are written by the rules of other languages. Texts only.
 
-namespace dbapi::tool {
+namespace dbapi {
 /// A term that holds several, or that is compared otherwise than query strings compare:
 ///
 ///     W=5u AND L=1u, W=5u and L=1u     {W=5u} AND {L=1u}
@@ -29,4 +29,4 @@ std::size_t find_second_term(std::string_view masked);
 /// The rule about connectors for a text that begins with one ("and {L=1u}", "&& {L=1u}", "{L=1u}")
 /// and the text with the right one; nothing for any other text.
 std::optional<Rewriting> rewrite_connector(const std::string& text);
-} // namespace dbapi::tool
+} // namespace dbapi

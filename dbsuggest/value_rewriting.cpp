@@ -11,7 +11,7 @@
 #include <set>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 constexpr const char* kNoUnit = "A number may have a scale letter (1.5u), but no unit.";
 constexpr const char* kNoComma = "Decimals stand behind a point; commas separate values.";
@@ -183,4 +183,4 @@ Rewriting rewrite_wild_card(const std::string& keyword, const std::string& patte
     ++high.back();
     return {kNoWildCard, keyword + ">=" + low + ";" + keyword + "<" + high, true};
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -11,21 +11,21 @@
 #include <vector>
 
 namespace {
-using dbapi::tool::AnnotatedCsv;
+using dbapi::AnnotatedCsv;
 using dbif::RecordTable;
 
 AnnotatedCsv read(const std::string& text)
 {
     const test_support::TempDirectory folder;
     test_support::write_file(folder.file("sweep.csv"), text);
-    return dbapi::tool::read_annotated_csv(folder.file("sweep.csv"));
+    return dbapi::read_annotated_csv(folder.file("sweep.csv"));
 }
 
 /// The faults as "line: text", one per line.
 std::string faults_of(const AnnotatedCsv& csv)
 {
     std::string lines;
-    for (const dbapi::tool::FileFault& fault : csv.faults.kept()) {
+    for (const dbapi::FileFault& fault : csv.faults.kept()) {
         lines += (lines.empty() ? "" : "\n") + std::to_string(fault.line) + ": " + fault.text;
     }
     return lines;
@@ -50,7 +50,7 @@ std::string keys_of(RecordTable table, const std::vector<dbif::KeyValue>& keys)
     std::string text;
     for (const dbif::KeyValue& key : keys) {
         const bool isNumber = key.kind == dbif::ValueKind::Double;
-        text += std::string(dbif::facts(table).name) + ";" +
+        text += std::string(dbif::table_info(table).name) + ";" +
                 dbif::column_key(key.category, key.kind, key.name) + "=" +
                 (isNumber ? dbif::double_text(key.number) : key.text) + "\n";
     }
@@ -58,19 +58,19 @@ std::string keys_of(RecordTable table, const std::vector<dbif::KeyValue>& keys)
 }
 
 template <typename Fields>
-std::string record_of(const dbapi::tool::RecordParts<Fields>& parts)
+std::string record_of(const dbapi::RecordParts<Fields>& parts)
 {
     std::string text;
     dbif::for_each_field(parts.fields, [&text](std::string_view column, const std::string& value) {
-        text += std::string(dbif::facts(Fields::kTable).name) + "." + std::string(column) + "=" +
-                value + "\n";
+        text += std::string(dbif::table_info(Fields::kTable).name) + "." + std::string(column) +
+                "=" + value + "\n";
     });
     return text + keys_of(Fields::kTable, parts.keys);
 }
 
 std::string records_of(const AnnotatedCsv& csv)
 {
-    const dbapi::tool::Annotations& said = csv.annotations;
+    const dbapi::Annotations& said = csv.annotations;
     return record_of(said.catalogEntry) + record_of(said.device) + record_of(said.die) +
            keys_of(RecordTable::Measurement, said.measurementKeys) + record_of(said.condition) +
            record_of(said.routine) + record_of(said.setup);
@@ -253,7 +253,7 @@ TEST(AnnotatedCsv, CountsMoreFaultsThanItKeepsAndCrossesBlocks)
     }
     const AnnotatedCsv csv = read(text);
     EXPECT_EQ(csv.faults.count(), 100U);
-    EXPECT_EQ(csv.faults.kept().size(), dbapi::tool::FileFaults::kMostKept);
+    EXPECT_EQ(csv.faults.kept().size(), dbapi::FileFaults::kMostKept);
     EXPECT_EQ(csv.faults.kept().front().line, 100'002U);
 }
 
@@ -261,7 +261,7 @@ TEST(AnnotatedCsv, TellsThatAFileCannotBeRead)
 {
     const test_support::TempDirectory folder;
     for (const std::string& path : {folder.file("missing.csv"), folder.path()}) {
-        const AnnotatedCsv csv = dbapi::tool::read_annotated_csv(path);
+        const AnnotatedCsv csv = dbapi::read_annotated_csv(path);
         EXPECT_TRUE(csv.isUnreadable);
         EXPECT_EQ(csv.faults.count(), 1U);
     }

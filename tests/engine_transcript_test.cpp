@@ -390,10 +390,10 @@ private:
             const std::string path = database_.folder().file("in.csv");
             test_support::write_file(path, files[i]);
             note("import " + std::to_string(i), [&](std::string* result, std::string* /*errors*/) {
-                const dbapi::tool::ImportResult imported =
-                    dbapi::tool::import_sweeps(database_.connection, {path});
+                const dbapi::ImportResult imported =
+                    dbapi::import_sweeps(database_.connection, {path});
                 *result = std::to_string(imported.setups) + " " + std::to_string(imported.points);
-                for (const dbapi::tool::ImportFault& fault : imported.faults) {
+                for (const dbapi::ImportFault& fault : imported.faults) {
                     *result += " " + std::to_string(fault.line) + ": " + fault.text;
                 }
                 return imported.faults.empty();

@@ -12,8 +12,8 @@
 #include <vector>
 
 namespace {
-using dbapi::tool::ReadSweep;
-using dbapi::tool::SweepReadAhead;
+using dbapi::ReadSweep;
+using dbapi::SweepReadAhead;
 
 /// More files than are read ahead: small ones, some with a fault, one that is missing, and two that
 /// are larger than all that may wait.
@@ -55,7 +55,7 @@ TEST(SweepReadAhead, GivesWhatReadingOneAfterTheOtherGives)
         told += bytes;
     });
     for (const std::string& file : folder.files) {
-        dbapi::tool::AnnotatedCsv expected = dbapi::tool::read_annotated_csv(file);
+        dbapi::AnnotatedCsv expected = dbapi::read_annotated_csv(file);
         const ReadSweep sweep = sweeps.next();
         ASSERT_EQ(sweep.csv.points, expected.points) << file;
         EXPECT_EQ(sweep.csv.isUnreadable, expected.isUnreadable) << file;

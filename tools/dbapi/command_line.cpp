@@ -4,10 +4,10 @@
 #include "dbif/host/error_text.h"
 #include "dbif/host/host_string.h"
 #include "dbsuggest/nearest_text.h"
-#include "dbsuggest/stored_names.h"
 
 #include "tools/dbapi/commands/command_table.h"
 #include "tools/dbapi/output/data_output.h"
+#include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
 
 #include <QtGlobal>

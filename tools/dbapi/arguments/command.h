@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dbsuggest/command_failure.h"
+#include "tools/dbapi/arguments/command_failure.h"
 
 #include <functional>
 

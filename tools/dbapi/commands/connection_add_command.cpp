@@ -1,12 +1,12 @@
 #include "dbapi/dbapi.h"
 #include "dbapi/words/text_rules.h"
 #include "dbif/host/host_string.h"
-#include "dbsuggest/stored_names.h"
 #include "dbui/connections_file.h"
 #include "dbui/diagnosis/connection_diagnosis.h"
 #include "dbui/record_fault.h"
 
 #include "tools/dbapi/commands/command_declarations.h"
+#include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
 
 #include <CLI/CLI.hpp>

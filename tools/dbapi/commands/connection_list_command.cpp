@@ -1,8 +1,8 @@
-#include "dbsuggest/stored_names.h"
 #include "dbui/connection_record.h"
 
 #include "tools/dbapi/commands/command_declarations.h"
 #include "tools/dbapi/output/data_output.h"
+#include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
 
 #include <CLI/CLI.hpp>

@@ -1,9 +1,9 @@
 #include "dbapi/words/text_rules.h"
 #include "dbif/host/host_string.h"
-#include "dbsuggest/stored_names.h"
 #include "dbui/connection_registry.h"
 
 #include "tools/dbapi/commands/command_declarations.h"
+#include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
 
 #include <CLI/CLI.hpp>

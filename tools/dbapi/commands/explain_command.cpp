@@ -1,12 +1,12 @@
 #include "dbexplain/explain.h"
-#include "dbsuggest/call_failure.h"
-#include "dbsuggest/stored_names.h"
 
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/commands/command_declarations.h"
+#include "tools/dbapi/output/call_failure.h"
 #include "tools/dbapi/output/data_output.h"
 #include "tools/dbapi/output/explanation_json.h"
 #include "tools/dbapi/output/explanation_text.h"
+#include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
 
 #include <CLI/CLI.hpp>
@@ -25,6 +25,21 @@ struct ExplainOptions
     ExplainFormat format = ExplainFormat::Text;
 };
 
+/// Adds the command that helps on where the query is not to blame.
+void add_command_advice(Explanation* explanation)
+{
+    std::vector<std::string>& suggestions = explanation->nothing.suggestions;
+    if (explanation->nothing.cause == NothingFound::Cause::NoRecords) {
+        suggestions.push_back(
+            "dbapi import " + explanation->connection + " PATH reads files into it.");
+    } else if (explanation->nothing.cause == NothingFound::Cause::NoValues) {
+        suggestions.push_back(
+            "dbapi keys " + explanation->connection + " " +
+            std::string(dbif::table_info(explanation->table).name) +
+            " lists the keys that records have; -q QUERY those of the selected ones.");
+    }
+}
+
 ExitCode show_explanation(const ExplainOptions& options)
 {
     const DataRequest& request = options.request;
@@ -40,6 +55,7 @@ ExitCode show_explanation(const ExplainOptions& options)
     } catch (const FaultError& error) {
         throw_call_failure(request, error.fault());
     }
+    add_command_advice(&explanation);
     write_text(
         options.format == ExplainFormat::Json
             ? explanation_json(explanation)

@@ -4,10 +4,10 @@
 #include "dbimport/sweep_files.h"
 #include "dbimport/sweep_import.h"
 #include "dbsuggest/display_text.h"
-#include "dbsuggest/stored_names.h"
 
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/commands/command_declarations.h"
+#include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
 
 #include <CLI/CLI.hpp>

@@ -1,12 +1,12 @@
 #include "dbapi/db_records.h"
 #include "dbapi/db_setup.h"
-#include "dbsuggest/call_failure.h"
-#include "dbsuggest/stored_names.h"
 
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/commands/command_declarations.h"
+#include "tools/dbapi/output/call_failure.h"
 #include "tools/dbapi/output/column_contents.h"
 #include "tools/dbapi/output/data_output.h"
+#include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
 
 #include <CLI/CLI.hpp>

@@ -4,11 +4,11 @@
 #include "dbapi/words/builtin_keynames.h"
 #include "dbapi/words/vocabulary.h"
 #include "dbsuggest/known_keys.h"
-#include "dbsuggest/stored_names.h"
 
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/help/program_words.h"
 #include "tools/dbapi/help/shell_scripts.h"
+#include "tools/dbapi/output/stored_names.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

@@ -1,9 +1,9 @@
 #include "tools/dbapi/output/column_contents.h"
 
 #include "dbsuggest/known_keys.h"
-#include "dbsuggest/stored_names.h"
 
 #include "tools/dbapi/output/data_output.h"
+#include "tools/dbapi/output/stored_names.h"
 
 namespace dbapi::tool {
 void set_contents(const std::string& connection, const OutputOptions& options, DataTable* table)

@@ -2,9 +2,9 @@
 
 #include "dbapi/words/text_rules.h"
 #include "dbif/host/host_string.h"
-#include "dbsuggest/command_failure.h"
 #include "dbsuggest/display_text.h"
 
+#include "tools/dbapi/arguments/command_failure.h"
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/output/table_output.h"
 #include "tools/dbapi/output/terminal.h"

@@ -1,7 +1,8 @@
 #include "tools/dbapi/output/explanation_json.h"
 
-#include "dbexplain/statement_text.h"
 #include "dbsuggest/query_notes.h"
+
+#include "tools/dbapi/output/statement_text.h"
 
 #include <nlohmann/json.hpp>
 
@@ -135,7 +136,7 @@ std::string explanation_json(const Explanation& explanation)
         {"query", explanation.query},
         {"latest_only", explanation.latestOnly},
         {"superseded_records", explanation.whyLatest},
-        {"table", dbif::facts(explanation.table).name},
+        {"table", dbif::table_info(explanation.table).name},
         {"records", explanation.records},
         {"records_in_all", explanation.recordsInAll}};
     json["tree"] = explanation.tree.has_value() ? node_json(*explanation.tree) : Json();

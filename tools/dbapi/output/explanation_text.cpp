@@ -1,13 +1,14 @@
 #include "tools/dbapi/output/explanation_text.h"
 
 #include "dbapi/words/text_rules.h"
-#include "dbexplain/statement_text.h"
 #include "dbexplain/term_text.h"
 #include "dbsuggest/display_text.h"
 #include "dbsuggest/query_notes.h"
-#include "dbsuggest/wrapped_text.h"
 
+#include "tools/dbapi/output/statement_text.h"
 #include "tools/dbapi/output/table_output.h"
+#include "tools/dbapi/output/terminal.h"
+#include "tools/dbapi/output/wrapped_text.h"
 
 #include <algorithm>
 

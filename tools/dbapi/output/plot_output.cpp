@@ -6,13 +6,13 @@
 #include "dbplot/curve_picture.h"
 #include "dbplot/gnuplot.h"
 #include "dbplot/plot_script.h"
-#include "dbsuggest/call_failure.h"
-#include "dbsuggest/command_failure.h"
 #include "dbsuggest/display_text.h"
 #include "dbsuggest/known_keys.h"
-#include "dbsuggest/stored_names.h"
 
+#include "tools/dbapi/arguments/command_failure.h"
+#include "tools/dbapi/output/call_failure.h"
 #include "tools/dbapi/output/data_output.h"
+#include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
 
 #include <CLI/CLI.hpp>

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "dbsuggest/data_request.h"
+
 #include <string>
 
 namespace CLI { // NOLINT(readability-identifier-naming)
@@ -7,8 +9,6 @@ class App;
 }
 
 namespace dbapi::tool {
-struct DataRequest;
-
 /// Whether and how values are drawn.
 struct PlotOptions
 {

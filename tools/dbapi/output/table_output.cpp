@@ -3,6 +3,8 @@
 #include "dbif/host/host_number.h"
 #include "dbsuggest/display_text.h"
 
+#include "tools/dbapi/output/terminal.h"
+
 #include <algorithm>
 #include <cmath>
 

@@ -1,7 +1,8 @@
 #include "tools/dbapi/output/terminal.h"
 
-#include "dbsuggest/command_failure.h"
 #include "dbsuggest/display_text.h"
+
+#include "tools/dbapi/arguments/command_failure.h"
 
 #include <QtGlobal>
 
@@ -87,6 +88,11 @@ bool shows_colours(std::FILE* stream)
     const char* terminal = std::getenv("TERM");
     return is_terminal(stream) && (noColour == nullptr || *noColour == '\0') &&
            terminal != nullptr && std::string_view(terminal) != "dumb";
+}
+
+std::string bold_text(const std::string& text)
+{
+    return "\x1b[1m" + text + "\x1b[0m";
 }
 
 std::string styled(const std::string& text, Style style, std::FILE* stream)

@@ -1,4 +1,4 @@
-#include "dbsuggest/stored_names.h"
+#include "tools/dbapi/output/stored_names.h"
 
 #include "dbapi/call/connection_access.h"
 #include "dbapi/words/text_rules.h"

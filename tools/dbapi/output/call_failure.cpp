@@ -1,13 +1,14 @@
-#include "dbsuggest/call_failure.h"
+#include "tools/dbapi/output/call_failure.h"
 
 #include "dbapi/db_fault.h"
 #include "dbif/host/host_string.h"
-#include "dbsuggest/command_failure.h"
 #include "dbsuggest/display_text.h"
 #include "dbsuggest/fault_advice.h"
 #include "dbsuggest/fault_lines.h"
 #include "dbsuggest/known_keys.h"
-#include "dbsuggest/stored_names.h"
+
+#include "tools/dbapi/arguments/command_failure.h"
+#include "tools/dbapi/output/stored_names.h"
 
 namespace dbapi::tool {
 namespace {

@@ -1,7 +1,8 @@
-#include "dbexplain/statement_text.h"
+#include "tools/dbapi/output/statement_text.h"
 
 #include "dbsuggest/display_text.h"
-#include "dbsuggest/wrapped_text.h"
+
+#include "tools/dbapi/output/wrapped_text.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "dbsuggest/wrapped_text.h"
+#include "tools/dbapi/output/wrapped_text.h"
 
 #include "dbsuggest/display_text.h"
 
