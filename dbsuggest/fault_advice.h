@@ -7,8 +7,19 @@
 #include <vector>
 
 namespace dbapi {
-/// What may have been meant in the place of the faulty text, the likeliest first: keywords of keys
-/// that exist, or a term written so that it is understood. `keys` are those of the database that
-/// was asked.
-std::vector<std::string> suggestions_for(const Fault& fault, const KnownKeys& keys);
+/// What would be right in the place of a fault.
+struct Advice
+{
+    /// The rule that was broken, in a sentence; empty where the keyword is just another one.
+    std::string reason;
+    /// The keyword in the place of the faulty piece, in advice without a reason.
+    std::string keyword;
+    /// The whole query string or keyword, ready to be copied: the library reads it without a fault
+    /// and without a note (`notes_on_query`). Empty where none is known.
+    std::string corrected;
+};
+
+/// What may have been meant, the likeliest first; empty when nothing can be told. `keys` are those
+/// of the database that was asked, which is asked to check what is advised.
+std::vector<Advice> advice_for(const Fault& fault, const KnownKeys& keys);
 } // namespace dbapi

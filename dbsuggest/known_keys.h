@@ -21,6 +21,8 @@ class KnownKeys
 public:
     explicit KnownKeys(DBIF_Connection connection);
 
+    [[nodiscard]] const DBIF_Connection& connection() const { return connection_; }
+
     /// The data type of the one key that a keyword names; nothing when it names none, or several.
     [[nodiscard]] std::optional<dbif::ValueKind> kindOf(const std::string& keyword);
 

@@ -271,62 +271,6 @@ TEST_F(Command, WritesEveryFormat)
     EXPECT_THAT(nothing.talk, StartsWith("dbapi: nothing found: "));
 }
 
-TEST_F(Command, PointsAtTheFault)
-{
-    dbapi(
-        {"import", "lab",
-         sweep(
-             "a.csv", "# $DEVNAME = d\n# DEVD.W = 5u\n# TECHS.process = p\n# CED.W = 1\n"
-                      "# Key(S11,measurement,COMPLEX) = 1j\n"
-                      "# MED.length = 1\nOUTD.ID\n1\n")});
-
-    struct Fault
-    {
-        Arguments arguments;
-        std::string lines;
-    };
-
-    const std::vector<Fault> faults{
-        {{"lenght"}, "  lenght\n  ^^^^^^\nDid you mean length?\n"},
-        {{"LENGTH"}, "  LENGTH\n  ^^^^^^\nDid you mean length?\n"},
-        {{"length", "$DEVNAM"}, "  $DEVNAM\n  ^^^^^^^\nDid you mean $DEVNAME?\n"},
-        {{"device.length"},
-         "  device.length\n  ^^^^^^^^^^^^^\nDid you mean Key(length,measurement,DOUBLE)?\n"},
-        {{"W"},
-         "  W\n  ^\nDid you mean Key(W,catalog_entry,DOUBLE) or Key(W,device,DOUBLE,PHYSICAL)?\n"},
-        {{"Key(length"}, "  Key(length\n            ^\n"},
-        {{"$dataorigin"}, "  $dataorigin\n  ^^^^^^^^^^^\nDid you mean $DATAORIGIN"},
-        {{"length", "-q", "length=1; DEVD.w = 5u"},
-         "  length=1; DEVD.w = 5u\n            ^^^^^^\n"},
-        {{"length", "-q", "process=\u00b5\u00b5;length=[0,1V]"},
-         "  process=\u00b5\u00b5;length=[0,1V]\n                       ^^\n"},
-        {{"length", "-q", "alldata: length=1,2y,3"},
-         "  alldata: length=1,2y,3\n                    ^^\n"},
-        {{"length", "-q", "process='p"}, "  process='p\n          ^^\n"},
-        {{"length", "-q", "length=[1]"}, "  length=[1]\n         ^^^\n"},
-        {{"length", "-q", "length<1,2"}, "  length<1,2\n         ^^^\n"},
-        {{"length", "-q", "length=,"}, "  length=,\n         ^\n"},
-        {{"length", "-q", "$MEASDBID=x"}, "  $MEASDBID=x\n            ^\n"},
-        {{"length", "-q", "S11<1"}, "  S11<1\n      ^\n"},
-        {{"length", "-q", "length=1;{W"}, "  length=1;{W\n           ^^\n"},
-        {{"length", "-q", "length=1;W"}, "  length=1;W\n           ^\n"},
-        {{"length", "-q", "length=1 ALLDATA:"}, "  length=1 ALLDATA:\n           ^^^^^^^\n"},
-        {{"length", "-q", "NOT length=1"},
-         "  NOT length=1\n    ^^^^^^^^\nDid you mean NOT KEY(length)?\n"},
-        {{"length", "-q", "NOT{length=1}"},
-         "  NOT{length=1}\n    ^^^^^^^^\nDid you mean NOT KEY(length)?\n"},
-        {{"\x1b[31mred"}, "  \\x1b[31mred\n  ^^^^^^^^^^^\n"}};
-    for (const Fault& fault : faults) {
-        Arguments arguments{"values", "lab"};
-        arguments.insert(arguments.end(), fault.arguments.begin(), fault.arguments.end());
-        const Outcome outcome = dbapi(arguments);
-        EXPECT_EQ(outcome.code, 2) << fault.lines;
-        EXPECT_THAT(outcome.talk, StartsWith("dbapi: "));
-        EXPECT_THAT(outcome.talk, HasSubstr("\n" + fault.lines));
-        EXPECT_EQ(outcome.data, "");
-    }
-}
-
 TEST_F(Command, NamesTheConnectionWhoseDatabaseRefusesAnImport)
 {
     dbapi({"import", "lab", sweep("a.csv", "# $DEVNAME = d\nOUTD.a\n1\n")});

@@ -160,6 +160,12 @@ TEST_P(ExplainCommand, FitsTheTerminalAndPointsAtFaults)
         EXPECT_LE(end - begin, 80U) << shown.data.substr(begin, end - begin);
         begin = end + 2;
     }
+    expect(
+        {{{"W", "-q", "{W=5u} and {L=1}"},
+          {"Ignored \"and {L=1}\": It is ignored: behind a closing brace, only \";\", AND or OR"}}});
+    const nlohmann::json ignored = json({"W", "-q", "{} W=5u"})["ignored"][0];
+    EXPECT_EQ(ignored["text"], "W=5u");
+    EXPECT_EQ(ignored["position"], 3);
     const Outcome fault = explain({"W", "-q", "W=5u;Lx=1"});
     EXPECT_EQ(fault.code, 2);
     EXPECT_THAT(fault.talk, HasSubstr("\n  W=5u;Lx=1\n       ^^\nDid you mean L?"));

@@ -231,14 +231,14 @@ TEST_P(SqlTexts, TakeConditionsWithinConditions)
     const auto isA = DBIF_Device::NAME.singleColumnCondition(EQUAL, QStringLiteral("a"));
     const auto isNoC = DBIF_Device::NAME.singleColumnCondition(NOT_EQUAL, QStringLiteral("c"));
     DBIF_CompoundQueryCondition nested(&isA, OR, &isNoC);
-    for (int i = 1; i <= 999; ++i) {
+    for (int i = 1; i <= 1000; ++i) {
         nested =
             DBIF_CompoundQueryCondition(i % 2 == 0 ? &isA : &isNoC, i % 2 == 0 ? OR : AND, &nested);
     }
     EXPECT_EQ(devices(nested), numbered(2));
     EXPECT_EQ(devices(DBIF_CompoundQueryCondition(NOT, &nested)), std::vector<int>{3});
     EXPECT_THAT(
-        thrown_by([&] { DBIF_CompoundQueryCondition(&isA, OR, &nested); }),
+        thrown_by([&] { DBIF_CompoundQueryCondition(&isA, AND, &nested); }),
         HasSubstr("The condition changes between AND and OR more than 1000 times"));
 }
 

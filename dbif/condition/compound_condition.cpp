@@ -6,14 +6,15 @@
 using dbif::ConditionTree;
 
 namespace {
-/// Functions on a tree recurse once for every change between AND and OR.
-constexpr std::size_t kGreatestDepth = 1000;
+/// Working with a tree recurses where AND and OR change.
+constexpr std::size_t kMostChanges = 1000;
 
 std::shared_ptr<const ConditionTree> checked(ConditionTree tree)
 {
-    if (tree.depth() > kGreatestDepth) {
+    // Without a change, the depth is 1.
+    if (tree.depth() > kMostChanges + 1) {
         dbif::throw_error(
-            "The condition changes between AND and OR more than " + std::to_string(kGreatestDepth) +
+            "The condition changes between AND and OR more than " + std::to_string(kMostChanges) +
                 " times within itself. Ask in several queries.",
             __FILE__, __LINE__);
     }

@@ -8,6 +8,7 @@
 #include "tools/dbapi/commands/command_declarations.h"
 #include "tools/dbapi/output/call_failure.h"
 #include "tools/dbapi/output/data_output.h"
+#include "tools/dbapi/output/note_output.h"
 #include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
 
@@ -101,6 +102,7 @@ ExitCode copy(const CopyOptions& options)
     source.beginTransaction();
     reading.arm();
     const dbif::CopySelection selection = selected(source, request);
+    tell_notes(request.query);
     if (selection.isEmpty()) {
         tell_error(
             request.query.empty()

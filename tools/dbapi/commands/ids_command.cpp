@@ -4,6 +4,7 @@
 #include "tools/dbapi/commands/command_declarations.h"
 #include "tools/dbapi/output/call_failure.h"
 #include "tools/dbapi/output/data_output.h"
+#include "tools/dbapi/output/note_output.h"
 #include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
 
@@ -29,6 +30,7 @@ ExitCode show_ids(const IdsOptions& options)
             request.connection, options.table, &ids, request.query, &errors)) {
         throw_call_failure(request, errors);
     }
+    tell_notes(request.query);
     DataTable table{
         {{"connection", request.connection}, {"table", options.table}, {"query", request.query}},
         "ids",

@@ -5,6 +5,7 @@
 #include "tools/dbapi/commands/command_declarations.h"
 #include "tools/dbapi/output/call_failure.h"
 #include "tools/dbapi/output/data_output.h"
+#include "tools/dbapi/output/note_output.h"
 #include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
 
@@ -87,6 +88,7 @@ ExitCode show_keys(const KeysOptions& options)
 {
     stored_connection(options.request.connection);
     const DataTable table = options.isShort ? key_names(options) : key_statistics(options);
+    tell_notes(options.request.query);
     write_data(table, options.output);
     if (table.rows() == 0) {
         tell_error(

@@ -5,6 +5,7 @@
 #include "tools/dbapi/output/call_failure.h"
 #include "tools/dbapi/output/column_contents.h"
 #include "tools/dbapi/output/data_output.h"
+#include "tools/dbapi/output/note_output.h"
 #include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
 
@@ -35,6 +36,7 @@ ExitCode show_record(RecordOptions options)
             &errors)) {
         throw_call_failure(request, errors);
     }
+    tell_notes(request.query);
     const bool isEmpty = values.empty();
     const std::string id = std::to_string(options.id);
     DataTable table{

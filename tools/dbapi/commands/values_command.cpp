@@ -7,6 +7,7 @@
 #include "tools/dbapi/output/call_failure.h"
 #include "tools/dbapi/output/column_contents.h"
 #include "tools/dbapi/output/data_output.h"
+#include "tools/dbapi/output/note_output.h"
 #include "tools/dbapi/output/plot_output.h"
 #include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
@@ -47,7 +48,9 @@ ExitCode show_values(const ValuesOptions& options)
     const DataRequest& request = options.request;
     stored_connection(request.connection);
     if (!options.plot.file.empty()) {
-        if (plot_values(request, options.plot)) {
+        const bool isDrawn = plot_values(request, options.plot);
+        tell_notes(request.query);
+        if (isDrawn) {
             return ExitCode::Done;
         }
         tell_nothing_found(request, true);
@@ -58,6 +61,7 @@ ExitCode show_values(const ValuesOptions& options)
     if (!read_values(request, options.isDistinct, &values, &errors)) {
         throw_call_failure(request, errors);
     }
+    tell_notes(request.query);
     DataTable table;
     table.asked = {{"connection", request.connection}, {"query", request.query}};
     for (std::size_t i = 0; i < values.size(); ++i) {

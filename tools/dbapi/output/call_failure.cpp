@@ -33,7 +33,7 @@ void throw_call_failure(const DataRequest& request, const Fault& fault)
     }
     const bool hasPlace = fault.where != Fault::Where::Nowhere;
     if (hasPlace) {
-        text = dbif::trimmed(text + "\n" + fault_lines(fault, suggestions_for(fault, keys)));
+        text = dbif::trimmed(text + "\n" + fault_lines(fault, advice_for(fault, keys)));
     }
     throw CommandFailure(hasPlace ? ExitCode::WrongUsage : ExitCode::Data, text);
 }

@@ -1,5 +1,7 @@
 #include "tools/dbapi/output/explanation_json.h"
 
+#include "dbsuggest/query_notes.h"
+
 #include "tools/dbapi/output/statement_text.h"
 
 #include <nlohmann/json.hpp>
@@ -52,6 +54,19 @@ Json node_json(const NodeExplanation& node)
     }
     for (const NodeExplanation& operand : node.operands) {
         json["operands"].push_back(node_json(operand));
+    }
+    return json;
+}
+
+Json ignored_json(const Explanation& explanation)
+{
+    Json json = Json::array();
+    for (const IgnoredText& ignored : explanation.ignored) {
+        json.push_back(
+            {{"text", explanation.query.substr(ignored.position, ignored.length)},
+             {"position", ignored.position},
+             {"length", ignored.length},
+             {"reason", why_ignored(ignored.reason)}});
     }
     return json;
 }
@@ -125,6 +140,7 @@ std::string explanation_json(const Explanation& explanation)
         {"records", explanation.records},
         {"records_in_all", explanation.recordsInAll}};
     json["tree"] = explanation.tree.has_value() ? node_json(*explanation.tree) : Json();
+    json["ignored"] = ignored_json(explanation);
     json["keys"] = keys_json(explanation.keys);
     json["read"] = read_json(explanation.read);
     json["nothing_left_by"] = explanation.nothing.reasons;

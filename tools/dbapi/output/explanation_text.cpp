@@ -1,7 +1,9 @@
 #include "tools/dbapi/output/explanation_text.h"
 
+#include "dbapi/words/text_rules.h"
 #include "dbexplain/term_text.h"
 #include "dbsuggest/display_text.h"
+#include "dbsuggest/query_notes.h"
 
 #include "tools/dbapi/output/statement_text.h"
 #include "tools/dbapi/output/table_output.h"
@@ -160,6 +162,17 @@ std::string nothing_text(const NothingFound& nothing, const Layout& layout)
     return text;
 }
 
+std::string ignored_text(const Explanation& explanation, const Layout& layout)
+{
+    std::string text;
+    for (const IgnoredText& ignored : explanation.ignored) {
+        text += layout.wrapped(
+            dbapi::quoted(cut(explanation.query.substr(ignored.position, ignored.length))) + ": " +
+            why_ignored(ignored.reason));
+    }
+    return text.empty() ? text : layout.heading("Ignored") + text;
+}
+
 std::string tree_text(const Explanation& explanation, const Layout& layout)
 {
     std::string text = layout.heading("Query");
@@ -257,9 +270,9 @@ std::string explanation_text(const Explanation& explanation, std::size_t width, 
 {
     const Layout layout{width, isBold};
     return verdict(explanation, layout) + nothing_text(explanation.nothing, layout) +
-           tree_text(explanation, layout) + keys_text(explanation, layout) +
-           layout.heading("Superseded records") + layout.wrapped(explanation.whyLatest) +
-           points_text(explanation, layout) + statements_text(explanation, layout) +
-           times_text(explanation, layout);
+           tree_text(explanation, layout) + ignored_text(explanation, layout) +
+           keys_text(explanation, layout) + layout.heading("Superseded records") +
+           layout.wrapped(explanation.whyLatest) + points_text(explanation, layout) +
+           statements_text(explanation, layout) + times_text(explanation, layout);
 }
 } // namespace dbapi::tool
