@@ -30,7 +30,7 @@ dbif::RecordTable counted_table(const Explanation& explanation)
     dbif::TableSet tables;
     for (const KeyExplanation& key : explanation.keys) {
         if (key.isAsked || explanation.keywords.empty()) {
-            tables.add(key.found.column().table());
+            tables.add(key.column.table());
         }
     }
     return tables.isEmpty() ? dbif::RecordTable::Setup : dbif::meeting_table(tables);

@@ -12,7 +12,7 @@ bool KeyExplanation::isNumber() const
 
 bool KeyExplanation::isOnPoints() const
 {
-    return found.column().isOnPoints();
+    return column.isOnPoints();
 }
 
 const KeyExplanation* Explanation::keyOf(const std::string& keyword) const

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "dbapi/key/key_resolution.h"
 #include "dbapi/query/query_syntax.h"
 #include "dbif/condition/condition.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/schema/schema_names.h"
+#include "dbif/value/table_column.h"
 
 #include <cstddef>
 #include <memory>
@@ -12,64 +12,78 @@
 #include <string>
 #include <vector>
 
+// The result of `explain` (see explain.h), as plain data: all texts are UTF-8, all times seconds.
+
 namespace dbapi {
 /// The category that a fixed column is shown with.
 inline constexpr const char* kFixedColumn = "fixed column";
 /// The data type that an id is shown with.
 inline constexpr const char* kWholeNumber = "whole number";
 
-/// What a keyword stands for.
+/// The key that a keyword of the request or of the query stands for.
 struct KeyExplanation
 {
+    /// The keyword as it was written.
     std::string keyword;
-    /// Whether its values are asked for, and whether the query compares it.
+    /// Whether the request asks for its values, and whether the query compares it.
     bool isAsked = false;
     bool isCompared = false;
-    /// Which key, and by which rule; always a found one.
-    Resolution found;
-    /// For people: "INPUT", "fixed column" or nothing; "DOUBLE", "whole number" and so on.
+    /// The key or fixed column.
+    dbif::TableColumn column;
+    /// Words for people: the category ("INPUT", "fixed column" or nothing), the data type
+    /// ("DOUBLE", "whole number"), and the rule by which this key was chosen ("the only key of its
+    /// name").
     std::string category;
     std::string datatype;
     std::string rule;
 
-    [[nodiscard]] std::string keyName() const { return std::string(found.column().name()); }
+    /// The name of the key or column, and of its record table ("device").
+    [[nodiscard]] std::string keyName() const { return std::string(column.name()); }
 
     [[nodiscard]] std::string tableName() const
     {
-        return std::string(dbif::facts(found.column().table()).name);
+        return std::string(dbif::facts(column.table()).name);
     }
 
-    [[nodiscard]] bool isFixed() const { return !found.column().isKey(); }
+    [[nodiscard]] bool isFixed() const { return !column.isKey(); }
 
+    /// Whether its values are real numbers or ids.
     [[nodiscard]] bool isNumber() const;
-    /// Whether it has a value per point of a setup.
+    /// Whether it has a value for each point of a setup.
     [[nodiscard]] bool isOnPoints() const;
 };
 
-/// How much a condition keeps: records of the table that is counted, and the points that were found
-/// for it when it is decided on points.
+/// How much a condition selects.
 struct KeptCount
 {
+    /// Records of `Explanation::table`.
     std::size_t records = 0;
+    /// The points of setups that satisfy the condition, where it is decided on points.
     std::optional<std::size_t> points;
 };
 
-/// A node of the query's tree, with what it keeps.
+/// A node of the query's tree, with what it selects.
 struct NodeExplanation
 {
     QueryNode::Kind kind = QueryNode::Kind::True;
-    /// As it was understood: "W from 1e-06 to 5e-06", "AND"; and as it stands in the query.
+    /// The node as it was understood: "W from 1e-06 to 5e-06", "AND".
     std::string text;
+    /// The piece of the query that it was read from.
     std::string written;
-    /// The keyword of a term, and its value as written.
+    /// The keyword of a term, and its value as written; both are empty for other nodes.
     std::string keyword;
     std::string value;
+    /// The condition that the node stands for.
     std::shared_ptr<const DBIF_QueryCondition> condition;
+    /// Whether the points of setups have to be read to decide it.
     bool isOnPoints = false;
-    /// By itself, and, for an operand of AND, together with the operands before it; nothing when
-    /// the query is too large to count every part of it.
+    /// The records that the node selects by itself. The root always has it; the others have nothing
+    /// when the query has too many parts to count each.
     std::optional<KeptCount> alone;
+    /// Those that an operand of AND selects together with the operands before it (the first one: as
+    /// `alone`); nothing for other nodes.
     std::optional<KeptCount> soFar;
+    /// The operands of AND, OR and NOT, in the order of the query.
     std::vector<NodeExplanation> operands;
 
     /// Whether its operands have been counted, too.
@@ -90,7 +104,10 @@ struct NothingFound
     };
 
     Cause cause = Cause::None;
+    /// One sentence or two for each part of the query that is to blame; empty when there are rows.
     std::vector<std::string> reasons;
+    /// Other reads that would give rows, or show why not: stored values near the one that was
+    /// compared, the query without one of its terms.
     std::vector<std::string> suggestions;
 };
 
@@ -98,41 +115,53 @@ struct NothingFound
 struct ReadExplanation
 {
     std::size_t rows = 0;
+    /// The time of the whole read; asking the engine for plans is not in it.
     double seconds = 0;
+    /// The steps, each without the steps within it, in the order in which they first began.
     std::vector<dbif::TracedStep> steps;
+    /// The statements that ran, with their plans. Those that differ only in numbers are one entry.
     std::vector<dbif::TracedStatement> statements;
+    /// How many points were looked at; nothing when no condition was decided on points.
     std::optional<dbif::TracedPoints> points;
 };
 
-/// "1 setup", "12 measurement conditions".
+/// A number of records of a table, in words: "1 setup", "12 measurement conditions".
 std::string records_text(std::size_t count, dbif::RecordTable table);
 
+/// All that `explain` tells about a read.
 struct Explanation
 {
+    /// The request.
     std::string connection;
-    std::string engine;
     std::vector<std::string> keywords;
     std::string query;
+    /// The database engine: "SQLite", "MySQL".
+    std::string engine;
+    /// False when the query begins with "ALLDATA:"; and what that means for superseded records, in
+    /// sentences.
     bool latestOnly = true;
     std::string whyLatest;
+    /// The keys of the requested keywords, then those of the other keywords in the query. A keyword
+    /// that stands for no key, as one alone in braces may, is left out.
     std::vector<KeyExplanation> keys;
-    /// The table whose records are counted, how many of them count, and how many there are with
-    /// superseded ones.
+    /// The table whose records are counted: the one in which the tables of the keywords meet.
     dbif::RecordTable table = dbif::RecordTable::Setup;
+    /// How many of its records count, and how many there are together with superseded ones.
     std::size_t records = 0;
     std::size_t recordsInAll = 0;
-    /// Whether a row is a point of a setup, and not a record.
+    /// Whether a row of the result is a point of a setup, and not a record.
     bool isOfPoints = false;
-    /// Nothing for the empty query.
+    /// The tree of the query; nothing for an empty query.
     std::optional<NodeExplanation> tree;
-    /// Parts of the query that select nothing.
+    /// Parts of the query string that the grammar passes over, so that they select nothing.
     std::vector<IgnoredText> ignored;
     ReadExplanation read;
     NothingFound nothing;
 
-    /// The key of a keyword; null for one that stands for none.
+    /// The key of a keyword, which lives as long as this object; null for a keyword that stands for
+    /// none.
     [[nodiscard]] const KeyExplanation* keyOf(const std::string& keyword) const;
-    /// How many records the whole query keeps.
+    /// How many records the whole query selects.
     [[nodiscard]] std::size_t keptRecords() const;
 };
 } // namespace dbapi

@@ -1,5 +1,6 @@
 #include "dbexplain/key_explanation.h"
 
+#include "dbapi/key/key_resolution.h"
 #include "dbapi/words/vocabulary.h"
 #include "dbif/host/host_string.h"
 
@@ -58,7 +59,7 @@ std::vector<KeyExplanation> explain_keys(
         if (isKnown) {
             return;
         }
-        Resolution found =
+        const Resolution found =
             resolve_keyword(connection, keyword, isAsked ? &condition : nullptr, latestOnly);
         if (!found.isFound()) {
             return;
@@ -69,8 +70,7 @@ std::vector<KeyExplanation> explain_keys(
         const std::string datatype = datatype_of(column);
         const std::string rule = rule_text(found, isAsked);
         keys.push_back(
-            {keyword, isAsked, compared.contains(keyword), std::move(found), category, datatype,
-             rule});
+            {keyword, isAsked, compared.contains(keyword), column, category, datatype, rule});
     };
     for (const std::string& keyword : asked) {
         add(keyword, true);

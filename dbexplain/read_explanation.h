@@ -7,9 +7,8 @@
 #include <string>
 
 namespace dbapi {
-/// Runs the read of a request, as `dbapi values` does (without keywords, as `dbapi ids` of `table`
-/// does), and tells what it did. `connection` is the one that the library keeps open. Throws
-/// `FaultError` when the read fails.
+/// Runs the read of a request (without keywords, that of the ids of `table`) and notes what it did.
+/// `connection` is the one that the library keeps open. Throws `FaultError` when the read fails.
 void explain_read(
     const DBIF_Connection& connection,
     const DataRequest& request,

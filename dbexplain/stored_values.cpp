@@ -13,7 +13,7 @@
 
 namespace dbapi {
 namespace {
-/// So many values are simply listed.
+/// Up to this many values are simply listed.
 constexpr std::size_t kMostListed = 6;
 constexpr std::size_t kMostSuggested = 3;
 

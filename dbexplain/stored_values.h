@@ -5,8 +5,8 @@
 #include <string>
 
 namespace dbapi {
-/// What is stored under a key, for somebody who compared it with `value` and found nothing: its
-/// range and the values nearest to that one. Nothing when that cannot be told.
+/// The values stored under a key in words, for somebody who compared it with `value` and found
+/// nothing: its range and the values nearest to that one. Nothing when that cannot be told.
 std::string stored_values_text(
     const std::string& connection,
     const KeyExplanation& key,

@@ -24,7 +24,7 @@ constexpr std::size_t kCellBytes = 1U << 12U;
 /// A row that is longer is no part of a sweep; most likely a quote is open.
 constexpr std::size_t kLongestRow = 1U << 26U;
 constexpr std::size_t kLongestAnnotation = 1U << 20U;
-/// What is no text shows in so many bytes.
+/// A file that is no text shows it within this many bytes.
 constexpr std::size_t kTellingBytes = 16;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 

@@ -3,8 +3,8 @@
 #include "dbif/write/record_writer.h"
 #include "dbimport/annotations.h"
 #include "dbimport/file_faults.h"
+#include "dbimport/read_progress.h"
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,9 +22,6 @@ struct AnnotatedCsv
     /// Whether the file could not be read at all; `faults` says why.
     bool isUnreadable = false;
 };
-
-/// Is told how many bytes were read since it was last called.
-using ReadProgress = std::function<void(std::size_t bytes)>;
 
 /// Reads a file, block by block: only its columns are held in memory. Never throws on account of
 /// the file; the result tells what is wrong with it.

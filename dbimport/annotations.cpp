@@ -65,7 +65,8 @@ std::string full_spelling(const std::string& name, const std::string& table)
     return "Key(" + name + "," + shown + ",DOUBLE" + (shown == "device" ? ",PHYSICAL)" : ")");
 }
 
-/// What a keyword lacks to define a key, or says too much; empty when it is complete.
+/// The message for a keyword that says too little or too much to define a key; empty when it does
+/// define one.
 std::string fault_of_key(
     const std::string& name,
     const std::string& table,

@@ -10,7 +10,7 @@
 #include <vector>
 
 namespace dbapi {
-/// What the file says of one record.
+/// The columns and keys of one record that the file gives.
 template <typename Fields>
 struct RecordParts
 {
@@ -44,7 +44,7 @@ public:
     /// One line that begins with "#"; the line end does not belong to it.
     void addLine(std::size_t line, const std::string& text);
 
-    /// What the lines said, once they are all read.
+    /// The records that the lines tell of, once they are all read.
     [[nodiscard]] Annotations take();
 
 private:

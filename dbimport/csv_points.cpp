@@ -9,7 +9,7 @@
 
 namespace dbapi {
 namespace {
-/// Room for so many is made at once; most sweeps have some hundred points at most.
+/// Room for this many points is made at once; most sweeps have some hundred points at most.
 constexpr std::size_t kUsualPoints = 128;
 
 std::size_t count_line_ends(std::string_view text)

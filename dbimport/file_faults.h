@@ -6,7 +6,7 @@
 #include <vector>
 
 namespace dbapi {
-/// What is wrong with a file, and in which line; line 0 is the file as a whole.
+/// One fault of a file, and its line; line 0 is the file as a whole.
 struct FileFault
 {
     std::size_t line = 0;

@@ -17,7 +17,7 @@ namespace dbapi {
 namespace {
 using CatalogEntryParts = RecordParts<dbif::CatalogEntryFields>;
 
-/// What the files of an import must agree in: keyword to value.
+/// The values that the files of an import must agree in, by keyword.
 std::map<std::string, std::string> catalogue_texts(const CatalogEntryParts& entry)
 {
     std::map<std::string, std::string> texts;
@@ -83,7 +83,7 @@ private:
     /// Made for the first file that is read, so that other writers wait as little as possible.
     std::optional<dbif::RecordWriter> writer_;
     int catalogEntry_ = 0;
-    /// What the catalogue entry is, and the file that said so.
+    /// The catalogue entry, and the file that it was read from.
     std::optional<CatalogEntryParts> catalogue_;
     std::string catalogueFile_;
     SharedRecord<dbif::DieFields> lastDie_;
@@ -120,7 +120,8 @@ void Import::storeUnlessRefused(const std::string& file, const ReadSweep& sweep)
     try {
         store(file, sweep);
     } catch (const DBIF_Exception& exception) {
-        // What the writer refuses is a fault of the file, and the next files may have more.
+        // A record that the writer refuses is a fault of the file, and the next files may have
+        // more.
         if (!exception.sql().isEmpty() || exception.error().type() == QSqlError::TransactionError) {
             throw;
         }

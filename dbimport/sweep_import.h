@@ -2,18 +2,23 @@
 
 #include "dbif/connection/connection.h"
 #include "dbif/write/record_values.h"
-#include "dbimport/annotated_csv.h"
+#include "dbimport/read_progress.h"
 
 #include <cstddef>
 #include <string>
 #include <vector>
 
+// The import of annotated CSV. docs/import.md describes the form of the files.
+
 namespace dbapi {
 /// A fault of one file of an import.
 struct ImportFault
 {
+    /// The path as it was given.
     std::string file;
+    /// The line, from 1; 0 for the file as a whole.
     std::size_t line = 0;
+    /// The fault and how to mend it, in whole sentences.
     std::string text;
 };
 
@@ -25,6 +30,7 @@ struct SupersedingSweep
     std::string device;
 };
 
+/// How an import differs from the usual one.
 struct ImportOptions
 {
     /// Whether a file may leave open which device it belongs to. Such sweeps supersede each other
@@ -32,19 +38,23 @@ struct ImportOptions
     bool allowsAnonymous = false;
 };
 
+/// The records that an import stored or, where `faultCount` is above 0, the faults because of which
+/// it stored nothing.
 struct ImportResult
 {
+    /// How many files were read, and what was made of them. `devices` counts the devices that the
+    /// setups belong to, be they new or not.
     std::size_t files = 0;
     std::size_t setups = 0;
     std::size_t points = 0;
     std::size_t devices = 0;
-    /// How many setups were superseded, and by which sweeps.
+    /// How many stored setups were superseded, and the sweeps that superseded them.
     std::size_t supersededSetups = 0;
     std::vector<SupersedingSweep> superseding;
     /// The keys that the database did not have before.
     std::vector<dbif::NewKey> newKeys;
 
-    /// The first faults in the order of the files; nothing was stored when there is one.
+    /// The first 50 faults, in the order of the files and their lines; `faultCount` counts all.
     std::vector<ImportFault> faults;
     std::size_t faultCount = 0;
     std::size_t faultyFiles = 0;
@@ -54,11 +64,16 @@ struct ImportResult
     std::size_t anonymousFiles = 0;
 };
 
-/// Reads files of annotated CSV and stores all of them in one transaction, as one catalogue entry,
-/// or nothing when any has a fault: then all files are read all the same, so that every fault is
-/// known. Each file becomes a measurement with one setup. Repeated a few times when another writer
-/// is in its way or the connection is lost. Throws `DBIF_Exception` when the database fails;
-/// nothing is stored then either.
+/// Reads files of annotated CSV (UTF-8) and stores all of them in one transaction, as one catalogue
+/// entry. Each file becomes a measurement with one setup. Where a file has a fault, nothing is
+/// stored, but all files are read, so that every fault is known.
+///
+/// `connection` must be open on a measurement database (`dbui::open_connection`); it stays the
+/// caller's. Files are read in threads of the call's own; the database and `progress` are used in
+/// the calling thread only. When another writer is in its way or the connection is lost, the call
+/// starts again from the first file, a few times; `progress` then goes on counting.
+///
+/// Throws `DBIF_Exception` when the database fails; nothing is stored then either.
 ImportResult import_sweeps(
     const DBIF_Connection& connection,
     const std::vector<std::string>& files,

@@ -10,11 +10,12 @@
 
 namespace dbapi {
 namespace {
-/// Of files; what is read of them takes half of it as numbers, and several times of it as texts.
+/// The bytes of files that may be read ahead; what is read of them takes half of it as numbers, and
+/// several times of it as texts.
 constexpr std::size_t kMostBytes = 1U << 22U;
 constexpr std::size_t kMostFiles = 256;
 constexpr std::size_t kMostThreads = 4;
-/// So much is told at least while a file is waited for.
+/// `progress` is called once this many bytes were read while a file is waited for.
 constexpr std::size_t kBytesWorthTelling = 1U << 18U;
 
 /// Ends the reading of a file that nobody waits for any more.

@@ -42,7 +42,7 @@ public:
     ReadSweep next();
 
 private:
-    /// What was read of one file, or is being read.
+    /// One file, as far as it was read.
     struct Ahead
     {
         ReadSweep sweep;
@@ -73,10 +73,10 @@ private:
     std::size_t toTake_ = 0;
     /// Whether that one is waited for.
     bool isAwaited_ = false;
-    /// Of all files in `ahead_` and of the one that was taken last.
+    /// The bytes of all files in `ahead_`, and those of the one that was taken last.
     std::size_t bytesAhead_ = 0;
     std::size_t bytesTaken_ = 0;
-    /// What `progress` was not told yet.
+    /// The bytes that `progress` was not told of yet.
     std::size_t bytesUntold_ = 0;
     bool isAbandoned_ = false;
 

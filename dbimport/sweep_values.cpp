@@ -19,7 +19,7 @@ bool refuse(std::string* reason, std::string text)
     return false;
 }
 
-/// What is wrong with a text that is no value of a kind.
+/// The message for a text that is no value of a kind.
 std::string no_value_of(dbif::ValueKind kind, std::string_view text)
 {
     switch (kind) {
@@ -92,7 +92,7 @@ bool append_if_valid(std::string_view cell, dbif::SweepArray* values)
     return false;
 }
 
-/// What to write in the place of a keyword that says too little about its column.
+/// The advice for a keyword that says too little about its column.
 std::string spellings_of(const std::string& name)
 {
     return "Write IND." + name + " for an input or OUTD." + name +

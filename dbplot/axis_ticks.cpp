@@ -7,7 +7,7 @@
 
 namespace dbapi {
 namespace {
-/// About so many intervals between ticks.
+/// About how many intervals between ticks an axis has.
 constexpr double kIntervals = 9;
 /// With more decades, not each one has a label; with fewer, 2 and 5 have one too.
 constexpr int kManyDecades = 12;

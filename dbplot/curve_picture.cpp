@@ -15,7 +15,7 @@ constexpr std::size_t kMostNamed = 24;
 /// Names as long as those of devices take more room.
 constexpr std::size_t kMostLongNamed = 12;
 constexpr std::size_t kLongName = 24;
-/// Curves differ in their dashes by a parameter with at most so many values.
+/// Curves differ in their dashes by a parameter with at most this many values.
 constexpr std::size_t kMostDashes = 4;
 
 /// Gives each key its place in the order.

@@ -19,7 +19,7 @@ constexpr std::size_t kMostLevelLetters = 120;
 constexpr std::size_t kMostSlantedLabels = 18;
 /// With longer labels the legend stands below the curves.
 constexpr std::size_t kLongLabel = 36;
-/// A curve with at most so many points shows each of them.
+/// A curve with at most this many points shows each of them.
 constexpr std::size_t kFewPoints = 25;
 
 /// In double quotes, with octal escapes for whatever gnuplot would read as something else there: in

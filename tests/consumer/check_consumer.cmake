@@ -17,6 +17,7 @@ run(${CMAKE_COMMAND} -S ${SOURCE} -B ${WORK}/build -G ${GENERATOR} -D CMAKE_PREF
 run(${CMAKE_COMMAND} --build ${WORK}/build)
 set(ENV{VANTO_DB_CONNECTIONS_DIRECTORY} ${WORK}/connections)
 run(${WORK}/build/consumer ${WORK}/consumer.db)
+run(${WORK}/build/consumer_of_libraries ${WORK}/libraries.db)
 run(${WORK}/build/consumer_with_dialogs)
 
 # Neither the library nor the command needs windows.
