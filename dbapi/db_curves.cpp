@@ -20,7 +20,7 @@
 
 namespace dbapi {
 namespace {
-/// What may tell setups apart, the most telling first; the last one always does.
+/// Builtin keynames that may tell setups apart, the most telling first; the last one always does.
 constexpr std::array kIdentities{"$DEVNAME",     "$TEMP",    "$LOT",     "$WAFER",
                                  "$DIE",         "$SUBSITE", "$DEVID",   "$BLOCK",
                                  "$ROUTINENAME", "$SETNAME", "$SETPATH", "$SETDBID"};
@@ -204,7 +204,7 @@ CurveSet read_curves(const Asked& asked)
     return curves;
 }
 
-/// The road that both reads share.
+/// Runs a read of curves or of a sample as a public call.
 template <typename Read>
 bool run_read(
     const std::string& connectionName,

@@ -14,7 +14,12 @@ namespace dbapi {
 // `values` is emptied first and filled on success only. Values are sorted ascending (no value
 // first, numbers as numbers), in the order of the keywords; a query that selects nothing gives
 // none. On failure `errors` receives the text, or the standard error stream does when it is null. A
-// `DBIF_Exception` that the database throws while values are read passes to the caller.
+// `DBIF_Exception` that the database throws while values are read passes to the caller. Why a call
+// failed, `db_get_last_fault` tells piece by piece.
+//
+// Texts are UTF-8. Numbers come as the shortest text that reads back to the same double ("1e-06").
+// The library keeps the connection open and the query string's condition for the next call, so
+// calls are made in one thread at a time; what other programs change in between is seen.
 
 /// One keyword: its value for each record that has one.
 bool db_get_values_for_keyword_as_text(
@@ -49,6 +54,8 @@ bool db_get_distinct_values_for_keywords(
     std::string* errors);
 } // namespace dbapi
 
+/// The same as `dbapi::db_get_values_for_keywords` or, with `distinct`,
+/// `dbapi::db_get_distinct_values_for_keywords`, under an older name.
 bool dbapi_get_values_for_keywords(
     bool distinct,
     const std::string& connectionName,

@@ -2,6 +2,7 @@
 
 #include "dbapi/call/connection_access.h"
 #include "dbapi/query/query_condition.h"
+#include "dbapi/words/database_fault.h"
 #include "dbif/connection/column_store.h"
 #include "dbif/connection/newest_time.h"
 #include "dbif/engine/read_trace.h"
@@ -10,7 +11,7 @@
 #include <QtGlobal>
 
 namespace {
-/// What became of the file behind the cache's connection; one that does not answer has to be opened
+/// The state of the file behind the cache's connection; one that does not answer has to be opened
 /// anew like one whose file was replaced.
 dbif::FileState file_state(const DbapiCache& cache)
 {
@@ -87,7 +88,7 @@ Freshness compare_with_database(DbapiCache& cache)
 /// `Impossible`: the call fails, with the text that is noted.
 enum class Reuse { Everything, Connection, Nothing, Impossible };
 
-/// What of the cache serves a query string on the connection that it holds.
+/// How much of the cache serves a query string on the connection that it holds.
 Reuse reusable_part(DbapiCache& cache, const std::string& query)
 {
     const dbif::FileState file = file_state(cache);
@@ -127,9 +128,7 @@ bool dbapi_get_latest_modified_time(
         *time = dbif::newest_time(connection);
         return true;
     } catch (const DBIF_Exception& exception) {
-        std::string text;
-        dbapi_build_error_string_from_dbif_exception(exception, &text);
-        dbif::deliver_error(error, text);
+        dbif::deliver_error(error, dbapi::database_fault(exception).text);
         return false;
     }
 }

@@ -8,7 +8,7 @@
 #include <string>
 
 namespace dbapi {
-/// What every public data call begins with: the outermost one brings the cache up to date for its
+/// The beginning of every public data call: the outermost one brings the cache up to date for its
 /// connection and query string; one that the library makes itself inside another leaves it alone.
 /// As long as the object lives, the call counts as in progress.
 class PublicCall

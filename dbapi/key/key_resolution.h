@@ -11,7 +11,7 @@
 #include <vector>
 
 namespace dbapi {
-/// What decided which key a keyword stands for.
+/// The rule by which the key of a keyword was chosen.
 enum class ResolutionRule {
     Builtin,       ///< a builtin keyname stands for a fixed column
     StoredBuiltin, ///< a builtin keyname stands for a stored key
@@ -21,7 +21,7 @@ enum class ResolutionRule {
     Catalogue      ///< several agree, and the selected records have one of them
 };
 
-/// What a keyword turned out to stand for.
+/// The outcome of resolving a keyword.
 struct Resolution
 {
     enum class Outcome {
@@ -47,7 +47,7 @@ struct Resolution
     /// Whether the keyword names one key, be there such a column or not.
     [[nodiscard]] bool isUnique() const { return isFound() || outcome == Outcome::NoColumn; }
 
-    /// Of `Found`.
+    /// The column of the key; call only for `Found`.
     [[nodiscard]] const dbif::TableColumn& column() const { return *candidates.front().column; }
 
     /// Whether the answer is the same under every condition.

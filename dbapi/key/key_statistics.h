@@ -8,7 +8,7 @@ class DBIF_Connection;
 class DBIF_QueryCondition;
 
 namespace dbapi {
-/// What the selected records of a table hold under one key.
+/// The values that the selected records of a table hold under one key, in numbers.
 struct KeyStatistics
 {
     std::string name;
@@ -18,10 +18,10 @@ struct KeyStatistics
     std::string datatype;
     /// How many records have the key.
     long long records = 0;
-    /// How many points they have under it; only of setups.
+    /// How many points they have under it; nothing for other tables than setup.
     std::optional<long long> points;
-    /// Of keys that hold numbers. Of setups: over whole columns, whichever of their points a
-    /// condition selects.
+    /// The smallest and largest number; nothing for keys that hold no real numbers. Those of setups
+    /// are over whole columns, whichever of their points a condition selects.
     std::optional<double> minimum;
     std::optional<double> maximum;
 };

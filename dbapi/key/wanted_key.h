@@ -9,7 +9,7 @@
 #include <vector>
 
 namespace dbapi {
-/// What a keyword asks for, as far as that is known without a database. What it leaves open is
+/// The key that a keyword asks for, as far as it is known without a database. Parts left open are
 /// empty.
 struct WantedKey
 {

@@ -21,7 +21,7 @@ std::string syntax_error(const std::string& value, const std::string& complaint)
            "\n";
 }
 
-/// What is wrong with the number of values; empty when nothing is.
+/// The message for a wrong number of values; empty when it is right.
 std::string find_count_fault(const std::string& value, int expectedCount, std::size_t count)
 {
     if (expectedCount < 1 || static_cast<std::size_t>(expectedCount) == count) {
@@ -35,7 +35,7 @@ std::string find_count_fault(const std::string& value, int expectedCount, std::s
         value, " does not represent " + expected + " real comma delimited double values.");
 }
 
-/// What is wrong with one of the values in `value`; empty when it is written as a number is.
+/// The message for one of the values in `value`; empty when it is written as a number is.
 std::string find_number_fault(const std::string& value, std::string_view piece)
 {
     if (piece.empty()) {

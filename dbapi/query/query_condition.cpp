@@ -126,7 +126,7 @@ private:
             }
             return single(node, key, node.value, node.comparator, true);
         } catch (DBIF_Exception& exception) {
-            // What the column refuses.
+            // The column refuses the value.
             const bool holdsNumbers = key.column->kind() == dbif::ValueKind::Double;
             throw FaultError(value_fault(
                 holdsNumbers ? Fault::Kind::NoNumber : Fault::Kind::RefusedValue, tree_, node,

@@ -69,7 +69,8 @@ struct QueryTree
     bool latestOnly = true;
     /// The query behind the command, trimmed.
     std::string rest;
-    /// What cannot be read is an `Error` leaf. Null for a query that is empty behind the command.
+    /// A piece that cannot be read is an `Error` leaf. Null for a query that is empty behind the
+    /// command.
     std::unique_ptr<QueryNode> root;
     std::vector<IgnoredText> ignored;
 };

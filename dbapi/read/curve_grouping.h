@@ -14,22 +14,25 @@ struct Curve
     int setup = 0;
     /// The value of each parameter of the set, numbers in six digits; empty where it has none.
     std::vector<std::string> parameters;
+    /// The points; both have the same length and no 'no value' in them.
     std::vector<double> x;
     std::vector<double> y;
 };
 
-/// What may tell curves apart.
+/// A quantity that may tell curves apart.
 struct CurveParameter
 {
-    /// A keyword.
+    /// The keyword that was asked for, an input's name, or a builtin keyname ("$DEVNAME").
     std::string name;
+    /// Whether its values are numbers.
     bool isNumber = false;
 };
 
-/// What the numbers along an axis stand for.
+/// The meaning of the numbers along an axis.
 struct CurveAxis
 {
-    /// Of a keyword that holds texts: those that the numbers 0, 1, 2 ... stand for, ascending.
+    /// The texts that the numbers 0, 1, 2 ... stand for, ascending, where the keyword holds texts;
+    /// empty where it holds numbers.
     std::vector<std::string> labels;
     /// Whether the keyword holds complex numbers, of which the magnitudes were taken.
     bool isMagnitude = false;
@@ -38,6 +41,7 @@ struct CurveAxis
 /// Numbers for an axis: those of a column, or the places of its texts. NaN is 'no value'.
 std::vector<double> axis_numbers(dbif::ResultColumn column, CurveAxis* axis);
 
+/// Curves, with the parameters that may tell them apart.
 struct CurveSet
 {
     CurveAxis x;
@@ -45,9 +49,10 @@ struct CurveSet
     /// Whether the points of a curve follow each other in a sweep; otherwise each stands for
     /// itself.
     bool isSwept = false;
+    /// In the order of `Curve::parameters`.
     std::vector<CurveParameter> parameters;
     std::vector<Curve> curves;
-    /// Setups that sweep something else than x and were left out beside those that do sweep it.
+    /// How many setups were left out because they sweep something else than x while others sweep x.
     std::size_t setupsLeftOut = 0;
 };
 

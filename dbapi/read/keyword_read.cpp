@@ -91,7 +91,7 @@ dbif::ColumnRead values_read(dbif::ColumnRead read, bool distinct, SortOrder ord
 {
     const dbif::TableColumn& column = read.columns.front();
     if (!column.isKey()) {
-        // Of a key, the rows that are read have a value anyway.
+        // The rows that are read for a key have a value anyway.
         const DBIF_SingleColumnCondition present(column, NOT_NULL, "0");
         read.condition = dbif::ConditionTree::joined(
             dbif::ConditionTree::Kind::And, {present.tree(false), read.condition});

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-// From keywords to the read of their columns: the road that all calls for values take.
+// From keywords to the read of their columns, for all calls that give values.
 
 namespace dbapi {
 /// The column that each keyword names, in their order, resolved in one step. Throws `FaultError`

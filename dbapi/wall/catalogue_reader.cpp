@@ -4,6 +4,7 @@
 #include "dbapi/key/key_catalogue.h"
 #include "dbapi/key/record_selection.h"
 #include "dbapi/wall/keyword_map.h"
+#include "dbapi/words/database_fault.h"
 #include "dbapi/words/vocabulary.h"
 #include "dbif/connection/transaction_guard.h"
 #include "dbif/host/error_text.h"
@@ -37,9 +38,7 @@ bool dbapi_get_keynames_for_table_as_query_results(
             dbapi::catalogue_statement(tablename, keyTerms, selection.sql), 0, __FILE__, __LINE__);
         return true;
     } catch (const DBIF_Exception& exception) {
-        std::string text;
-        dbapi_build_error_string_from_dbif_exception(exception, &text);
-        dbif::deliver_error(error, text);
+        dbif::deliver_error(error, dbapi::database_fault(exception).text);
         return false;
     }
 }

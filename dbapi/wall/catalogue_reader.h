@@ -10,13 +10,17 @@
 #include <set>
 #include <string>
 
-// Which keys the records of a table have, as the database says. `flag` is the latest-only flag: the
-// records that count are then the latest ones. A condition restricts them further; none leaves all
-// records, old ones too.
+// Which keys the records of a table have, as the database says. The records that count are those
+// that satisfy `condition`, with `flag`, the latest-only flag, without superseded ones. Under a
+// null condition all records count, superseded ones too.
+//
+// `tablename` is one of the seven record tables; die and routine have no keys. Maps and sets are
+// added to, and stay as they were on failure. False on a database error, whose text goes to
+// `error`, or to the standard error stream when that is null. Conditions stay the caller's.
 
-/// Runs the catalogue statement for the key terms of one table; `query` stands before its first
-/// row. False, with the database's error text, when it fails. The table is one of those with keys,
-/// or die or routine, which give no rows.
+/// Runs the statement that lists the keys of a table: name, data type, and category or input flag.
+/// With key terms of that table, only keys that fit one of them are listed. `query` stands before
+/// its first row, and must not outlive the connection.
 bool dbapi_get_keynames_for_table_as_query_results(
     DBIF_Connection& connection,
     QSqlQuery* query,
@@ -26,22 +30,22 @@ bool dbapi_get_keynames_for_table_as_query_results(
     bool flag,
     std::string* error);
 
-/// Adds each row to a preprocessed map (see keyword_map.h).
+/// Adds each row of that statement to a preprocessed map (see keyword_map.h), and leaves `query`
+/// behind its last row.
 void dbapi_update_map_of_keynames_from_query_results(
     const std::string& tablename,
     QSqlQuery& query,
     std::map<std::string, std::set<std::string>>* map);
 
-/// Adds each row to a set: the key name alone for the key format "SHORT", in function form
-/// otherwise.
+/// Adds each row of it to a set: the key name alone for the key format "SHORT", otherwise in
+/// function form, "Key(W,device,DOUBLE,PHYSICAL)".
 void dbapi_get_set_of_keynames_from_query_results(
     const std::string& tablename,
     const std::string& keyFormat,
     QSqlQuery& query,
     std::set<std::string>* set);
 
-// All keys of a table, into a map or a set.
-
+/// Adds all keys of a table to a preprocessed map.
 bool dbapi_get_keynames_for_table_and_update_map(
     DBIF_Connection& connection,
     const DBIF_QueryCondition* condition,
@@ -49,6 +53,7 @@ bool dbapi_get_keynames_for_table_and_update_map(
     std::map<std::string, std::set<std::string>>* map,
     bool flag,
     std::string* error);
+/// Adds all keys of a table to a set, in the key format "SHORT" or "FULL".
 bool dbapi_get_keynames_for_table_as_set(
     DBIF_Connection& connection,
     std::set<std::string>* set,

@@ -4,6 +4,7 @@
 #include "dbapi/read/keyword_read.h"
 #include "dbapi/wall/column_search.h"
 #include "dbapi/wall/condition_builder.h"
+#include "dbapi/words/database_fault.h"
 #include "dbif/host/error_text.h"
 
 #include <tuple>
@@ -52,9 +53,7 @@ bool get_column(
         }
         return column.has_value();
     } catch (const DBIF_Exception& exception) {
-        std::string text;
-        dbapi_build_error_string_from_dbif_exception(exception, &text);
-        dbif::deliver_error(errors, text);
+        dbif::deliver_error(errors, dbapi::database_fault(exception).text);
         return false;
     }
 }
@@ -237,7 +236,7 @@ bool dbapi_find_columns_for_keywords( // NOLINT(readability-function-size)
     } catch (const dbapi::FaultError& error) {
         reason = error.fault().text;
     } catch (const DBIF_Exception& exception) {
-        dbapi_build_error_string_from_dbif_exception(exception, &reason);
+        reason = dbapi::database_fault(exception).text;
     }
     clear();
     dbif::deliver_error(errors, reason);

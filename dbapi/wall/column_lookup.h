@@ -10,17 +10,21 @@
 #include <utility>
 #include <vector>
 
-// From resolved keys to the columns that hold their values.
+// From keywords and resolved keys to the columns that hold their values. No outputs may be null but
+// `errors`, without which texts go to the standard error stream. Connections stay the caller's.
 
 namespace dbapi {
-/// Columns with the position of the keyword that each was found for.
+/// Columns, each with the position of the keyword that it was found for, from 0.
 template <typename Column>
 using PlacedColumns = std::vector<std::pair<unsigned int, QSharedPointer<Column>>>;
 } // namespace dbapi
 
-/// Builds the condition of a query (see condition_builder.h), and finds the column of each keyword,
-/// sorted by table and kind. On failure the condition is deleted, unless it is the cache's own, and
-/// the lists are empty.
+/// Builds the condition of a query string (see condition_builder.h, also for who owns it), and
+/// finds the column of each keyword under it. Each column is added to the list of its table and
+/// kind, so that the lists together have one for each keyword.
+///
+/// False for a query string that is wrong, for the first keyword that names no column, and on a
+/// database error. The lists are then empty, `condition` is null, and a new condition is deleted.
 bool dbapi_find_columns_for_keywords( // NOLINT(readability-function-size): one list per kind
     DBIF_Connection& connection,
     const std::vector<std::string>& keywords,
@@ -42,10 +46,12 @@ bool dbapi_find_columns_for_keywords( // NOLINT(readability-function-size): one 
     dbapi::PlacedColumns<DBIF_FixedColumn<DBIF_Routine>>* routineFixedColumns,
     std::string* errors);
 
-// The column of one resolved key: exactly one of the two results is set on success. False without a
-// text when the table has no such column, and with one on a database error. `condition` is not
-// looked at.
+// The column of one resolved key (see keyword_resolution.h) of a table. Exactly one of the two
+// results is set on success: the fixed column for a fixed category, otherwise the key's column.
+// Both are null on failure: without a text when the table has no such column, and with one on a
+// database error. `condition` is not looked at. Nothing is thrown.
 
+/// A column of catalogue entries; the category of a key is not looked at.
 bool get_column_for_catalog_entry_from_resolved_keyname(
     DBIF_Connection& connection,
     const std::string& keyname,
@@ -55,6 +61,7 @@ bool get_column_for_catalog_entry_from_resolved_keyname(
     QSharedPointer<DBIF_FixedColumn<DBIF_CatalogEntry>>* fixedColumn,
     QSharedPointer<DBIF_CatalogEntryColumn>* column,
     std::string* errors);
+/// A column of devices; without a category, the six are tried in their order.
 bool get_column_for_device_from_resolved_keyname(
     DBIF_Connection& connection,
     const std::string& keyname,
@@ -64,6 +71,7 @@ bool get_column_for_device_from_resolved_keyname(
     QSharedPointer<DBIF_FixedColumn<DBIF_Device>>* fixedColumn,
     QSharedPointer<DBIF_DeviceColumn>* column,
     std::string* errors);
+/// A column of dies, which have fixed columns only.
 bool get_column_for_die_from_resolved_keyname(
     DBIF_Connection& connection,
     const std::string& keyname,
@@ -71,6 +79,7 @@ bool get_column_for_die_from_resolved_keyname(
     DBIF_QueryCondition* condition,
     QSharedPointer<DBIF_FixedColumn<DBIF_Die>>* fixedColumn,
     std::string* errors);
+/// A column of measurements; the category of a key is not looked at.
 bool get_column_for_measurement_from_resolved_keyname(
     DBIF_Connection& connection,
     const std::string& keyname,
@@ -80,6 +89,7 @@ bool get_column_for_measurement_from_resolved_keyname(
     QSharedPointer<DBIF_FixedColumn<DBIF_Measurement>>* fixedColumn,
     QSharedPointer<DBIF_MeasurementColumn>* column,
     std::string* errors);
+/// A column of measurement conditions; the category is taken as it is.
 bool get_column_for_measurement_condition_from_resolved_keyname(
     DBIF_Connection& connection,
     const std::string& keyname,
@@ -89,6 +99,7 @@ bool get_column_for_measurement_condition_from_resolved_keyname(
     QSharedPointer<DBIF_FixedColumn<DBIF_MeasurementCondition>>* fixedColumn,
     QSharedPointer<DBIF_MeasurementConditionColumn>* column,
     std::string* errors);
+/// A column of routines, which have fixed columns only.
 bool get_column_for_routine_from_resolved_keyname(
     DBIF_Connection& connection,
     const std::string& keyname,
@@ -96,6 +107,7 @@ bool get_column_for_routine_from_resolved_keyname(
     DBIF_QueryCondition* condition,
     QSharedPointer<DBIF_FixedColumn<DBIF_Routine>>* fixedColumn,
     std::string* errors);
+/// A column of setups; without a direction, inputs come before outputs.
 bool get_column_for_setup_from_resolved_keyname(
     DBIF_Connection& connection,
     const std::string& keyname,

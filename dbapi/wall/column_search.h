@@ -11,11 +11,18 @@
 #include <string>
 #include <vector>
 
-// The searches for the column of a stored key. There are three because keys are told apart by data
-// type alone, by category and data type, or by data type and direction. Each sets `result` and
-// returns true when the key exists; a data type that is none of the four finds nothing. In the form
-// without a data type the first that exists wins, in the order text, double, complex number,
-// complex matrix. They throw `DBIF_Exception` on a database error.
+// The searches for the column of a stored key, by name and by what else tells the keys of a table
+// apart:
+//
+//  - `searchForColumn`: the data type (catalogue entries, measurements);
+//  - `searchForColumn2`: category and data type (devices, measurement conditions);
+//  - `searchForColumn3`: data type and direction (setups).
+//
+// Each sets `result`, which must not be null, and returns true when the key exists; otherwise
+// `result` stays. A data type that is none of the four finds nothing. In the form without a data
+// type the first that exists wins, in the order text, double, complex number, complex matrix. Names
+// are compared with letter case. The definitions of keys are kept with the connection, so that
+// mostly no statement runs; `DBIF_Exception` is thrown on a database error.
 
 namespace dbapi {
 /// The four data types, in the order in which a key given without one is looked for.
@@ -42,6 +49,8 @@ bool search_datatypes(
 
 // NOLINTBEGIN(readability-identifier-naming): published names.
 
+/// The key of a name and data type; `T` is the class of the column, such as
+/// `DBIF_MeasurementColumn`.
 template <typename T>
 bool searchForColumn(
     DBIF_Connection& connection,
@@ -54,6 +63,7 @@ bool searchForColumn(
         [&](const QString& d) { return T::computeKey(dbif::to_qt(name.str()), d); }, result);
 }
 
+/// The key of a name, of whichever data type.
 template <typename T>
 bool searchForColumn(DBIF_Connection& connection, const KTString& name, QSharedPointer<T>* result)
 {
@@ -62,6 +72,7 @@ bool searchForColumn(DBIF_Connection& connection, const KTString& name, QSharedP
         [&](const QString& d) { return T::computeKey(dbif::to_qt(name.str()), d); }, result);
 }
 
+/// The key of a name, category and data type. The category is in short form and may be empty.
 template <typename T>
 bool searchForColumn2(
     DBIF_Connection& connection,
@@ -78,6 +89,7 @@ bool searchForColumn2(
         result);
 }
 
+/// The key of a name and category, of whichever data type.
 template <typename T>
 bool searchForColumn2(
     DBIF_Connection& connection,
@@ -93,6 +105,7 @@ bool searchForColumn2(
         result);
 }
 
+/// The key of a name, data type and direction: an input of setups, or an output.
 template <typename T>
 bool searchForColumn3(
     DBIF_Connection& connection,
@@ -107,6 +120,7 @@ bool searchForColumn3(
         result);
 }
 
+/// The key of a name and direction, of whichever data type.
 template <typename T>
 bool searchForColumn3(
     DBIF_Connection& connection,

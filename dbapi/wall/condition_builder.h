@@ -6,7 +6,8 @@
 #include <string>
 
 /// Turns a query string into a condition, and sets `latestOnly`: true unless the query begins with
-/// "ALLDATA:". An empty query gives the true condition.
+/// "ALLDATA:". An empty query gives the true condition. docs/query-strings.md describes the
+/// grammar.
 ///
 /// The condition is the cache's own when the cache holds one for this connection and query (see
 /// `dbapi_is_using_cached_query_condition_object`); otherwise the caller owns it. False on failure:

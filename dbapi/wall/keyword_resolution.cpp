@@ -2,6 +2,7 @@
 
 #include "dbapi/key/key_catalogue.h"
 #include "dbapi/key/key_resolution.h"
+#include "dbapi/words/database_fault.h"
 #include "dbif/host/error_text.h"
 #include "dbif/host/host_string.h"
 
@@ -38,9 +39,7 @@ bool dbapi_resolve_set_of_keywords(
             add_keyword_to_map2(key.name, key.table, key.attributes, &found);
         }
     } catch (const DBIF_Exception& exception) {
-        std::string text;
-        dbapi_build_error_string_from_dbif_exception(exception, &text);
-        dbif::deliver_error(error, text);
+        dbif::deliver_error(error, dbapi::database_fault(exception).text);
         return false;
     }
     *map = std::move(found);

@@ -6,8 +6,9 @@
 #include <set>
 #include <string>
 
-// The two stages of resolving a keyword that ask no database. Outputs stay empty on failure; the
-// error text goes to `error`, or to the standard error stream when that is null.
+// The two stages of resolving a keyword (see keyword_resolution.h) that ask no database. Outputs
+// must not be null, and are empty after a failure; the text goes to `error`, or to the standard
+// error stream when that is null.
 
 /// First stage: the names by which the catalogue is asked. Splits the keyword, and replaces a
 /// builtin keyname by the column and table that it stands for; its attribute string is
@@ -33,7 +34,7 @@ bool dbapi_extract_resolved_db_names_for_keyword_from_preprocessed_map(
 
 namespace dbapi {
 /// Marks, while it lives, that a keyword is being resolved. Marks nest; the outermost one sets and
-/// clears the state of the process.
+/// clears the state of the process, which belongs to one thread.
 class ResolutionMark
 {
     Q_DISABLE_COPY_MOVE(ResolutionMark)
@@ -42,6 +43,7 @@ public:
     ResolutionMark();
     ~ResolutionMark();
 
+    /// Whether one lives.
     [[nodiscard]] static bool is_resolving();
 
 private:

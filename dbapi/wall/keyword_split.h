@@ -2,7 +2,8 @@
 
 #include <string>
 
-// The parts of a keyword as texts; see dbapi/words/keyword_parts.h for the three forms.
+// The parts of a keyword as texts. docs/keywords.md describes the forms of keywords. Texts are
+// UTF-8, pointers must not be null, and no database is asked.
 
 /// Splits a keyword into its parts. Key names keep their letter case; the table becomes the
 /// schema's table name or stays empty; the attributes are an attribute string in short names (see

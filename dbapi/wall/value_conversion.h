@@ -4,11 +4,10 @@
 
 #include <string>
 
-/// Rewrites the numbers of a query value, one or several separated by commas, in their canonical
-/// decimal form, joined by
-/// ", ". Numbers are read in engineering notation; one in single quotes is written in quotes. Text
-/// that has only characters of numbers but is none, such as "1..2", becomes "nan", which the
-/// condition refuses.
+/// Rewrites the numbers of a query value, one or several between commas, in their canonical decimal
+/// form, with a comma and a blank between them: "1u,2.5m" becomes "1e-06, 0.0025". Numbers are read
+/// in engineering notation; one in single quotes is written in quotes. A text that has only
+/// characters of numbers but is none, such as "1..2", becomes "nan", which the condition refuses.
 ///
 /// `expectedCount` is how many numbers there must be; below 1, any number of them. On failure the
 /// result is false, `converted` empty and `errors` one message. `converted` may be `value` itself;

@@ -56,7 +56,7 @@ const std::map<std::string, std::string>& builtins()
     return table;
 }
 
-/// What a builtin keyname stands for.
+/// The column that a builtin keyname stands for.
 struct Builtin
 {
     std::string column;

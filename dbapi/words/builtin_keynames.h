@@ -9,7 +9,7 @@
 // blanks, but not before trailing ones. None of these functions fails.
 
 /// Whether the keyword is a builtin keyname, and the column and table that it stands for (empty
-/// when it is none).
+/// when it is none). Both outputs may be null.
 bool dbapi_is_vanto_builtin_keyname(
     const std::string& keyword,
     std::string* keyname,
@@ -37,5 +37,6 @@ std::set<std::string> dynamic_builtin_keywords();
 
 /// Replaces the content of `keynames` by all builtin keynames. Always true.
 bool db_get_builtin_keynames(std::set<std::string>* keynames);
+/// Whether the keyword is a builtin keyname.
 bool db_is_vanto_builtin_keyname(const std::string& keyword);
 } // namespace dbapi

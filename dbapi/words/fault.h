@@ -32,22 +32,22 @@ struct Fault
         Database           ///< a statement that the database refused, or damaged data
     };
 
-    /// What `position` counts in.
+    /// In which argument of the call the faulty place is.
     enum class Where { Nowhere, Query, Keyword };
 
     Kind kind = Kind::Database;
     /// The whole message, in UTF-8, as the call hands it out.
     std::string text;
     Where where = Where::Nowhere;
-    /// The query string or keyword as the caller gave it, and the faulty bytes in it. Nothing is
-    /// faulty but missing where `length` is 0.
+    /// The query string or keyword as the caller gave it, and the place of the faulty bytes in it.
+    /// A `length` of 0 means that something is missing there.
     std::string source;
     std::size_t position = 0;
     std::size_t length = 0;
-    /// Of `AmbiguousKey`: the keys that agree, as keywords in function form.
+    /// For `AmbiguousKey` the keys that agree, as keywords in function form; otherwise empty.
     std::vector<std::string> candidates;
 
-    /// The faulty bytes.
+    /// The faulty bytes. They live as long as this object.
     [[nodiscard]] std::string_view piece() const
     {
         return std::string_view(source).substr(position, length);

@@ -27,7 +27,7 @@ struct KeyAttributes
 /// Splits an attribute string ("PHYSICAL|DOUBLE", "|DOUBLE", "IN") at its first "|".
 KeyAttributes split_attributes(const std::string& attributes);
 
-/// What a keyword says of the key that it names. What it leaves open is empty.
+/// The parts of a keyword. Those that it leaves open are empty.
 struct KeywordParts
 {
     /// As written.

@@ -16,7 +16,7 @@ constexpr const char* kOtherCommands =
     "Other unknown and invalid query condition commands were found after the \"ALLDATA\" command and before the "
     "preceding colon.\n";
 
-/// What is wrong with the command's place at `command` with the colon at `colon`; empty when
+/// The message for the command's place at `command` with the colon at `colon`; empty when
 /// nothing is.
 std::string find_complaint(std::string_view query, std::size_t command, std::size_t colon)
 {
