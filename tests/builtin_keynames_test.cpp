@@ -33,23 +33,6 @@ std::string convert_set(const std::vector<std::string>& fields)
 }
 } // namespace
 
-TEST(BuiltinKeynames, AreExactlyTheListedOnesInBothDirections)
-{
-    std::map<std::string, std::string> forward;
-    std::map<std::string, std::string> reverse;
-    std::set<std::string> names;
-    for (const Case& one : read_cases(kFile, "builtin keynames", 2)) {
-        forward.emplace(one.fields[0], one.fields[1]);
-        reverse.emplace(dbapi::normalised(one.fields[1]), one.fields[0]);
-        names.insert(one.fields[0]);
-    }
-    EXPECT_EQ(dbapi::build_builtin_keywords(false), forward);
-    EXPECT_EQ(dbapi::build_builtin_keywords(true), reverse);
-    std::set<std::string> given{"left over"};
-    dbapi::db_get_builtin_keynames(&given);
-    EXPECT_EQ(given, names);
-}
-
 TEST(BuiltinKeynames, AreFoundInAnyLetterCaseAndConvertedBack)
 {
     check_cases(kFile, "builtin look-up", 1, look_up);

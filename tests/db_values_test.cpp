@@ -182,6 +182,18 @@ TEST_P(DbValues, SayWhatIsWrong)
         invalid +
             "W=x\".\nError(s) reported: \nQuery String Syntax Error: The specified query value \"'x'\" "
             "contains a value string \"x\" which could not be parsed as a real double value.\n");
+    EXPECT_EQ(
+        values_of("W", "$LOT!='a"),
+        invalid +
+            "$LOT!='a\".\nError(s) reported: \nQuery string \"$LOT!='a\" has an invalid value "
+            "specified.\nThe term: \"$LOT\"'s specified value: \"'a\" after the NOT EQUALS operator, "
+            "has a mismatched single quote ' character.\n");
+    EXPECT_EQ(
+        values_of("W", "W=[1]"),
+        invalid +
+            "W=[1]\".\nError(s) reported: \nQuery string \"W=[1]\" has an invalid '=[Min,Max]' value "
+            "specifier.\nThe term: \"W\"'s specified '=[Min,Max]' value \"[1]\", requires a declared "
+            "Min and Max value seperated by a comma ','.\n");
     EXPECT_NE(values_of("W", "$DEVDBID=one").find("device.id"), std::string::npos);
     EXPECT_NE(values_of("W", "W=1..2").find("is not a number"), std::string::npos);
     EXPECT_EQ(values_of("W", "Key(name,die,,FIXED)=1").substr(0, invalid.size()), invalid);

@@ -1,3 +1,5 @@
+#include "dbapi/words/builtin_keynames.h"
+#include "dbapi/words/vocabulary.h"
 #include "dbif/host/host_string.h"
 
 #include "tests/support/command_fixture.h"
@@ -7,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+#include <set>
 #include <sstream>
 
 namespace {
@@ -120,5 +124,90 @@ TEST(Documents, ShowWhatTheCommandWrites)
             EXPECT_EQ(as_far_as(output, written), output) << document << ": " << shown.command;
         }
     }
+}
+
+/// The headers that a program may include and those that the page tells of are the same.
+TEST(Documents, TellOfEveryPublishedHeader)
+{
+    const std::string root = DOCUMENTS_DIRECTORY;
+    std::set<std::string> published;
+    std::istringstream lines(read_file(root + "/cmake/published_headers.txt"));
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.empty() && line.front() != '#') {
+            published.insert(line.substr(0, line.find(' ')));
+        }
+    }
+    std::set<std::string> told;
+    const QRegularExpression header(QStringLiteral("`([a-z_]+/[a-z_]+\\.h)`"));
+    auto found = header.globalMatch(dbif::to_qt(read_file(root + "/docs/published.md")));
+    while (found.hasNext()) {
+        told.insert(dbif::to_utf8(found.next().captured(1)));
+    }
+    EXPECT_EQ(told, published);
+}
+
+/// The cells of the table rows of a document, trimmed, from a heading to the next one.
+std::vector<std::vector<std::string>> table_under(const std::string& heading)
+{
+    std::vector<std::vector<std::string>> rows;
+    std::istringstream lines(read_file(std::string(DOCUMENTS_DIRECTORY) + "/docs/keywords.md"));
+    bool isUnder = false;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with("## ")) {
+            isUnder = line == "## " + heading;
+        } else if (isUnder && line.starts_with("| ")) {
+            rows.emplace_back();
+            std::istringstream cells(line.substr(1));
+            for (std::string cell; std::getline(cells, cell, '|');) {
+                rows.back().push_back(dbif::trimmed(cell));
+            }
+        }
+    }
+    return rows;
+}
+
+/// The texts in a cell that stand between backticks.
+std::vector<std::string> words_in(const std::string& cell)
+{
+    std::vector<std::string> words;
+    for (std::size_t begin = cell.find('`'); begin != std::string::npos;) {
+        const std::size_t end = cell.find('`', begin + 1);
+        words.push_back(cell.substr(begin + 1, end - begin - 1));
+        begin = cell.find('`', end + 1);
+    }
+    return words;
+}
+
+/// The page on keywords tells of every spelling of a table and of every builtin keyname, and the
+/// library knows no others.
+TEST(Documents, TellOfEveryWordOfKeywords)
+{
+    const std::map<std::string, std::string> datatypes{
+        {"D", "DOUBLE"}, {"S", "TEXT"}, {"X", "COMPLEX"}, {"M", "MATRIX"}};
+    std::map<std::string, std::pair<std::string, std::string>> spellings;
+    for (const std::vector<std::string>& row : table_under("Tables")) {
+        const std::string category = row[2] == "an input"    ? "IN"
+                                     : row[2] == "an output" ? "OUT"
+                                                             : row[2].substr(row[2].find(' ') + 1);
+        for (const std::string& word : words_in(row[0])) {
+            spellings[word] = {row[1], category};
+            for (const auto& [letter, datatype] : datatypes) {
+                if (word.size() <= 4 && word != "DIE") {
+                    spellings[word + letter] = {row[1], category + "|" + datatype};
+                }
+            }
+        }
+    }
+    EXPECT_EQ(dbapi::build_tablenames_vocabulary(), spellings);
+
+    std::map<std::string, std::string> columns;
+    for (const std::vector<std::string>& row : table_under("Builtin keynames")) {
+        for (std::size_t i = 0; i + 1 < row.size(); i += 2) {
+            for (const std::string& builtin : words_in(row[i])) {
+                columns[builtin] = row[i + 1];
+            }
+        }
+    }
+    EXPECT_EQ(dbapi::build_builtin_keywords(false), columns);
 }
 } // namespace

@@ -1,4 +1,3 @@
-#include "dbapi/key/key_term.h"
 #include "dbapi/wall/keyword_map.h"
 #include "dbapi/wall/keyword_match.h"
 #include "dbapi/wall/keyword_resolution_stages.h"
@@ -8,8 +7,6 @@
 #include "tests/support/case_table.h"
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
 
 namespace {
 const std::string kFile = "keywords.case";
@@ -122,15 +119,4 @@ TEST(KeywordMap, TextMapSplitsWhatItFinds)
     EXPECT_TRUE(
         dbapi_is_keyword_in_map(map, " VGS", &names.keyname, &names.tablename, &names.attributes));
     EXPECT_EQ(names.keyname + names.tablename + names.attributes, "VgssetupIN|DOUBLE");
-}
-
-TEST(KeyTerm, IsOrderedByItsTextsInOrder)
-{
-    const std::vector<dbapiKeyTermC> ascending{{"B", "z", "z", "z"}, {"a", "a", "z", "z"},
-                                               {"a", "b", "a", "z"}, {"a", "b", "b", "a"},
-                                               {"a", "b", "b", "b"}, {"\xc3\xa4", "", "", ""}};
-    std::set<dbapiKeyTermC> terms(ascending.rbegin(), ascending.rend());
-    terms.insert(ascending.begin(), ascending.end());
-    EXPECT_TRUE(std::equal(terms.begin(), terms.end(), ascending.begin(), ascending.end()));
-    EXPECT_FALSE(ascending[3] == ascending[4]);
 }

@@ -72,12 +72,3 @@ TEST(ValueList, SplitsListsAndRanges)
                                                                  : minimum + "invalid" + maximum;
     });
 }
-
-TEST(ValueList, WordsItsFaults)
-{
-    check_cases(kFile, "messages", 1, [](const auto& fields) {
-        return fields[0] == "range" ? dbapi::invalid_range_message("x=v", "x", "v")
-                                    : dbapi::mismatched_quote_message(
-                                          "x=v", "x", "v", fields[0] == "=" ? EQUAL : NOT_EQUAL);
-    });
-}

@@ -68,25 +68,6 @@ std::string run_function(const std::vector<std::string>& fields)
 }
 } // namespace
 
-TEST(Vocabulary, HoldsExactlyTheListedSpellings)
-{
-    std::map<std::string, std::pair<std::string, std::string>> tablenames;
-    for (const Case& one : read_cases(kFile, "tablenames", 3)) {
-        tablenames.emplace(one.fields[0], std::pair(one.fields[1], one.fields[2]));
-    }
-    EXPECT_EQ(dbapi::build_tablenames_vocabulary(), tablenames);
-
-    const auto words = [](const std::string& section) {
-        std::map<std::string, std::string> vocabulary;
-        for (const Case& one : read_cases(kFile, section, 2)) {
-            vocabulary.emplace(one.fields[0], one.fields[1]);
-        }
-        return vocabulary;
-    };
-    EXPECT_EQ(dbapi::build_categories_vocabulary(), words("categories"));
-    EXPECT_EQ(dbapi::build_datatypes_vocabulary(), words("datatypes"));
-}
-
 TEST(Vocabulary, LooksUpAndConverts)
 {
     check_cases(kFile, "functions", 2, run_function);
