@@ -1,14 +1,14 @@
 #!/bin/bash
 # The command line tool on the shipped measurements, from an empty database to the first answers.
 # Run from the root of the tree with the directory of the `dbapi` command in PATH: `./setup demo` does both.
-# Everything it writes stands in demo/, which each run makes anew.
+# It writes into demo/ only, which each run deletes first.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 bold='' plain=''
 if [ -t 1 ] && [ -z "${NO_COLOR:-}" ]; then bold=$'\e[1m' plain=$'\e[0m'; fi
 
-# Says what comes ($1), shows the command line ($2) as one would type it, and runs it.
+# Prints a comment ($1), shows the command line ($2) as one would type it, and runs it.
 show() {
     printf '\n%s\n%s$ %s%s\n' "# $1" "$bold" "$2" "$plain"
     eval "$2"
@@ -18,7 +18,7 @@ rm -rf demo
 mkdir -p demo/connections
 export VANTO_DB_CONNECTIONS_DIRECTORY=$PWD/demo/connections
 
-show 'Name a database; an SQLite file is made where there is none.' \
+show 'Store a connection under a name; the SQLite file is created if there is none.' \
     'dbapi connection add demo --sqlite demo/measurements.db'
 show 'Read the shipped sweeps of transistors and diodes into it.' \
     'dbapi import demo examples/measurements'

@@ -110,7 +110,7 @@ TEST_F(Command, ExplainsWrongUse)
     };
 
     const std::vector<WrongUse> uses{
-        {{}, 2, "dbapi: say what to do: dbapi COMMAND.\nSee: dbapi --help\n"},
+        {{}, 2, "dbapi: a command is missing: dbapi COMMAND.\nSee: dbapi --help\n"},
         {{"valeus", "lab", "W"},
          2,
          "dbapi: there is no command \"valeus\". Did you mean values?\nSee: dbapi --help\n"},
@@ -132,7 +132,7 @@ TEST_F(Command, ExplainsWrongUse)
          "dbapi: --query is given more than once. Give it once.\nSee: dbapi values --help\n"},
         {{"values", "lab", "W", "--count", "--limit", "5"},
          2,
-         "dbapi: --limit and --count do not go together. Leave one out.\n"
+         "dbapi: --limit and --count cannot be combined. Leave one out.\n"
          "See: dbapi values --help\n"},
         {{"values", "lab", "W", "--limit", "-1"},
          2,
@@ -164,7 +164,7 @@ TEST_F(Command, ExplainsWrongUse)
          "See: dbapi values --help\n"},
         {{"connection", "list", "lab"},
          2,
-         "dbapi: the argument \"lab\" is one too many.\nSee: dbapi connection list --help\n"},
+         "dbapi: the argument \"lab\" is not expected.\nSee: dbapi connection list --help\n"},
         {{"connection", "manage"},
          2,
          "dbapi: there is no display to show a window on. Use dbapi connection add, list, test and "

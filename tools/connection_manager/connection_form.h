@@ -26,7 +26,7 @@ public:
     void setRecord(const DbuiConnection& record);
     /// Another program has stored a connection of this name.
     void addTakenName(const std::string& name);
-    /// What is typed, without blanks around it; only the fields that the kind of database has.
+    /// The typed texts, without blanks around them; only the fields that the kind of database has.
     [[nodiscard]] DbuiConnection record() const;
     /// Whether nothing is missing or wrong.
     [[nodiscard]] bool isComplete() const;

@@ -111,7 +111,7 @@ void DiagnosisView::render(const QString& heading)
                        .arg(heading.toHtmlEscaped());
     bool hasFailed = false;
     for (const dbui::DiagnosisStep& step : steps_) {
-        // What comes after a failure needs no words.
+        // The steps after a failure need no words.
         const bool isEmpty = hasFailed && step.outcome == Outcome::Skipped;
         QString found = isEmpty ? QString() : html(step.detail);
         hasFailed = hasFailed || step.outcome == Outcome::Failed;

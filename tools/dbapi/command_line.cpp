@@ -58,7 +58,7 @@ std::set<std::string> option_names(const CLI::App& command)
     return names;
 }
 
-/// What is wrong with an argument that a command does not know.
+/// The message for an argument that a command does not know.
 std::string unknown_argument(const CLI::App& command, const std::string& argument)
 {
     if (argument.starts_with('-')) {
@@ -71,19 +71,19 @@ std::string unknown_argument(const CLI::App& command, const std::string& argumen
         known.insert(subcommand->get_name());
     }
     if (known.empty()) {
-        return "the argument " + dbapi::quoted(argument) + " is one too many.";
+        return "the argument " + dbapi::quoted(argument) + " is not expected.";
     }
     return "there is no command " + dbapi::quoted(argument) + "." +
            suggestion(nearest_texts(argument, known, 2));
 }
 
-/// What the parser calls an option in the message of an error: all before the words.
+/// The name of an option in a message of the parser: all before the given words.
 std::string named_before(const std::string& message, const std::string& words)
 {
     return message.substr(0, message.find(words));
 }
 
-/// What the parser's message says in words of its own, said in those of this program.
+/// The message of the parser in the words of this program.
 std::string argument_fault(const CLI::App& command, const CLI::ParseError& error)
 {
     const std::string message = error.what();
@@ -103,12 +103,12 @@ std::string argument_fault(const CLI::App& command, const CLI::ParseError& error
         return name + " is given more than once. Give it once.";
     } else if (dynamic_cast<const CLI::RequiresError*>(&error) != nullptr) {
         const std::string first = named_before(message, " requires ");
-        return first + " goes only together with " +
-               message.substr(first.size() + std::string(" requires ").size()) + ".";
+        return first + " needs " + message.substr(first.size() + std::string(" requires ").size()) +
+               ".";
     } else if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
         const std::string first = named_before(message, " excludes ");
         return first + " and " + message.substr(first.size() + std::string(" excludes ").size()) +
-               " do not go together. Leave one out.";
+               " cannot be combined. Leave one out.";
     } else if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
         return "an option has a value that it does not take. " + message + ".";
     }
@@ -174,7 +174,8 @@ private:
             return known.front();
         }
         CLI::App* added =
-            app_.add_subcommand(name, "Name databases; list, test, manage and forget them")
+            app_.add_subcommand(
+                    name, "Store connections to databases; list, test, manage and remove them")
                 ->group(kCommands);
         added->require_subcommand(1);
         return added;
@@ -194,7 +195,7 @@ private:
         if (!unknown.empty()) {
             text = unknown_argument(*command, unknown.front());
         } else if (command->get_require_subcommand_min() > 0) {
-            text = "say what to do: " + name + " COMMAND.";
+            text = "a command is missing: " + name + " COMMAND.";
         }
         return text + "\nSee: " + name + " --help";
     }

@@ -5,7 +5,7 @@
 #include <utility>
 
 namespace dbapi::tool {
-/// What the command ends with, for scripts to tell.
+/// The exit status of the command, by which scripts tell failures apart.
 enum class ExitCode {
     Done = 0,
     NothingFound = 1,

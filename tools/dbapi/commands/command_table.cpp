@@ -10,7 +10,8 @@ std::span<const Command> commands()
 {
     static constexpr std::array kCommands{
         Command{
-            "connection add", "Give a database a name, and create it where there is none",
+            "connection add",
+            "Store a connection under a name; create the database if there is none",
             "dbapi connection add lab --sqlite lab.db", declare_connection_add},
         Command{
             "connection list", "List the stored connections", "dbapi connection list",
@@ -22,22 +23,22 @@ std::span<const Command> commands()
             "connection rename", "Give a stored connection another name",
             "dbapi connection rename lab old-lab", declare_connection_rename},
         Command{
-            "connection remove", "Forget a stored connection; its database stays",
+            "connection remove", "Remove a stored connection; its database stays",
             "dbapi connection remove lab", declare_connection_remove},
         Command{
             "connection manage", "Open the window that manages connections",
             "dbapi connection manage", declare_connection_manage},
         Command{
-            "import", "Read files of annotated CSV into a database, all or none",
+            "import", "Import files of annotated CSV into a database, all of them or none",
             "dbapi import lab sweeps/ more.csv", declare_import},
         Command{
-            "copy", "Copy records with their history into another database, and compare",
+            "copy", "Copy records with their history into another database, and verify the copy",
             "dbapi copy lab backup -q '$LOT=S130'", declare_copy},
         Command{
-            "values", "Show what is stored under keywords",
+            "values", "Show the values of keywords",
             "dbapi values lab '$DEVNAME' W -q 'W=[1u,5u];$TEMP=25' --distinct", declare_values},
         Command{
-            "explain", "Show how a read is understood and run, and what leaves nothing",
+            "explain", "Show how a read is understood and run, and why it finds nothing",
             "dbapi explain lab IND.VG OUTD.ID -q 'W=5u;IND.VG=[0.6,0.7]'", declare_explain},
         Command{
             "keys", "List the keys that the records of a table have",
@@ -49,8 +50,7 @@ std::span<const Command> commands()
             "record", "Show the values of a keyword for one record",
             "dbapi record lab measurement 42 OUTD.ID", declare_record},
         Command{
-            "setup", "Show a setup whole, all keys side by side", "dbapi setup lab 7",
-            declare_setup},
+            "setup", "Show all keys of a setup side by side", "dbapi setup lab 7", declare_setup},
         Command{
             "header", "Show the data header of one of a setup's keys", "dbapi header lab 7 VG",
             declare_header},

@@ -91,7 +91,7 @@ void check_options(const AddOptions& options)
     }
 }
 
-/// What keeps the list of connections from being written comes first: the rest was not tried then.
+/// Tells first why the list of connections cannot be written: nothing else was tried then.
 [[noreturn]] void throw_failure(const std::string& errors, const std::string& advice)
 {
     const std::string fault = dbui::fault_of_saving();
@@ -120,7 +120,7 @@ std::string advice_for_server(const AddOptions& options, const std::string& pass
         {"", "QMYSQL", options.host, options.port, options.database, options.user, password});
 }
 
-/// What to do about a file that SQLite does not open.
+/// The advice for a file that SQLite does not open.
 std::string advice_for_file(const std::string& file)
 {
     if (std::error_code ignored; !std::filesystem::exists(file, ignored)) {
@@ -161,7 +161,7 @@ ExitCode add_connection(const AddOptions& options)
 CommandRunner declare_connection_add(CLI::App& arguments)
 {
     const auto options = std::make_shared<AddOptions>();
-    arguments.add_option("NAME", options->name, "the name to call it by")->required();
+    arguments.add_option("NAME", options->name, "the name of the connection")->required();
     CLI::Option* sqlite =
         arguments.add_option("--sqlite", options->file, "an SQLite file")->type_name("FILE");
     CLI::Option* mysql =

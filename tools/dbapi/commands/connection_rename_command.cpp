@@ -48,7 +48,7 @@ CommandRunner declare_connection_rename(CLI::App& arguments)
 {
     const auto options = std::make_shared<RenameOptions>();
     arguments.add_option("NAME", options->name, "a stored connection")->required();
-    arguments.add_option("NEWNAME", options->newName, "what it is to be called")->required();
+    arguments.add_option("NEWNAME", options->newName, "the new name")->required();
     return [options] {
         return rename_connection(*options);
     };

@@ -46,7 +46,7 @@ ExitCode show_explanation(const ExplainOptions& options)
     if (request.keywords.empty() && request.query.empty()) {
         throw CommandFailure(
             ExitCode::WrongUsage,
-            "say what to explain: keywords, a query (-q), or both.\nSee: dbapi explain --help");
+            "there is nothing to explain: give keywords, a query (-q), or both.\nSee: dbapi explain --help");
     }
     stored_connection(request.connection);
     Explanation explanation;
@@ -78,7 +78,7 @@ CommandRunner declare_explain(CLI::App& arguments)
     add_format_option(
         arguments, {"text", "json"},
         [options](std::size_t choice) { options->format = static_cast<ExplainFormat>(choice); },
-        "how to write it (text)");
+        "the format of the output (text)");
     return [options] {
         return show_explanation(*options);
     };

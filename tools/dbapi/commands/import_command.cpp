@@ -176,7 +176,8 @@ CommandRunner declare_import(CLI::App& arguments)
             "PATH", given->paths, "a file, or a folder for all *.csv in it; one catalogue entry")
         ->required();
     arguments.add_flag(
-        "--allow-anonymous", given->options.allowsAnonymous, "take files that name no device, too");
+        "--allow-anonymous", given->options.allowsAnonymous,
+        "import also files that name no device");
     return [given] {
         return import_paths(*given);
     };

@@ -105,7 +105,8 @@ CommandRunner declare_keys(CLI::App& arguments)
     add_connection_argument(arguments, &options->request.connection);
     add_table_argument(arguments, &options->table);
     arguments.add_flag("--short", options->isShort, "the key names alone");
-    add_query_option(arguments, &options->request.query, "keys of the records that fit it");
+    add_query_option(
+        arguments, &options->request.query, "only keys of the records that it selects");
     add_output_options(arguments, &options->output);
     arguments.footer(
         arguments.get_footer() +

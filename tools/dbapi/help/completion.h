@@ -8,8 +8,8 @@ class App;
 }
 
 namespace dbapi::tool {
-/// What may stand in the place of the last word of a command line, whose other words stand before
-/// it without the program's name: commands, options, formats, stored connections, tables, and keys
+/// The words that may stand in the place of the last one of a command line (without the program's
+/// name): commands, options, formats, stored connections, tables, and keys
 /// of the connection and table that were typed. As texts, without quotes; none where a file is
 /// wanted, or anything.
 std::vector<std::string>

@@ -6,8 +6,8 @@
 
 namespace dbapi::tool {
 namespace {
-// What can be typed is asked of the program itself, so that no script lags behind it. It gives the
-// words quoted for the shell, which all three read alike.
+// The scripts ask the program itself for what can be typed, so that no script lags behind it. It
+// gives the words quoted for the shell, which all three read alike.
 
 constexpr std::string_view kBashScript = R"(# Completion of the command dbapi for bash.
 # For this shell alone: source <(dbapi completion bash)

@@ -9,7 +9,7 @@ constexpr std::string_view kPlain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQ
 
 bool is_plain(char letter)
 {
-    // What is not ASCII is part of a longer letter, which no shell minds.
+    // A byte that is not ASCII is part of a longer letter, which no shell treats specially.
     return static_cast<unsigned char>(letter) >= 0x80 ||
            kPlain.find(letter) != std::string_view::npos;
 }

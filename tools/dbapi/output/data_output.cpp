@@ -288,12 +288,12 @@ void add_output_options(CLI::App& arguments, OutputOptions* options)
     add_format_option(
         arguments, {"table", "csv", "tsv", "json", "jsonl", "lines"},
         [options](std::size_t choice) { options->format = static_cast<Format>(choice); },
-        "how to write it (as the file's name ends; else table on a terminal, csv elsewhere)");
+        "the format of the output (default: by the ending of FILE, else table on a terminal and csv elsewhere)");
     arguments.add_flag("--all", options->all, "show every row of a table on a terminal");
     CLI::Option* limit = add_number_option(
         arguments, "--limit", [options](std::size_t rows) { options->limit = rows; },
         "write the first N rows only");
-    arguments.add_flag("--count", options->isCount, "write only how many rows there are")
+    arguments.add_flag("--count", options->isCount, "write only the number of rows")
         ->excludes(limit);
     arguments.add_option("-o,--output", options->file, "write into FILE instead")
         ->type_name("FILE");

@@ -9,8 +9,8 @@ namespace dbapi::tool {
 /// One column of data, as text.
 struct DataColumn
 {
-    /// What the texts are: words of the program, texts of a database, or its numbers, of both of
-    /// which an empty one is 'no value'.
+    /// The origin of the texts: words of the program, texts of a database, or its numbers. An empty
+    /// one of the last two is 'no value'.
     enum class Content { Words, Texts, Numbers };
 
     std::string heading;

@@ -80,7 +80,7 @@ public:
         return table;
     }
 
-    /// What the columns mean.
+    /// The meaning of the columns.
     [[nodiscard]] std::string legend() const
     {
         std::string text = "alone: how many of " +
@@ -147,7 +147,7 @@ std::string nothing_text(const NothingFound& nothing, const Layout& layout)
     if (nothing.reasons.empty()) {
         return {};
     }
-    std::string text = layout.heading("What leaves nothing");
+    std::string text = layout.heading("Why nothing is found");
     for (const std::string& reason : nothing.reasons) {
         text += layout.wrapped(reason);
     }

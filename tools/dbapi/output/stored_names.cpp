@@ -23,8 +23,9 @@ std::vector<DbuiConnection> stored_connections()
     if (!error.empty() && std::filesystem::exists(dbui_connections_file(), ignored)) {
         throw ConnectionFailure(
             ConnectionFailure::Reason::NoConnection,
-            dbif::trimmed(error) + "\nMake it readable for you, or correct it: it has to be XML. "
-                                   "Moved away, it is begun anew by dbapi connection add.");
+            dbif::trimmed(error) +
+                "\nMake it readable for yourself, or correct it: it has to be XML. "
+                "If you move it away, dbapi connection add starts a new one.");
     }
     std::stable_sort(
         connections.begin(), connections.end(),

@@ -11,7 +11,7 @@ inline constexpr std::size_t kAllRows = std::numeric_limits<std::size_t>::max();
 
 struct TableLayout
 {
-    /// The first so many rows are shown.
+    /// How many rows are shown, from the first on.
     std::size_t shownRows = kAllRows;
     /// Whether the headings are bold, by a terminal's escapes.
     bool isBold = false;

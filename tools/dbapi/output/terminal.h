@@ -31,7 +31,7 @@ enum class Style { Plain, Bold, Alert };
 /// The text in a style, where the stream is a terminal that shows colours and NO_COLOR is not set.
 std::string styled(const std::string& text, Style style, std::FILE* stream);
 
-// What must not go to a terminal appears as escapes in both.
+// Both write characters that must not go to a terminal as escapes.
 
 /// Writes the text, which may have several lines, to the standard error stream.
 void talk(const std::string& text);
