@@ -49,7 +49,7 @@ void db_get_tablenames(std::set<std::string>* tablenames)
 {
     tablenames->clear();
     for (const dbif::RecordTable table : dbif::kRecordTables) {
-        tablenames->emplace(dbif::facts(table).name);
+        tablenames->emplace(dbif::table_info(table).name);
     }
 }
 

@@ -87,8 +87,8 @@ Explanation explain(const DataRequest& request)
     explanation.query = request.query;
     DBIF_Connection connection = kept_connection(request.connection);
     explanation.engine = connection.dialect().name();
-    const QueryCondition built = build_condition(connection, request.query);
     const QueryTree tree = parse_query(request.query);
+    const QueryCondition built = build_condition(connection, tree);
     explanation.latestOnly = tree.latestOnly;
     explanation.ignored = tree.ignored;
     explanation.keys = explain_keys(

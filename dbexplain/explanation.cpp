@@ -29,7 +29,7 @@ std::size_t Explanation::keptRecords() const
 
 std::string records_text(std::size_t count, dbif::RecordTable table)
 {
-    std::string name(dbif::facts(table).name);
+    std::string name(dbif::table_info(table).name);
     std::replace(name.begin(), name.end(), '_', ' ');
     if (count != 1) {
         name = name.ends_with('y') ? name.substr(0, name.size() - 1) + "ies" : name + "s";

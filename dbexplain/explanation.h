@@ -42,7 +42,7 @@ struct KeyExplanation
 
     [[nodiscard]] std::string tableName() const
     {
-        return std::string(dbif::facts(column.table()).name);
+        return std::string(dbif::table_info(column.table()).name);
     }
 
     [[nodiscard]] bool isFixed() const { return !column.isKey(); }

@@ -12,7 +12,7 @@ namespace {
 using Kind = QueryNode::Kind;
 
 /// Terms that are named; a query may have any number that keep nothing.
-constexpr std::size_t kMostBlamed = 5;
+constexpr std::size_t kMostNamedTerms = 5;
 /// Terms of an AND that are left out one by one to see what the others keep.
 constexpr std::size_t kMostLeftOut = 20;
 
@@ -30,22 +30,22 @@ std::string shown(const NodeExplanation& node)
 }
 
 /// Looks for the parts of a query because of which nothing is left.
-class Blame
+class CauseFinder
 {
 public:
-    Blame(const DBIF_Connection& connection, const Explanation& explanation)
+    CauseFinder(const DBIF_Connection& connection, const Explanation& explanation)
         : explanation_(explanation), counter_(connection, explanation.table, explanation.latestOnly)
     {}
 
-    void blame(const NodeExplanation& node)
+    void examine(const NodeExplanation& node)
     {
         switch (node.kind) {
         case Kind::And:
-            blameAnd(node);
+            examineAnd(node);
             return;
         case Kind::Or:
             for (const NodeExplanation& operand : node.operands) {
-                blame(operand);
+                examine(operand);
             }
             return;
         case Kind::Not:
@@ -59,23 +59,23 @@ public:
                 dbapi::quoted("{KEY=VALUE}") + " to compare one.");
             return;
         default:
-            blameTerm(node);
+            examineTerm(node);
         }
     }
 
     NothingFound take()
     {
-        if (blamed_ > kMostBlamed) {
+        if (termCount_ > kMostNamedTerms) {
             found_.reasons.push_back(
-                "So do " + std::to_string(blamed_ - kMostBlamed) + " more terms.");
+                "So do " + std::to_string(termCount_ - kMostNamedTerms) + " more terms.");
         }
         return std::move(found_);
     }
 
 private:
-    void blameTerm(const NodeExplanation& node)
+    void examineTerm(const NodeExplanation& node)
     {
-        if (++blamed_ > kMostBlamed) {
+        if (++termCount_ > kMostNamedTerms) {
             return;
         }
         found_.reasons.push_back(shown(node) + " keeps nothing, even by itself.");
@@ -88,41 +88,41 @@ private:
         }
     }
 
-    void blameAnd(const NodeExplanation& node)
+    void examineAnd(const NodeExplanation& node)
     {
-        bool isBlamed = false;
+        bool isFound = false;
         for (const NodeExplanation& operand : node.operands) {
             if (keeps_nothing(operand)) {
-                blame(operand);
-                isBlamed = true;
+                examine(operand);
+                isFound = true;
             }
         }
-        if (!isBlamed) {
-            blameClash(node);
+        if (!isFound) {
+            examineConflict(node);
         }
     }
 
     /// Each part keeps something, but not the same.
-    void blameClash(const NodeExplanation& node)
+    void examineConflict(const NodeExplanation& node)
     {
-        const auto clashing = std::find_if(
+        const auto conflicting = std::find_if(
             node.operands.begin(), node.operands.end(), [](const NodeExplanation& operand) {
                 return operand.soFar.has_value() && operand.soFar->records == 0;
             });
-        if (clashing == node.operands.end() || clashing == node.operands.begin()) {
+        if (conflicting == node.operands.end() || conflicting == node.operands.begin()) {
             return;
         }
-        const auto before = clashing - 1;
+        const auto before = conflicting - 1;
         const bool isSecond = before == node.operands.begin();
         found_.reasons.push_back(
-            shown(*clashing) + " keeps " + records(clashing->alone->records) +
+            shown(*conflicting) + " keeps " + records(conflicting->alone->records) +
             " by itself, but none of the " + records(before->soFar->records) + " that " +
             (isSecond ? shown(*before) + " keeps" : "the terms before it keep together") + ".");
         const bool hasPointsBefore =
-            std::any_of(node.operands.begin(), clashing, [](const NodeExplanation& operand) {
+            std::any_of(node.operands.begin(), conflicting, [](const NodeExplanation& operand) {
                 return operand.isOnPoints;
             });
-        if (clashing->isOnPoints && hasPointsBefore) {
+        if (conflicting->isOnPoints && hasPointsBefore) {
             found_.reasons.emplace_back("Conditions on points hold for one point at a time: no "
                                         "single point satisfies them all.");
         }
@@ -165,7 +165,7 @@ private:
     const Explanation& explanation_;
     RecordCounter counter_;
     NothingFound found_;
-    std::size_t blamed_ = 0;
+    std::size_t termCount_ = 0;
 };
 
 /// The records are there, but have no value.
@@ -202,9 +202,9 @@ NothingFound explain_nothing(const DBIF_Connection& connection, const Explanatio
             "themselves.");
         return nothing;
     }
-    Blame blame(connection, explanation);
-    blame.blame(*explanation.tree);
-    nothing = blame.take();
+    CauseFinder finder(connection, explanation);
+    finder.examine(*explanation.tree);
+    nothing = finder.take();
     nothing.cause = NothingFound::Cause::Query;
     if (explanation.latestOnly) {
         RecordCounter all(connection, explanation.table, false);

@@ -18,7 +18,8 @@ bool read(
     if (request.keywords.empty()) {
         std::set<int> ids;
         const bool isRead = dbapi_get_table_ids_from_query_for_tablename(
-            request.connection, std::string(dbif::facts(table).name), &ids, request.query, errors);
+            request.connection, std::string(dbif::table_info(table).name), &ids, request.query,
+            errors);
         *rows = ids.size();
         return isRead;
     }

@@ -21,9 +21,9 @@ function_keywords(DBIF_Connection connection, const std::string& table)
 {
     std::map<std::string, std::vector<std::string>> keywords;
     for (const dbif::RecordTable recordTable : dbif::kRecordTables) {
-        const dbif::TableFacts& facts = dbif::facts(recordTable);
-        const std::string name(facts.name);
-        if (facts.keys == dbif::KeyKind::None || (!table.empty() && name != table)) {
+        const dbif::TableInfo& info = dbif::table_info(recordTable);
+        const std::string name(info.name);
+        if (info.keys == dbif::KeyKind::None || (!table.empty() && name != table)) {
             continue;
         }
         for (const dbif::KeyDefinition& key :
@@ -99,6 +99,6 @@ std::string KnownKeys::describe(const std::string& keyword)
     }
     const dbif::TableColumn& column = found.column();
     return keyword + " (" + std::string(column.name()) + " of the table " +
-           std::string(dbif::facts(column.table()).name) + ")";
+           std::string(dbif::table_info(column.table()).name) + ")";
 }
 } // namespace dbapi

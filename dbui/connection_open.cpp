@@ -3,10 +3,6 @@
 #include "dbif/host/error_text.h"
 #include "dbui/connection_registry.h"
 
-namespace {
-constexpr int kStandardPort = 3306;
-}
-
 bool dbui_make_dbif_connection_object(
     const DbuiConnection& record,
     DBIF_Connection* connection,
@@ -32,7 +28,7 @@ bool dbui_make_dbif_connection_object_by_name(
 namespace dbui {
 DBIF_Connection blank_connection()
 {
-    return {"", "", "", "", "", kStandardPort};
+    return {"", "", "", "", "", dbui::kStandardPort};
 }
 
 bool open_connection(
@@ -43,7 +39,7 @@ bool open_connection(
 {
     dbif::clear_error(error);
     *connection = blank_connection();
-    const int port = record.port_is_a_number() ? record.get_port() : kStandardPort;
+    const int port = record.port_is_a_number() ? record.get_port() : dbui::kStandardPort;
     try {
         DBIF_Connection opened(
             record.get_dbDriverName().c_str(), record.get_hostname().c_str(),

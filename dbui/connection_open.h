@@ -23,6 +23,9 @@ bool dbui_make_dbif_connection_object_by_name(
     std::string* error = nullptr);
 
 namespace dbui {
+/// The port of servers that a record without one means.
+inline constexpr int kStandardPort = 3306;
+
 /// A handle that leads nowhere and is not valid.
 DBIF_Connection blank_connection();
 

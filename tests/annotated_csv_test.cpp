@@ -50,7 +50,7 @@ std::string keys_of(RecordTable table, const std::vector<dbif::KeyValue>& keys)
     std::string text;
     for (const dbif::KeyValue& key : keys) {
         const bool isNumber = key.kind == dbif::ValueKind::Double;
-        text += std::string(dbif::facts(table).name) + ";" +
+        text += std::string(dbif::table_info(table).name) + ";" +
                 dbif::column_key(key.category, key.kind, key.name) + "=" +
                 (isNumber ? dbif::double_text(key.number) : key.text) + "\n";
     }
@@ -62,8 +62,8 @@ std::string record_of(const dbapi::RecordParts<Fields>& parts)
 {
     std::string text;
     dbif::for_each_field(parts.fields, [&text](std::string_view column, const std::string& value) {
-        text += std::string(dbif::facts(Fields::kTable).name) + "." + std::string(column) + "=" +
-                value + "\n";
+        text += std::string(dbif::table_info(Fields::kTable).name) + "." + std::string(column) +
+                "=" + value + "\n";
     });
     return text + keys_of(Fields::kTable, parts.keys);
 }

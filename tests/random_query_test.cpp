@@ -80,7 +80,7 @@ bool holds(
 
 QString table_of(const ModelColumn& column)
 {
-    const dbif::TableFacts& f = dbif::facts(column.table);
+    const dbif::TableInfo& f = dbif::table_info(column.table);
     return dbif::to_qt(column.isKey() ? f.dataTable() : std::string(f.name));
 }
 
@@ -272,7 +272,7 @@ void expect_equal_rows(const ModelQuery& query, ModelRows found, ModelRows expec
 
 std::vector<int> selected_ids(DBIF_Connection connection, RecordTable table, DBIF_VantoQuery select)
 {
-    const QString name = dbif::to_qt(dbif::facts(table).name);
+    const QString name = dbif::to_qt(dbif::table_info(table).name);
     select.addColumn(name, QStringLiteral("id"), true);
     const QString sql = select.generateSql(false);
     const QString all = QStringLiteral("SELECT id FROM ") + name;

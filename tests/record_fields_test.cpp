@@ -13,7 +13,7 @@ void expect_all_texts_of_table()
         names.insert(name);
     }
     std::set<std::string_view> stored;
-    for (const dbif::FixedColumnFacts& column : dbif::facts(Fields::kTable).fixedColumns) {
+    for (const dbif::FixedColumnInfo& column : dbif::table_info(Fields::kTable).fixedColumns) {
         if (column.kind == dbif::FixedKind::Text && column.name != "modified_time" &&
             column.name != "user") {
             stored.insert(column.name);

@@ -39,7 +39,7 @@ std::vector<KeyTerms> terms_for(const std::string& table, const std::vector<Want
 
 /// The definition that a row of the catalogue describes.
 std::optional<KeyCandidate>
-read_row(DBIF_Connection& connection, const dbif::TableFacts& table, const QSqlQuery& row)
+read_row(DBIF_Connection& connection, const dbif::TableInfo& table, const QSqlQuery& row)
 {
     const auto kind = dbif::value_kind(row.value(1).toString());
     std::string category;
@@ -66,7 +66,7 @@ std::vector<KeyCandidate> held_keys(
     const dbif::ReadTransaction transaction(connection);
     std::vector<KeyCandidate> held;
     for (const dbif::RecordTable recordTable : dbif::kRecordTables) {
-        const dbif::TableFacts& table = dbif::facts(recordTable);
+        const dbif::TableInfo& table = dbif::table_info(recordTable);
         const std::string name(table.name);
         const std::vector<KeyTerms> parts =
             table.keys == dbif::KeyKind::None ? std::vector<KeyTerms>() : terms_for(name, wanted);

@@ -38,7 +38,7 @@ void add_definitions(DBIF_Connection& connection, const WantedKeys& wanted, Keys
         }
     }
     for (const dbif::RecordTable table : dbif::kRecordTables) {
-        if (dbif::facts(table).keys == dbif::KeyKind::None) {
+        if (dbif::table_info(table).keys == dbif::KeyKind::None) {
             continue;
         }
         for (const dbif::KeyDefinition& definition :

@@ -20,7 +20,7 @@ namespace {
 /// selected, they drive: each has its keys side by side.
 QString statistics_statement(
     DBIF_Connection& connection,
-    const dbif::TableFacts& table,
+    const dbif::TableInfo& table,
     const QString& recordIds)
 {
     const bool isOnPoints = table.keys == dbif::KeyKind::Direction;
@@ -51,7 +51,7 @@ std::optional<double> number_of(const QVariant& value)
     return value.isNull() ? std::nullopt : std::optional<double>(value.toDouble());
 }
 
-KeyStatistics row_statistics(const dbif::TableFacts& table, const QSqlQuery& row)
+KeyStatistics row_statistics(const dbif::TableInfo& table, const QSqlQuery& row)
 {
     const bool isOnPoints = table.keys == dbif::KeyKind::Direction;
     KeyStatistics key;
@@ -76,7 +76,7 @@ std::vector<KeyStatistics> read_key_statistics(
     const DBIF_QueryCondition* condition,
     bool latestOnly)
 {
-    const dbif::TableFacts& table = *dbif::find_table(tablename);
+    const dbif::TableInfo& table = *dbif::find_table(tablename);
     const dbif::ReadTransaction transaction(connection);
     const RecordSelection selection = select_records(connection, tablename, condition, latestOnly);
     QSqlQuery rows = connection.query(

@@ -100,14 +100,18 @@ KeyCandidate candidate_of(dbif::RecordTable table, const dbif::KeyDefinition& ke
 {
     const std::string datatype = dbif::to_utf8(dbif::datatype_name(key.kind));
     return {
-        key.name, std::string(dbif::facts(table).name), key.category + "|" + datatype, key.category,
-        datatype, dbif::TableColumn(table, key)};
+        key.name,
+        std::string(dbif::table_info(table).name),
+        key.category + "|" + datatype,
+        key.category,
+        datatype,
+        dbif::TableColumn(table, key)};
 }
 
 KeyCandidate fixed_candidate(const WantedKey& wanted)
 {
-    const dbif::TableFacts* table = dbif::find_table(wanted.table);
-    const dbif::FixedColumnFacts* column =
+    const dbif::TableInfo* table = dbif::find_table(wanted.table);
+    const dbif::FixedColumnInfo* column =
         table == nullptr ? nullptr : dbif::find_fixed_column(*table, wanted.name);
     KeyCandidate candidate{wanted.name,     wanted.table,    wanted.attributes,
                            wanted.category, wanted.datatype, std::nullopt};

@@ -259,10 +259,8 @@ condition_of(const QueryTree& tree, const QueryNode& node, const Resolutions& re
     return ConditionWalk(tree, resolutions).build(node);
 }
 
-QueryCondition build_condition(DBIF_Connection& connection, const std::string& query)
+QueryCondition build_condition(DBIF_Connection& connection, const QueryTree& tree)
 {
-    const dbif::TraceStep step(connection.trace(), "parse the query");
-    const QueryTree tree = parse_query(query);
     const std::string heading =
         "Error: Invalid query condition string encountered: " + quoted(tree.rest) + ".\n";
     try {
@@ -271,14 +269,15 @@ QueryCondition build_condition(DBIF_Connection& connection, const std::string& q
         throw FaultError(error.fault().under(heading + "Error(s) reported: \n"));
     } catch (DBIF_Exception& exception) {
         const std::string reason = convert_DBIF_Exception_to_string(&exception).str();
-        throw FaultError(
-            {Fault::Kind::Database,
-             reason.empty() ? heading : heading + "Error(s) reported: \n" + reason,
-             Fault::Where::Nowhere,
-             {},
-             0,
-             0,
-             {}});
+        Fault fault;
+        fault.text = reason.empty() ? heading : heading + "Error(s) reported: \n" + reason;
+        throw FaultError(std::move(fault));
     }
+}
+
+QueryCondition build_condition(DBIF_Connection& connection, const std::string& query)
+{
+    const dbif::TraceStep step(connection.trace(), "parse the query");
+    return build_condition(connection, parse_query(query));
 }
 } // namespace dbapi

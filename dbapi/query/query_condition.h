@@ -38,5 +38,6 @@ struct QueryCondition
 
 /// The condition that a query string stands for; an empty one selects everything. Throws
 /// `FaultError` with the whole message.
+QueryCondition build_condition(DBIF_Connection& connection, const QueryTree& tree);
 QueryCondition build_condition(DBIF_Connection& connection, const std::string& query);
 } // namespace dbapi

@@ -37,9 +37,9 @@ Resolution resolve(const Selection& selection, const std::string& keyword)
 dbif::TableColumn column_of_values(const dbif::TableColumn& resolved)
 {
     const dbif::RecordTable table = resolved.table();
-    const dbif::FixedColumnFacts* fixed =
+    const dbif::FixedColumnInfo* fixed =
         resolved.isKey() && table == dbif::RecordTable::CatalogEntry
-            ? dbif::find_fixed_column(dbif::facts(table), resolved.name())
+            ? dbif::find_fixed_column(dbif::table_info(table), resolved.name())
             : nullptr;
     return fixed == nullptr ? resolved : dbif::TableColumn(table, *fixed);
 }

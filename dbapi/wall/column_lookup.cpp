@@ -46,7 +46,7 @@ bool get_column(
     }
     dbif::clear_error(errors);
     try {
-        const std::string table(dbif::facts(Record::kTable).name);
+        const std::string table(dbif::table_info(Record::kTable).name);
         const auto column = dbapi::find_column(connection, table, keyname, category, datatype);
         if (column.has_value()) {
             set_result(connection, *column, fixed, key);

@@ -34,7 +34,7 @@ std::vector<std::string> categories_of(dbif::KeyKind keys, bool isDevice, const 
 
 const dbif::KeyDefinition* find_key(
     DBIF_Connection& connection,
-    const dbif::TableFacts& table,
+    const dbif::TableInfo& table,
     const std::string& keyname,
     const std::string& category,
     const std::string& datatype)
@@ -74,12 +74,12 @@ std::optional<dbif::TableColumn> find_column(
     const std::string& category,
     const std::string& datatype)
 {
-    const dbif::TableFacts* table = dbif::find_table(tablename);
+    const dbif::TableInfo* table = dbif::find_table(tablename);
     if (table == nullptr) {
         return std::nullopt;
     }
     if (dbapi_is_category_fixed(category)) {
-        const dbif::FixedColumnFacts* fixed = dbif::find_fixed_column(*table, keyname);
+        const dbif::FixedColumnInfo* fixed = dbif::find_fixed_column(*table, keyname);
         return fixed == nullptr ? std::nullopt
                                 : std::optional<dbif::TableColumn>({table->table, *fixed});
     }

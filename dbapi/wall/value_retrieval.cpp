@@ -46,8 +46,8 @@ std::optional<dbif::TableColumn> column_of_values(
     const std::string& category,
     const std::string& datatype)
 {
-    const dbif::TableFacts& entries = dbif::facts(dbif::RecordTable::CatalogEntry);
-    const dbif::FixedColumnFacts* fixed =
+    const dbif::TableInfo& entries = dbif::table_info(dbif::RecordTable::CatalogEntry);
+    const dbif::FixedColumnInfo* fixed =
         tablename == entries.name ? dbif::find_fixed_column(entries, keyname) : nullptr;
     return fixed != nullptr
                ? std::optional<dbif::TableColumn>({entries.table, *fixed})

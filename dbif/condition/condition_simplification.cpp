@@ -12,7 +12,7 @@ using Kind = ConditionTree::Kind;
 bool compares_ranges(const ConditionTree& part)
 {
     return part.kind() == Kind::Comparison && part.comparison().holdsNumbers &&
-           part.comparison().comparator != IS_NULL && !part.comparison().idSelect.has_value();
+           part.comparison().comparator != IS_NULL && !part.comparison().ids.has_value();
 }
 
 bool is_always_true(const ColumnComparison& comparison, RecordTable base)
@@ -24,7 +24,7 @@ bool is_always_true(const ColumnComparison& comparison, RecordTable base)
 bool compares_list(const ConditionTree& part, Kind kind)
 {
     if (part.kind() != Kind::Comparison || part.comparison().holdsNumbers ||
-        part.comparison().idSelect.has_value()) {
+        part.comparison().ids.has_value()) {
         return false;
     }
     const Comparator comparator = part.comparison().comparator;

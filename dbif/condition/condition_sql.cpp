@@ -58,7 +58,7 @@ SqlText value_condition(
 /// Whether a record has the key with such a value.
 SqlText key_condition(const ColumnComparison& comparison, DBIF_Connection& connection)
 {
-    const TableFacts& f = facts(comparison.column.table());
+    const TableInfo& f = table_info(comparison.column.table());
     const SqlText id = qualified(f.name, "id");
     SqlText sql;
     if (comparison.isLookedUp) {
@@ -73,7 +73,7 @@ SqlText key_condition(const ColumnComparison& comparison, DBIF_Connection& conne
 /// That a record has no value. Of a record that there is not, nothing is true.
 SqlText absence_condition(const ColumnComparison& comparison, DBIF_Connection& connection)
 {
-    const SqlText id = qualified(facts(comparison.column.table()).name, "id");
+    const SqlText id = qualified(table_info(comparison.column.table()).name, "id");
     SqlText sql;
     sql << "(" << id << " IS NOT NULL";
     // A setup that holds a key may have points without a value of it.
@@ -83,7 +83,7 @@ SqlText absence_condition(const ColumnComparison& comparison, DBIF_Connection& c
         sql << " AND NOT " << key_condition(presence, connection);
     } else if (!comparison.column.isKey()) {
         sql << " AND "
-            << qualified(facts(comparison.column.table()).name, comparison.column.uniqueName())
+            << qualified(table_info(comparison.column.table()).name, comparison.column.uniqueName())
             << " IS NULL";
     }
     return sql << ")";
@@ -91,24 +91,23 @@ SqlText absence_condition(const ColumnComparison& comparison, DBIF_Connection& c
 
 SqlText id_condition(const ColumnComparison& comparison)
 {
-    const SqlText id = qualified(facts(comparison.column.table()).name, "id");
-    const bool isSelect = comparison.idSelect->utf8().starts_with("SELECT ");
+    const SqlText id = qualified(table_info(comparison.column.table()).name, "id");
     SqlText sql;
-    if (isSelect && comparison.isLookedUp) {
-        return sql << "(EXISTS (SELECT 1 FROM (" << *comparison.idSelect
+    if (comparison.ids->isStatement && comparison.isLookedUp) {
+        return sql << "(EXISTS (SELECT 1 FROM (" << comparison.ids->sql
                    << ") AS selected WHERE selected.id = " << id << "))";
     }
-    return sql << "(" << id << " IN (" << *comparison.idSelect << "))";
+    return sql << "(" << id << " IN (" << comparison.ids->sql << "))";
 }
 
 SqlText comparison_sql(const ColumnComparison& comparison, DBIF_Connection& connection)
 {
     SqlText sql;
-    const TableFacts& f = facts(comparison.column.table());
+    const TableInfo& f = table_info(comparison.column.table());
     if (comparison.comparator == IS_NULL) {
         return absence_condition(comparison, connection);
     }
-    if (comparison.idSelect.has_value()) {
+    if (comparison.ids.has_value()) {
         return id_condition(comparison);
     }
     if (comparison.column.isKey()) {
@@ -187,7 +186,7 @@ SqlText records_with_key(
     const ColumnComparison& comparison,
     DBIF_Connection& connection)
 {
-    const TableFacts& f = facts(comparison.column.table());
+    const TableInfo& f = table_info(comparison.column.table());
     const bool isOnPoints = comparison.isOnPoints();
     const int definition = definition_id(connection, comparison.column);
     SqlText sql;

@@ -12,14 +12,22 @@
 #include <vector>
 
 namespace dbif {
+/// The ids of records, as the right side of an IN.
+struct RecordIds
+{
+    SqlText sql;
+    /// A statement that yields them in its only column, "id"; otherwise a list of numbers.
+    bool isStatement = true;
+};
+
 /// One comparison, ready to be written as SQL or decided on a value.
 struct ColumnComparison
 {
     explicit ColumnComparison(TableColumn compared) : column(std::move(compared)) {}
 
-    /// Selects the records of a table whose ids `ids` yields.
-    ColumnComparison(RecordTable table, SqlText ids)
-        : column(TableColumn::id(table)), idSelect(std::move(ids))
+    /// Selects the records of a table that have these ids.
+    ColumnComparison(RecordTable table, RecordIds listed)
+        : column(TableColumn::id(table)), ids(std::move(listed))
     {}
 
     TableColumn column;
@@ -28,9 +36,8 @@ struct ColumnComparison
     bool holdsNumbers = false;
     NumberRanges ranges;
     std::vector<std::string> texts;
-    /// When given, the comparison holds for the records whose ids this statement yields in its only
-    /// column, "id"; it may also be a list of ids.
-    std::optional<SqlText> idSelect;
+    /// When given, the comparison holds for these records.
+    std::optional<RecordIds> ids;
     /// Prints as a look-up for each record that other comparisons leave, and not as the set of all
     /// records that satisfy it.
     bool isLookedUp = false;

@@ -24,9 +24,9 @@ IdList::IdList(DBIF_Connection connection, RecordTable table, const std::vector<
     if (ids.empty()) {
         return;
     }
-    SqlText select;
+    RecordIds records;
     if (ids.size() <= kMostListedIds) {
-        select = id_sequence(ids, 0, ids.size());
+        records = {id_sequence(ids, 0, ids.size()), false};
     } else {
         temporaryTable_ = "selected_" + to_utf8(QUuid::createUuid().toString(QUuid::Id128));
         const SqlName name(temporaryTable_);
@@ -36,9 +36,9 @@ IdList::IdList(DBIF_Connection connection, RecordTable table, const std::vector<
             inserter->integer(id).endRow();
         }
         inserter->flush();
-        select << "SELECT id FROM " << name;
+        records.sql << "SELECT id FROM " << name;
     }
-    condition_ = ConditionTree::comparison({table, std::move(select)});
+    condition_ = ConditionTree::comparison({table, std::move(records)});
 }
 
 IdList::~IdList()
@@ -51,7 +51,7 @@ IdList::~IdList()
 std::size_t highest_id(DBIF_Connection& connection, RecordTable table)
 {
     SqlText sql;
-    sql << "SELECT max(id) FROM " << SqlName(facts(table).name);
+    sql << "SELECT max(id) FROM " << SqlName(table_info(table).name);
     BulkCursor cursor(connection, sql);
     return cursor.next() ? static_cast<std::size_t>(cursor.integer(0)) : 0;
 }

@@ -53,7 +53,7 @@ NumberRanges with_finite_ends(NumberRanges ranges)
     return ranges;
 }
 
-NumberRanges united(NumberRanges ranges)
+NumberRanges merge_overlapping(NumberRanges ranges)
 {
     std::sort(ranges.begin(), ranges.end(), [](const NumberRange& a, const NumberRange& b) {
         return a.low < b.low;
@@ -76,7 +76,7 @@ NumberRanges equal_to_any(const std::vector<double>& values, double tolerance)
     for (const double value : values) {
         ranges.push_back(band(value, tolerance));
     }
-    return united(std::move(ranges));
+    return merge_overlapping(std::move(ranges));
 }
 } // namespace
 

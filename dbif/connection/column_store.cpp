@@ -16,7 +16,7 @@ ColumnStore& ColumnStore::of(DBIF_Connection& connection)
 
 void ColumnStore::load(DBIF_Connection& connection, RecordTable table, Definitions* definitions)
 {
-    const TableFacts& f = facts(table);
+    const TableInfo& f = table_info(table);
     const TraceStep step(connection.trace(), kDefinitionsStep);
     definitions->list.clear();
     definitions->byKey.clear();

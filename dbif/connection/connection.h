@@ -19,7 +19,7 @@ class ReadTrace;
 /// What opening a connection does when its SQLite file does not exist, or has no content at all.
 enum class MissingFile { Create, Fail };
 
-/// State that an upper floor keeps with one open connection, for as long as it is open.
+/// State that a library above keeps with one open connection, for as long as it is open.
 class ConnectionAttachment
 {
     Q_DISABLE_COPY_MOVE(ConnectionAttachment)
@@ -97,7 +97,7 @@ public:
     [[nodiscard]] dbif::ChangeToken changeToken() const;
     /// Whether the SQLite file at the path is still the one that was opened. Costs about as much.
     [[nodiscard]] dbif::FileState fileState() const;
-    /// The state that a floor above keeps with this connection, made by `make` on first use.
+    /// The state that a library above keeps with this connection, made by `make` on first use.
     dbif::ConnectionAttachment&
     attachment(const std::function<std::unique_ptr<dbif::ConnectionAttachment>()>& make);
 

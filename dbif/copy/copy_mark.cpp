@@ -26,7 +26,7 @@ int stamp_copy_mark(RowStore& rows, const std::string& stamp)
         RecordRow mark;
         mark.time = stamp;
         mark.identity = mark_identity();
-        return insert_record(rows, facts(RecordTable::CatalogEntry), mark);
+        return insert_record(rows, table_info(RecordTable::CatalogEntry), mark);
     }
     set_modified_time(rows.connection(), "catalog_entry", id, stamp);
     return id;

@@ -26,7 +26,7 @@ std::multimap<int, int> read_pairs(DBIF_Connection& source, const SqlText& sql)
 std::multimap<int, int> older(DBIF_Connection& source, RecordTable table)
 {
     SqlText sql;
-    sql << "SELECT superseded_by, id FROM " << SqlName(facts(table).name)
+    sql << "SELECT superseded_by, id FROM " << SqlName(table_info(table).name)
         << " WHERE superseded_by IS NOT NULL";
     return read_pairs(source, sql);
 }
@@ -79,7 +79,7 @@ void add_parents(
     std::set<int> all(parents->begin(), parents->end());
     for (std::size_t first = 0; first < children.size(); first += kIdsPerStatement) {
         SqlText sql;
-        sql << "SELECT DISTINCT " << SqlName(link) << " FROM " << SqlName(facts(table).name)
+        sql << "SELECT DISTINCT " << SqlName(link) << " FROM " << SqlName(table_info(table).name)
             << " WHERE " << SqlName(link) << " IS NOT NULL AND id IN ("
             << id_sequence(children, first, std::min(kIdsPerStatement, children.size() - first))
             << ")";

@@ -50,7 +50,7 @@ class Side
 {
 public:
     /// A record with its keys; its parents have been added before.
-    void add(const TableFacts& f, const RecordContent& record, bool withTime)
+    void add(const TableInfo& f, const RecordContent& record, bool withTime)
     {
         RecordIdentity digest;
         digest.text(f.name).text(record_digest(record, withTime));
@@ -69,7 +69,7 @@ public:
 
     void add(const SetupContent& setup)
     {
-        add(facts(RecordTable::Setup), setup.record, true);
+        add(table_info(RecordTable::Setup), setup.record, true);
         const std::string owner = std::to_string(known(RecordTable::Setup, setup.record.id));
         for (const SweepContent& sweep : setup.sweeps) {
             RecordIdentity association;
@@ -86,9 +86,9 @@ public:
 
     void add(const MeasurementContent& measurement)
     {
-        add(facts(RecordTable::Measurement), measurement.record, true);
+        add(table_info(RecordTable::Measurement), measurement.record, true);
         for (const ConditionContent& condition : measurement.conditions) {
-            add(facts(RecordTable::MeasurementCondition), condition.record, true);
+            add(table_info(RecordTable::MeasurementCondition), condition.record, true);
             for (const SetupContent& setup : condition.setups) {
                 add(setup);
             }
@@ -141,7 +141,7 @@ public:
         const std::vector<int>& ids,
         const std::map<int, int>& places);
     void
-    compareSome(const TableFacts& f, const std::vector<int>& ids, const std::map<int, int>& places);
+    compareSome(const TableInfo& f, const std::vector<int>& ids, const std::map<int, int>& places);
     void compareMeasurements(const std::vector<int>& ids, const std::map<int, int>& places);
     void compareLinks(
         RecordTable table,
@@ -177,12 +177,12 @@ void Comparison::compareRecords(
     const std::map<int, int>& places)
 {
     for (std::size_t first = 0; first < ids.size(); first += kRecordsPerRead) {
-        compareSome(facts(table), part_of(ids, first, kRecordsPerRead), places);
+        compareSome(table_info(table), part_of(ids, first, kRecordsPerRead), places);
     }
 }
 
 void Comparison::compareSome(
-    const TableFacts& f,
+    const TableInfo& f,
     const std::vector<int>& ids,
     const std::map<int, int>& places)
 {

@@ -18,7 +18,7 @@ ids_of_times(DBIF_Connection& target, RecordTable table, const std::set<std::str
     std::vector<int> ids;
     for (auto time = times.begin(); time != times.end();) {
         SqlText sql;
-        sql << "SELECT id FROM " << SqlName(facts(table).name) << " WHERE modified_time IN (";
+        sql << "SELECT id FROM " << SqlName(table_info(table).name) << " WHERE modified_time IN (";
         for (std::size_t i = 0; i < kTextsPerStatement && time != times.end(); ++i, ++time) {
             sql << (i == 0 ? SqlText() : SqlText(", ")) << SqlLiteral(*time);
         }
@@ -64,7 +64,7 @@ std::map<int, int> recognised_catalog_entries(
     }
     std::multimap<std::string, int> there;
     for (const RecordContent& record : read_records(
-             target, facts(RecordTable::CatalogEntry), "id",
+             target, table_info(RecordTable::CatalogEntry), "id",
              ids_of_times(target, RecordTable::CatalogEntry, times))) {
         if (!taken.contains(record.id)) {
             there.emplace(keyed_digest(record, true), record.id);

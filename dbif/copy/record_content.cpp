@@ -44,7 +44,7 @@ std::optional<double> optional_number(BulkCursor& cursor, int column)
     return cursor.isNull(column) ? std::nullopt : std::optional(cursor.number(column));
 }
 
-void read_fixed(BulkCursor& cursor, const FixedColumnFacts& column, int at, RecordRow* row)
+void read_fixed(BulkCursor& cursor, const FixedColumnInfo& column, int at, RecordRow* row)
 {
     if (column.name == "modified_time") {
         row->time = cursor.text(at);
@@ -57,13 +57,13 @@ void read_fixed(BulkCursor& cursor, const FixedColumnFacts& column, int at, Reco
     }
 }
 
-SqlText record_statement(const TableFacts& f, std::string_view column, const SqlText& values)
+SqlText record_statement(const TableInfo& f, std::string_view column, const SqlText& values)
 {
     SqlText sql = "SELECT id";
     for (const ParentLink& link : f.parents) {
         sql << ", " << SqlName(link.column);
     }
-    for (const FixedColumnFacts& fixed : f.fixedColumns.subspan(1)) {
+    for (const FixedColumnInfo& fixed : f.fixedColumns.subspan(1)) {
         sql << ", " << SqlName(fixed.name);
     }
     sql << ", identity" << (f.hasLatest() ? SqlText(", superseded_by") : SqlText());
@@ -71,7 +71,7 @@ SqlText record_statement(const TableFacts& f, std::string_view column, const Sql
                << ")";
 }
 
-RecordContent read_record(BulkCursor& cursor, const TableFacts& f)
+RecordContent read_record(BulkCursor& cursor, const TableInfo& f)
 {
     RecordContent record;
     int at = 0;
@@ -79,7 +79,7 @@ RecordContent read_record(BulkCursor& cursor, const TableFacts& f)
     for (std::size_t i = 0; i < f.parents.size(); ++i) {
         record.row.links.push_back(cursor.integer(at++));
     }
-    for (const FixedColumnFacts& column : f.fixedColumns.subspan(1)) {
+    for (const FixedColumnInfo& column : f.fixedColumns.subspan(1)) {
         read_fixed(cursor, column, at++, &record.row);
     }
     record.row.identity = cursor.text(at++);
@@ -98,10 +98,7 @@ void add_key(BulkCursor& cursor, RecordContent* record)
     }
 }
 
-void read_keys(
-    DBIF_Connection& connection,
-    const TableFacts& f,
-    std::vector<RecordContent>* records)
+void read_keys(DBIF_Connection& connection, const TableInfo& f, std::vector<RecordContent>* records)
 {
     std::map<int, RecordContent*> byId;
     for (RecordContent& record : *records) {
@@ -206,7 +203,7 @@ std::string sweep_key(const SweepContent& sweep)
 
 std::vector<RecordContent> read_records(
     DBIF_Connection& connection,
-    const TableFacts& f,
+    const TableInfo& f,
     std::string_view column,
     const std::vector<int>& values)
 {
@@ -232,14 +229,14 @@ read_measurements(DBIF_Connection& connection, const std::vector<int>& ids)
     std::vector<MeasurementContent> measurements;
     std::map<int, std::size_t> measurementById;
     for (RecordContent& record :
-         read_records(connection, facts(RecordTable::Measurement), "id", ids)) {
+         read_records(connection, table_info(RecordTable::Measurement), "id", ids)) {
         measurementById[record.id] = measurements.size();
         measurements.push_back({std::move(record), {}});
     }
-    std::vector<RecordContent> conditions =
-        read_records(connection, facts(RecordTable::MeasurementCondition), "measurement_id", ids);
+    std::vector<RecordContent> conditions = read_records(
+        connection, table_info(RecordTable::MeasurementCondition), "measurement_id", ids);
     std::vector<RecordContent> setups = read_records(
-        connection, facts(RecordTable::Setup), "measurement_condition_id", ids_of(conditions));
+        connection, table_info(RecordTable::Setup), "measurement_condition_id", ids_of(conditions));
     std::map<int, std::pair<std::size_t, std::size_t>> conditionById;
     for (RecordContent& record : conditions) {
         const std::size_t measurement = measurementById.at(record.row.links.front());

@@ -76,7 +76,7 @@ enum class Payload {
 /// The records whose `column` ("id", or a link to a parent) is among `values`, ordered by id.
 std::vector<RecordContent> read_records(
     DBIF_Connection& connection,
-    const TableFacts& f,
+    const TableInfo& f,
     std::string_view column,
     const std::vector<int>& values);
 

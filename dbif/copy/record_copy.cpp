@@ -35,7 +35,7 @@ struct Writing
     /// A die, device or routine, whose parent stands at its place in `parents`. One that is
     /// completed gets a new time.
     SharedRecords::Found
-    findOrAdd(const TableFacts& f, const RecordContent& record, const std::map<int, int>* parents)
+    findOrAdd(const TableInfo& f, const RecordContent& record, const std::map<int, int>* parents)
     {
         RecordRow row = record.row;
         for (int& link : row.links) {
@@ -93,7 +93,7 @@ private:
         const std::map<int, int>* parents,
         std::map<int, int>* places);
     std::map<int, int> writeShared(
-        const TableFacts& f,
+        const TableInfo& f,
         const std::vector<RecordContent>& records,
         const std::map<int, int>* parents);
     void copyCatalogEntries();
@@ -144,7 +144,7 @@ CopyOutcome Copy::run()
 
 /// In one transaction; the place of each.
 std::map<int, int> Copy::writeShared(
-    const TableFacts& f,
+    const TableInfo& f,
     const std::vector<RecordContent>& records,
     const std::map<int, int>* parents)
 {
@@ -168,7 +168,7 @@ void Copy::copyShared(
     const std::map<int, int>* parents,
     std::map<int, int>* places)
 {
-    const TableFacts& f = facts(table);
+    const TableInfo& f = table_info(table);
     for (std::size_t first = 0; first < ids.size(); first += kParentsPerTransaction) {
         const std::vector<RecordContent> records =
             read_records(source_, f, "id", part_of(ids, first, kParentsPerTransaction));
@@ -191,7 +191,7 @@ Copy::writeCatalogEntries(const std::vector<RecordContent>& records, const std::
     for (const RecordContent& record : records) {
         if (!places.contains(record.id)) {
             const int id =
-                insert_record(writing.rows, facts(RecordTable::CatalogEntry), record.row);
+                insert_record(writing.rows, table_info(RecordTable::CatalogEntry), record.row);
             writing.keys.add(RecordTable::CatalogEntry, id, record.keys);
             places[record.id] = id;
         }
@@ -202,7 +202,7 @@ Copy::writeCatalogEntries(const std::vector<RecordContent>& records, const std::
 
 void Copy::copyCatalogEntries()
 {
-    const TableFacts& f = facts(RecordTable::CatalogEntry);
+    const TableInfo& f = table_info(RecordTable::CatalogEntry);
     const std::vector<int>& ids = selection_.catalogEntries;
     std::set<int> taken;
     for (std::size_t first = 0; first < ids.size(); first += kParentsPerTransaction) {
@@ -310,7 +310,7 @@ CopyPlaces Copy::insert(Writing& writing, const MeasurementContent& measurement)
     row.links = {
         place_of(places.devices, row.links.at(0)), place_of(places.catalogEntries, row.links.at(1)),
         place_of(places.routines, row.links.at(2))};
-    const int id = insert_record(writing.rows, facts(RecordTable::Measurement), row);
+    const int id = insert_record(writing.rows, table_info(RecordTable::Measurement), row);
     writing.keys.add(RecordTable::Measurement, id, measurement.record.keys);
     added.measurements[measurement.record.id] = id;
     for (const ConditionContent& condition : measurement.conditions) {
@@ -329,13 +329,13 @@ void Copy::writeCondition(
 {
     RecordRow row = condition.record.row;
     row.links = {measurement};
-    const int id = insert_record(writing.rows, facts(RecordTable::MeasurementCondition), row);
+    const int id = insert_record(writing.rows, table_info(RecordTable::MeasurementCondition), row);
     writing.keys.add(RecordTable::MeasurementCondition, id, condition.record.keys);
     added->conditions[condition.record.id] = id;
     for (const SetupContent& setup : condition.setups) {
         RecordRow setupRow = setup.record.row;
         setupRow.links = {id};
-        const int setupId = insert_record(writing.rows, facts(RecordTable::Setup), setupRow);
+        const int setupId = insert_record(writing.rows, table_info(RecordTable::Setup), setupRow);
         writeSetup(writing, setup, setupId);
         added->setups[setup.record.id] = setupId;
     }

@@ -28,7 +28,7 @@ bool compares_one_record(const ConditionTree& tree)
     return tables.size() == 1 && !hasKeys;
 }
 
-bool may_drive_united(const ConditionTree& tree)
+bool may_drive_as_union(const ConditionTree& tree)
 {
     return tree.kind() == Kind::Or && tree.size() <= kMostAlternatives &&
            tree.depth() <= kGreatestDepth && is_found_by_index(tree) && !compares_one_record(tree);
@@ -58,7 +58,7 @@ std::vector<std::size_t> find_candidates(
         });
     };
     for (std::size_t i = 0; i < operands.size(); ++i) {
-        if (may_drive_united(operands[i]) && canStandAlone(operands[i]) &&
+        if (may_drive_as_union(operands[i]) && canStandAlone(operands[i]) &&
             selectivity->selectsFew(operands[i])) {
             candidates.push_back(i);
         }

@@ -31,7 +31,7 @@ DBIF_DynamicTableColumn::singleColumnCondition(Comparator comparator, QString va
 {
     const dbif::ColumnTraits traits;
     return {
-        dbif::to_qt(dbif::facts(table_).dataTable()),
+        dbif::to_qt(dbif::table_info(table_).dataTable()),
         getKey(),
         comparator,
         std::move(value),
@@ -54,8 +54,8 @@ existing_definition(DBIF_Connection& connection, RecordTable table, const QStrin
         ColumnStore::of(connection).find(connection, table, to_utf8(key));
     if (definition == nullptr) {
         throw_error(
-            "The table \"" + std::string(facts(table).name) + "\" has no key \"" + to_utf8(key) +
-                "\".",
+            "The table \"" + std::string(table_info(table).name) + "\" has no key \"" +
+                to_utf8(key) + "\".",
             __FILE__, __LINE__);
     }
     return *definition;

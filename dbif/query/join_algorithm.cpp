@@ -17,8 +17,8 @@ dbif::TableSet tables_of(const DBIF_Query& query)
     dbif::TableSet tables;
     for (const QString& name : query.data().tables) {
         const std::string table = dbif::to_utf8(name);
-        const dbif::TableFacts* keyed = dbif::find_data_table(table);
-        if (const dbif::TableFacts* found = keyed != nullptr ? keyed : dbif::find_table(table)) {
+        const dbif::TableInfo* keyed = dbif::find_data_table(table);
+        if (const dbif::TableInfo* found = keyed != nullptr ? keyed : dbif::find_table(table)) {
             tables.add(found->table);
         }
     }
@@ -27,10 +27,10 @@ dbif::TableSet tables_of(const DBIF_Query& query)
 
 DBIF_Query::Join join_of(dbif::RecordTable child, dbif::RecordTable parent)
 {
-    const std::string_view name = dbif::facts(parent).name;
+    const std::string_view name = dbif::table_info(parent).name;
     dbif::SqlText condition;
     condition << dbif::qualified(name, "id") << " = "
-              << dbif::qualified(dbif::facts(child).name, dbif::link_column(child, parent));
+              << dbif::qualified(dbif::table_info(child).name, dbif::link_column(child, parent));
     return {dbif::to_qt(name), condition.toQt()};
 }
 } // namespace

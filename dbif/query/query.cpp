@@ -133,7 +133,7 @@ void DBIF_Query::preprocessQuery()
     }
     for (const QString& table : std::as_const(compared)) {
         // A comparison of a key looks the key up for the record, whose own table has to be there.
-        const dbif::TableFacts* keyed = dbif::find_data_table(dbif::to_utf8(table));
+        const dbif::TableInfo* keyed = dbif::find_data_table(dbif::to_utf8(table));
         tables.insert(keyed == nullptr ? table : dbif::to_qt(keyed->name));
     }
     data_->tables = tables;

@@ -96,19 +96,19 @@ RecordQuery::RecordQuery(
           simplified_and_checked(condition, base_),
           base_,
           connection_,
-          [this](const std::vector<ConditionTree>& alternatives) { return united(alternatives); }))
+          [this](const std::vector<ConditionTree>& alternatives) { return unionOf(alternatives); }))
 {}
 
 namespace {
 /// The table whose superseded records do not count when `lowest` is the lowest table looked at.
-const TableFacts* latest_table(RecordTable lowest)
+const TableInfo* latest_table(RecordTable lowest)
 {
     switch (lowest) {
     case RecordTable::Setup:
-        return &facts(RecordTable::Setup);
+        return &table_info(RecordTable::Setup);
     case RecordTable::MeasurementCondition:
     case RecordTable::Measurement:
-        return &facts(RecordTable::Measurement);
+        return &table_info(RecordTable::Measurement);
     default:
         return nullptr;
     }
@@ -129,7 +129,7 @@ bool picks_by_key(const ColumnComparison& comparison, RecordTable table)
 }
 
 /// Whether the companion table alone says so for a record that another comparison picks.
-bool looks_up_key(const ConditionTree& part, RecordTable table)
+bool can_be_joined(const ConditionTree& part, RecordTable table)
 {
     if (part.kind() != Kind::Comparison) {
         return false;
@@ -145,13 +145,13 @@ bool looks_up_key(const ConditionTree& part, RecordTable table)
 SqlText join_keys(RecordTable base, DBIF_Connection& connection, std::vector<ConditionTree>* rest)
 {
     constexpr std::size_t kMostJoins = 16;
-    const TableFacts& f = facts(base);
+    const TableInfo& f = table_info(base);
     const SqlText link = SqlText() << SqlName(f.linkColumn());
     SqlText joins;
     std::vector<ConditionTree> kept;
     std::size_t count = 0;
     for (const ConditionTree& part : *rest) {
-        if (count == kMostJoins || !looks_up_key(part, base)) {
+        if (count == kMostJoins || !can_be_joined(part, base)) {
             kept.push_back(part);
             continue;
         }
@@ -167,7 +167,7 @@ SqlText join_keys(RecordTable base, DBIF_Connection& connection, std::vector<Con
 } // namespace
 
 /// The alternatives as one set of ids of the base.
-ConditionTree RecordQuery::united(const std::vector<ConditionTree>& alternatives) const
+ConditionTree RecordQuery::unionOf(const std::vector<ConditionTree>& alternatives) const
 {
     SqlText parts;
     for (const ConditionTree& alternative : alternatives) {
@@ -176,9 +176,9 @@ ConditionTree RecordQuery::united(const std::vector<ConditionTree>& alternatives
         const RecordQuery records(connection_, {base_}, alternative, latestOnly_ && looksBelow);
         parts << (parts.isEmpty() ? SqlText() : SqlText("\nUNION\n")) << records.selectIds();
     }
-    SqlText select;
-    select << "SELECT id FROM (" << parts << ") AS united";
-    return ConditionTree::comparison({base_, std::move(select)});
+    RecordIds records;
+    records.sql << "SELECT id FROM (" << parts << ") AS alternatives";
+    return ConditionTree::comparison({base_, std::move(records)});
 }
 
 RecordQuery::Split RecordQuery::split(const ConditionTree& condition) const
@@ -195,7 +195,7 @@ RecordQuery::Split RecordQuery::split(const ConditionTree& condition) const
 TableSet RecordQuery::innerTables(RecordTable lowest, const TableSet& required) const
 {
     TableSet inner = with_paths(lowest, required);
-    const TableFacts* latest = latestOnly_ ? latest_table(lowest) : nullptr;
+    const TableInfo* latest = latestOnly_ ? latest_table(lowest) : nullptr;
     if (latest != nullptr) {
         inner.add(with_paths(lowest, {latest->table}));
     }
@@ -208,14 +208,14 @@ RecordQuery::from(RecordTable lowest, const TableSet& needed, const TableSet& re
     const TableSet inner = innerTables(lowest, required);
     TableSet all = with_paths(lowest, needed);
     all.add(inner);
-    const TableFacts* latest = latestOnly_ ? latest_table(lowest) : nullptr;
+    const TableInfo* latest = latestOnly_ ? latest_table(lowest) : nullptr;
 
     SqlText sql;
     for (const RecordTable table : kUpwards) {
         if (!all.has(table)) {
             continue;
         }
-        const TableFacts& f = facts(table);
+        const TableInfo& f = table_info(table);
         SqlText name;
         name << SqlName(f.name);
         if (latest == &f) {
@@ -230,7 +230,7 @@ RecordQuery::from(RecordTable lowest, const TableSet& needed, const TableSet& re
         const RecordTable child = path[path.size() - 2];
         sql << (inner.has(table) ? SqlText("\nJOIN ") : SqlText("\nLEFT JOIN ")) << name << " ON "
             << qualified(f.name, "id") << " = "
-            << qualified(facts(child).name, link_column(child, table));
+            << qualified(table_info(child).name, link_column(child, table));
     }
     return sql;
 }
@@ -260,8 +260,8 @@ SqlText RecordQuery::subSelect(RecordTable lowest, const ConditionTree& tree) co
     required.add(child);
     TableSet needed = tables_of(tree);
     needed.add(required);
-    const SqlText id = qualified(facts(base_).name, "id");
-    const SqlText link = qualified(facts(child).name, link_column(child, base_));
+    const SqlText id = qualified(table_info(base_).name, "id");
+    const SqlText link = qualified(table_info(child).name, link_column(child, base_));
     // A sub-select that has the base itself among its tables cannot name the record outside.
     const bool isLookUp = is_looked_up(tree) && !with_paths(lowest, needed).has(base_) &&
                           !innerTables(lowest, required).has(base_);
@@ -348,7 +348,7 @@ SqlText RecordQuery::select(const std::vector<SqlText>& expressions, bool isDist
 
 SqlText RecordQuery::selectIds() const
 {
-    const SqlText id = qualified(facts(base_).name, "id");
+    const SqlText id = qualified(table_info(base_).name, "id");
     std::vector<ConditionTree> rest = condition_.conjuncts();
     const auto driver = std::find_if(rest.begin(), rest.end(), [this](const ConditionTree& part) {
         return part.kind() == Kind::Comparison && picks_by_key(part.comparison(), base_);
@@ -369,10 +369,10 @@ SqlText RecordQuery::selectIds() const
     DBIF_Connection connection = connection_;
     const SqlText joins = join_keys(base_, connection, &rest);
     SqlText link;
-    link << SqlName(facts(base_).linkColumn()) << " AS id";
+    link << SqlName(table_info(base_).linkColumn()) << " AS id";
     SqlText sql = "SELECT ";
     return sql << id << "\nFROM (" << records_with_key(link, picking, connection) << ") AS "
-               << SqlName(facts(base_).name) << joins
+               << SqlName(table_info(base_).name) << joins
                << where(split(ConditionTree::joined(Kind::And, rest)));
 }
 } // namespace dbif

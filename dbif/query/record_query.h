@@ -42,7 +42,7 @@ private:
         ConditionTree below;
     };
 
-    [[nodiscard]] ConditionTree united(const std::vector<ConditionTree>& alternatives) const;
+    [[nodiscard]] ConditionTree unionOf(const std::vector<ConditionTree>& alternatives) const;
     [[nodiscard]] Split split(const ConditionTree& condition) const;
     [[nodiscard]] SqlText where(const Split& parts) const;
     [[nodiscard]] SqlText belowCriteria(const ConditionTree& below) const;

@@ -19,9 +19,9 @@ constexpr std::size_t kPassedPerLookUp = 10;
 
 bool may_drive(const ColumnComparison& comparison)
 {
-    if (comparison.isOnPoints() || comparison.idSelect.has_value() ||
-        comparison.comparator == IS_NULL || comparison.comparator == NOT_NULL ||
-        comparison.comparator == NOT_EQUAL || comparison.comparator == NOT_IN) {
+    if (comparison.isOnPoints() || comparison.ids.has_value() || comparison.comparator == IS_NULL ||
+        comparison.comparator == NOT_NULL || comparison.comparator == NOT_EQUAL ||
+        comparison.comparator == NOT_IN) {
         return false;
     }
     if (comparison.column.isKey()) {
@@ -101,7 +101,7 @@ bool Selectivity::doesSelectMore(const ColumnComparison& comparison, std::size_t
     if (comparison.column.isKey()) {
         sql = records_with_key("1", comparison, connection_);
     } else {
-        sql << "SELECT 1 FROM " << SqlName(facts(comparison.column.table()).name) << " WHERE "
+        sql << "SELECT 1 FROM " << SqlName(table_info(comparison.column.table()).name) << " WHERE "
             << criteria(ConditionTree::comparison(comparison), connection_);
     }
     sql << " LIMIT 1 OFFSET " << static_cast<long long>(limit / fanOut(comparison.column.table()));

@@ -18,9 +18,9 @@ DBIF_VantoQuery column_values_query(
     bool latestOnly,
     bool distinct);
 
-/// A fixed column of a table class by the facts about the table.
+/// A fixed column of a table class by the description of the column.
 template <typename Record>
-DBIF_FixedColumn<Record> fixed_column(const FixedColumnFacts& column)
+DBIF_FixedColumn<Record> fixed_column(const FixedColumnInfo& column)
 {
     const ColumnTraits traits;
     return {
@@ -40,7 +40,7 @@ public:
     static QList<DBIF_FixedColumn<Record>> fixedColumns()
     {
         QList<DBIF_FixedColumn<Record>> columns;
-        for (const FixedColumnFacts& column : facts(table).fixedColumns) {
+        for (const FixedColumnInfo& column : table_info(table).fixedColumns) {
             columns.append(fixed_column<Record>(column));
         }
         return columns;
@@ -77,7 +77,7 @@ public:
 protected:
     static DBIF_FixedColumn<Record> column(std::string_view name)
     {
-        for (const FixedColumnFacts& candidate : facts(table).fixedColumns) {
+        for (const FixedColumnInfo& candidate : table_info(table).fixedColumns) {
             if (candidate.name == name) {
                 return fixed_column<Record>(candidate);
             }
@@ -88,7 +88,7 @@ protected:
     /// The column of companion tables that links to a record; it is not a column of the table.
     static DBIF_FixedColumn<Record> link()
     {
-        return fixed_column<Record>({facts(table).linkColumn(), FixedKind::Id, Indexed::No});
+        return fixed_column<Record>({table_info(table).linkColumn(), FixedKind::Id, Indexed::No});
     }
 };
 

@@ -148,7 +148,7 @@ ResultColumn read_key_values(
     const KeyDefinition& definition,
     const SqlText& idSelect)
 {
-    const TableFacts& f = facts(table);
+    const TableInfo& f = table_info(table);
     const SqlText value = value_column(definition);
     SqlText sql;
     sql << "SELECT " << value << " FROM " << SqlName(f.dataTable()) << " WHERE "
@@ -187,7 +187,7 @@ ResultColumn read_key_beside(
     RowMask* hasValue)
 {
     const TraceStep step(connection.trace(), "read the keys of the records");
-    const TableFacts& f = facts(table);
+    const TableInfo& f = table_info(table);
     ResultColumn column = empty_column(key_column_kind(definition.kind), hasValue->size());
     const std::vector<int>& ids = rows.distinctIds();
     SqlText sql;
@@ -207,7 +207,7 @@ ResultColumn read_key_beside(
     return column;
 }
 
-Kind fixed_column_kind(const FixedColumnFacts& fixed)
+Kind fixed_column_kind(const FixedColumnInfo& fixed)
 {
     switch (fixed.kind) {
     case FixedKind::Id:
@@ -239,7 +239,7 @@ RecordCells::RecordCells(const std::vector<TableColumn>& sources) : sources_(sou
 
 std::size_t RecordCells::add(RecordTable table, std::string_view column, Kind kind)
 {
-    expressions_.push_back(qualified(facts(table).name, column));
+    expressions_.push_back(qualified(table_info(table).name, column));
     kinds_.push_back(kind);
     return expressions_.size() - 1;
 }

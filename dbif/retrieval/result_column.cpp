@@ -1,7 +1,7 @@
 #include "dbif/retrieval/result_column.h"
 
 #include "dbif/host/host_number.h"
-#include "dbif/host/parallel_parts.h"
+#include "dbif/host/parallel_for.h"
 #include "dbif/value/complex_values.h"
 
 #include <algorithm>
@@ -112,7 +112,7 @@ std::vector<std::string> formatted(const std::vector<T>& values, const Format& f
 {
     constexpr std::size_t kWorthAThread = 20'000;
     std::vector<std::string> texts(values.size());
-    for_parts(values.size(), kWorthAThread, [&](std::size_t first, std::size_t last) {
+    parallel_for(values.size(), kWorthAThread, [&](std::size_t first, std::size_t last) {
         format_part(values, format, first, std::span(texts).subspan(first, last - first));
     });
     return texts;

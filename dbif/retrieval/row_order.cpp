@@ -1,6 +1,6 @@
 #include "dbif/retrieval/row_order.h"
 
-#include "dbif/host/parallel_parts.h"
+#include "dbif/host/parallel_for.h"
 #include "dbif/retrieval/value_codes.h"
 #include "dbif/retrieval/value_order.h"
 
@@ -53,7 +53,7 @@ template <typename T>
 void apply_order(const std::vector<Row>& order, std::vector<T>* values)
 {
     std::vector<T> ordered(values->size());
-    for_parts(order.size(), kWorthAThread, [&](std::size_t first, std::size_t last) {
+    parallel_for(order.size(), kWorthAThread, [&](std::size_t first, std::size_t last) {
         for (std::size_t i = first; i < last; ++i) {
             ordered[i] = std::move((*values)[order[i]]);
         }
@@ -97,7 +97,7 @@ void sort_values(std::vector<double>* numbers)
     }
     std::vector<std::uint64_t> ranks(numbers->size());
     const auto middle = ranks.begin() + static_cast<std::ptrdiff_t>(ranks.size() / 2);
-    for_parts(
+    parallel_for(
         2, ranks.size() < 2 * kWorthAThread ? 2 : 1, [&](std::size_t first, std::size_t last) {
             const auto begin = first == 0 ? ranks.begin() : middle;
             const auto end = last == 2 ? ranks.end() : middle;
@@ -308,7 +308,7 @@ void sort_rows(const std::vector<SortKey>& keys, QueryResult* result)
     GroupedRows grouped = group_rows(keys, *result);
     const RowSorter sorter(keys, *result);
     const std::size_t groups = grouped.starts.size() - 1;
-    for_parts(
+    parallel_for(
         groups, result->rows < kWorthAThread ? groups : 1,
         [&](std::size_t first, std::size_t last) {
             for (std::size_t group = first; group < last; ++group) {

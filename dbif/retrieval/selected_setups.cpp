@@ -50,7 +50,8 @@ bool add_key(
 ConditionTree has_one_of(const std::vector<KeyDefinition>& keys, bool isLookedUp)
 {
     SqlText sql = "SELECT setup_id AS id FROM setup_association WHERE setup_column_id IN (";
-    ColumnComparison comparison(RecordTable::Setup, sql << listed(keys, &KeyDefinition::id) << ")");
+    ColumnComparison comparison(
+        RecordTable::Setup, RecordIds{sql << listed(keys, &KeyDefinition::id) << ")"});
     comparison.isLookedUp = isLookedUp;
     return ConditionTree::comparison(std::move(comparison));
 }

@@ -21,7 +21,7 @@ DBIF_VantoJoinAlgorithm& join_algorithm()
 /// setup.
 dbif::SqlText expression_of(const dbif::TableColumn& source)
 {
-    const dbif::TableFacts& f = dbif::facts(source.table());
+    const dbif::TableInfo& f = dbif::table_info(source.table());
     dbif::SqlText id = dbif::qualified(f.name, "id");
     if (!source.isKey()) {
         return dbif::qualified(f.name, source.fixed().name);
@@ -72,7 +72,7 @@ dbif::SqlText select_of(const DBIF_Query::SharedData& data, const NameOf& nameOf
     }
     dbif::TableSet tables = dbif::tables_of(sources);
     for (const QString& added : data.addedTables) {
-        if (const dbif::TableFacts* found = dbif::find_table(dbif::to_utf8(added))) {
+        if (const dbif::TableInfo* found = dbif::find_table(dbif::to_utf8(added))) {
             tables.add(found->table);
         }
     }

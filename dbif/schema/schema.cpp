@@ -39,7 +39,7 @@ std::set<std::string> tables_of(QSqlDatabase& database, const SqlDialect& dialec
     return names;
 }
 
-/// Writes the statements of the schema, table by table, from the facts about the tables.
+/// Writes the statements of the schema, table by table, from the descriptions of the tables.
 class SchemaWriter
 {
 public:
@@ -56,7 +56,7 @@ public:
         writeInformation();
         writeDirectory();
         for (const RecordTable table : kRecordTables) {
-            const TableFacts& f = facts(table);
+            const TableInfo& f = table_info(table);
             writeRecords(f);
             writeColumns(f);
             if (f.keys == KeyKind::Direction) {
@@ -96,11 +96,11 @@ private:
             SqlText row;
             run(database_, row << "INSERT INTO multi_table (id, column_table_name) VALUES ("
                                << static_cast<int>(table) + 1 << ", "
-                               << SqlLiteral(facts(table).columnTable()) << ")");
+                               << SqlLiteral(table_info(table).columnTable()) << ")");
         }
     }
 
-    [[nodiscard]] const SqlText& typeOf(const FixedColumnFacts& column) const
+    [[nodiscard]] const SqlText& typeOf(const FixedColumnInfo& column) const
     {
         if (column.kind == FixedKind::Text) {
             return column.name == "modified_time" ? types_.time : types_.text;
@@ -108,14 +108,14 @@ private:
         return column.kind == FixedKind::Number ? types_.number : types_.id;
     }
 
-    void writeRecords(const TableFacts& f)
+    void writeRecords(const TableInfo& f)
     {
         SqlText sql;
         sql << "CREATE TABLE " << SqlName(f.name) << " (id " << types_.id << " PRIMARY KEY";
         for (const ParentLink& link : f.parents) {
             sql << ", " << SqlName(link.column) << " " << types_.id;
         }
-        for (const FixedColumnFacts& column : f.fixedColumns.subspan(1)) {
+        for (const FixedColumnInfo& column : f.fixedColumns.subspan(1)) {
             sql << ", " << SqlName(column.name) << " " << typeOf(column);
         }
         // A digest of what makes a record the one it is; missing equals missing in it.
@@ -128,7 +128,7 @@ private:
         for (const ParentLink& link : f.parents) {
             index(f.name, link.column, SqlText() << SqlName(link.column));
         }
-        for (const FixedColumnFacts& column : f.fixedColumns.subspan(1)) {
+        for (const FixedColumnInfo& column : f.fixedColumns.subspan(1)) {
             if (column.indexed == Indexed::Yes) {
                 const SqlName name(column.name);
                 const bool isLongText =
@@ -150,7 +150,7 @@ private:
         }
     }
 
-    void writeColumns(const TableFacts& f)
+    void writeColumns(const TableInfo& f)
     {
         SqlText sql;
         sql << "CREATE TABLE " << SqlName(f.columnTable()) << " (id " << types_.id
@@ -171,7 +171,7 @@ private:
     }
 
     /// One row per record and key. The association is a view of it.
-    void writeKeys(const TableFacts& f)
+    void writeKeys(const TableInfo& f)
     {
         const SqlName data(f.dataTable());
         const SqlName record(f.linkColumn());
@@ -192,7 +192,7 @@ private:
     }
 
     /// What a setup holds, with bounds, and the packed columns.
-    void writeSweeps(const TableFacts& f)
+    void writeSweeps(const TableInfo& f)
     {
         SqlText association;
         run(database_, association << "CREATE TABLE " << SqlName(f.associationTable())
@@ -280,7 +280,7 @@ SchemaParts schema_parts()
 {
     SchemaParts parts;
     for (const RecordTable table : kRecordTables) {
-        const TableFacts& f = facts(table);
+        const TableInfo& f = table_info(table);
         for (const std::string& name : {std::string(f.name), f.columnTable(), f.dataTable()}) {
             parts.tables.push_back(name);
         }
@@ -389,7 +389,7 @@ void refuse(const std::string& reason)
 bool has_records(QSqlDatabase& database, const std::set<std::string>& tables)
 {
     return std::any_of(kRecordTables.begin(), kRecordTables.end(), [&](RecordTable table) {
-        const std::string name(facts(table).name);
+        const std::string name(table_info(table).name);
         if (!tables.contains(name)) {
             return false;
         }

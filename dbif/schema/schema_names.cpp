@@ -6,49 +6,49 @@ namespace dbif {
 namespace {
 using enum FixedKind;
 
-constexpr FixedColumnFacts kId{"id", Id, Indexed::Yes};
-constexpr FixedColumnFacts kTime{"modified_time", Text, Indexed::Yes};
-constexpr FixedColumnFacts kUser{"user"};
-constexpr FixedColumnFacts kIndexedName{"name", Text, Indexed::Yes};
+constexpr FixedColumnInfo kId{"id", Id, Indexed::Yes};
+constexpr FixedColumnInfo kTime{"modified_time", Text, Indexed::Yes};
+constexpr FixedColumnInfo kUser{"user"};
+constexpr FixedColumnInfo kIndexedName{"name", Text, Indexed::Yes};
 
 constexpr std::array kCatalogEntryColumns{
     kId,
-    FixedColumnFacts{"application"},
-    FixedColumnFacts{"application_version"},
-    FixedColumnFacts{"run_type"},
-    FixedColumnFacts{"start_time"},
-    FixedColumnFacts{"end_time"},
-    FixedColumnFacts{"model_text"},
-    FixedColumnFacts{"schema_version"},
+    FixedColumnInfo{"application"},
+    FixedColumnInfo{"application_version"},
+    FixedColumnInfo{"run_type"},
+    FixedColumnInfo{"start_time"},
+    FixedColumnInfo{"end_time"},
+    FixedColumnInfo{"model_text"},
+    FixedColumnInfo{"schema_version"},
     kTime,
     kUser};
 constexpr std::array kRoutineColumns{
-    kId, FixedColumnFacts{"name"}, FixedColumnFacts{"definition"}, kTime, kUser};
+    kId, FixedColumnInfo{"name"}, FixedColumnInfo{"definition"}, kTime, kUser};
 constexpr std::array kDieColumns{
     kId,
-    FixedColumnFacts{"lot", Text, Indexed::Yes},
-    FixedColumnFacts{"wafer"},
-    FixedColumnFacts{"die"},
-    FixedColumnFacts{"block"},
+    FixedColumnInfo{"lot", Text, Indexed::Yes},
+    FixedColumnInfo{"wafer"},
+    FixedColumnInfo{"die"},
+    FixedColumnInfo{"block"},
     kTime,
     kUser};
 constexpr std::array kDeviceColumns{
     kId,
     kIndexedName,
-    FixedColumnFacts{"device_type"},
-    FixedColumnFacts{"parent_subsite_name"},
-    FixedColumnFacts{"position_within_subsite"},
+    FixedColumnInfo{"device_type"},
+    FixedColumnInfo{"parent_subsite_name"},
+    FixedColumnInfo{"position_within_subsite"},
     kTime,
     kUser};
 constexpr std::array kMeasurementColumns{
-    kId, FixedColumnFacts{"temperature", Number, Indexed::Yes}, kTime, kUser};
-constexpr std::array kMeasurementConditionColumns{kId, FixedColumnFacts{"name"}, kTime, kUser};
+    kId, FixedColumnInfo{"temperature", Number, Indexed::Yes}, kTime, kUser};
+constexpr std::array kMeasurementConditionColumns{kId, FixedColumnInfo{"name"}, kTime, kUser};
 constexpr std::array kSetupColumns{
     kId,
     kIndexedName,
-    FixedColumnFacts{"path"},
-    FixedColumnFacts{"run_type"},
-    FixedColumnFacts{"data_origin"},
+    FixedColumnInfo{"path"},
+    FixedColumnInfo{"run_type"},
+    FixedColumnInfo{"data_origin"},
     kTime,
     kUser};
 
@@ -67,7 +67,7 @@ constexpr std::array<std::string_view, 4> kDieIdentity{"lot", "wafer", "die", "b
 constexpr std::array<std::string_view, 4> kDeviceIdentity{
     "die_id", "name", "parent_subsite_name", "position_within_subsite"};
 
-constexpr std::array<TableFacts, kRecordTables.size()> kFacts{{
+constexpr std::array<TableInfo, kRecordTables.size()> kTableInfo{{
     {RecordTable::CatalogEntry, "catalog_entry", KeyKind::Plain, {}, kCatalogEntryColumns, {}},
     {RecordTable::Device, "device", KeyKind::Category, kDeviceParents, kDeviceColumns,
      kDeviceIdentity},
@@ -89,14 +89,14 @@ constexpr std::array<TableFacts, kRecordTables.size()> kFacts{{
 }};
 } // namespace
 
-const TableFacts& facts(RecordTable table)
+const TableInfo& table_info(RecordTable table)
 {
-    return kFacts.at(static_cast<std::size_t>(table));
+    return kTableInfo.at(static_cast<std::size_t>(table));
 }
 
-const TableFacts* find_table(std::string_view name)
+const TableInfo* find_table(std::string_view name)
 {
-    for (const TableFacts& table : kFacts) {
+    for (const TableInfo& table : kTableInfo) {
         if (table.name == name) {
             return &table;
         }
@@ -104,15 +104,15 @@ const TableFacts* find_table(std::string_view name)
     return nullptr;
 }
 
-const FixedColumnFacts* find_fixed_column(const TableFacts& table, std::string_view name)
+const FixedColumnInfo* find_fixed_column(const TableInfo& table, std::string_view name)
 {
     const auto found = std::find_if(
         table.fixedColumns.begin(), table.fixedColumns.end(),
-        [name](const FixedColumnFacts& column) { return column.name == name; });
+        [name](const FixedColumnInfo& column) { return column.name == name; });
     return found == table.fixedColumns.end() ? nullptr : &*found;
 }
 
-const TableFacts* find_data_table(std::string_view dataTable)
+const TableInfo* find_data_table(std::string_view dataTable)
 {
     constexpr std::string_view kSuffix = "_data";
     return dataTable.ends_with(kSuffix)

@@ -50,7 +50,7 @@ enum class FixedKind { Id, Number, Text };
 /// How a fixed column is indexed.
 enum class Indexed { No, Yes };
 
-struct FixedColumnFacts
+struct FixedColumnInfo
 {
     std::string_view name;
     FixedKind kind = FixedKind::Text;
@@ -65,13 +65,13 @@ struct ParentLink
 };
 
 /// All that differs between the record tables.
-struct TableFacts
+struct TableInfo
 {
     RecordTable table;
     std::string_view name;
     KeyKind keys;
     std::span<const ParentLink> parents;
-    std::span<const FixedColumnFacts> fixedColumns;
+    std::span<const FixedColumnInfo> fixedColumns;
     /// The columns whose digest identifies a record; empty for tables whose records are always new.
     std::span<const std::string_view> identity;
 
@@ -97,11 +97,11 @@ struct TableFacts
     [[nodiscard]] std::string latestView() const { return "latest_" + std::string(name); }
 };
 
-const TableFacts& facts(RecordTable table);
+const TableInfo& table_info(RecordTable table);
 /// The record table of that name; null when there is none.
-const TableFacts* find_table(std::string_view name);
+const TableInfo* find_table(std::string_view name);
 /// The fixed column of that name; null when the table has none.
-const FixedColumnFacts* find_fixed_column(const TableFacts& table, std::string_view name);
+const FixedColumnInfo* find_fixed_column(const TableInfo& table, std::string_view name);
 /// The record table whose keys stand in the data table of that name; null when there is none.
-const TableFacts* find_data_table(std::string_view dataTable);
+const TableInfo* find_data_table(std::string_view dataTable);
 } // namespace dbif

@@ -6,7 +6,7 @@ namespace dbif {
 TableSet with_ancestors(RecordTable table)
 {
     TableSet tables{table};
-    for (const ParentLink& link : facts(table).parents) {
+    for (const ParentLink& link : table_info(table).parents) {
         tables.add(with_ancestors(link.parent));
     }
     return tables;
@@ -27,7 +27,7 @@ std::vector<RecordTable> path_up(RecordTable table, RecordTable ancestor)
     if (table == ancestor) {
         return {table};
     }
-    for (const ParentLink& link : facts(table).parents) {
+    for (const ParentLink& link : table_info(table).parents) {
         if (with_ancestors(link.parent).has(ancestor)) {
             std::vector<RecordTable> path = path_up(link.parent, ancestor);
             path.insert(path.begin(), table);
@@ -39,7 +39,7 @@ std::vector<RecordTable> path_up(RecordTable table, RecordTable ancestor)
 
 std::string_view link_column(RecordTable table, RecordTable parent)
 {
-    for (const ParentLink& link : facts(table).parents) {
+    for (const ParentLink& link : table_info(table).parents) {
         if (link.parent == parent) {
             return link.column;
         }

@@ -2,7 +2,7 @@
 
 #include "dbif/connection/bulk_cursor.h"
 #include "dbif/engine/read_trace.h"
-#include "dbif/host/work_beside.h"
+#include "dbif/host/background_task.h"
 
 #include <algorithm>
 #include <array>
@@ -140,7 +140,7 @@ void read_sweeps(
     ReadTrace* const trace = connection.trace();
     const BlockReader reader(connection, columns, others);
     std::array<SweepBlock, 2> blocks{SweepBlock(columns), SweepBlock(columns)};
-    WorkBeside beside;
+    BackgroundTask task;
     SweepBlock* block = &blocks[0];
     SweepBlock* used = &blocks[1];
     for (std::size_t first = 0; first < setups.size();) {
@@ -150,10 +150,10 @@ void read_sweeps(
             use_block(trace, use, block);
         };
         if (trace == nullptr && first < setups.size()) {
-            beside.begin(work);
+            task.begin(work);
         } else {
             // Nothing is left to read meanwhile. A trace notes one step at a time.
-            beside.finish();
+            task.finish();
             work();
         }
         std::swap(block, used);

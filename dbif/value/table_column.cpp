@@ -3,7 +3,7 @@
 namespace dbif {
 TableColumn TableColumn::id(RecordTable table)
 {
-    return {table, *find_fixed_column(facts(table), "id")};
+    return {table, *find_fixed_column(table_info(table), "id")};
 }
 
 std::string_view TableColumn::name() const
@@ -18,7 +18,7 @@ std::string_view TableColumn::uniqueName() const
 
 std::string TableColumn::tableName() const
 {
-    return isKey() ? facts(table_).dataTable() : std::string(facts(table_).name);
+    return isKey() ? table_info(table_).dataTable() : std::string(table_info(table_).name);
 }
 
 ValueKind TableColumn::kind() const
@@ -31,13 +31,13 @@ ValueKind TableColumn::kind() const
 
 std::optional<TableColumn> find_column(std::string_view table, std::string_view column)
 {
-    if (const TableFacts* keyed = find_data_table(table)) {
+    if (const TableInfo* keyed = find_data_table(table)) {
         std::optional<KeyDefinition> key = split_column_key(column);
         return key.has_value() ? std::optional<TableColumn>({keyed->table, std::move(*key)})
                                : std::nullopt;
     }
-    const TableFacts* found = find_table(table);
-    const FixedColumnFacts* fixed = found == nullptr ? nullptr : find_fixed_column(*found, column);
+    const TableInfo* found = find_table(table);
+    const FixedColumnInfo* fixed = found == nullptr ? nullptr : find_fixed_column(*found, column);
     return fixed == nullptr ? std::nullopt : std::optional<TableColumn>({found->table, *fixed});
 }
 
@@ -52,7 +52,7 @@ TableSet tables_of(const std::vector<TableColumn>& columns)
 
 std::string display_name(const TableColumn& column)
 {
-    return std::string(facts(column.table()).name) + (column.isKey() ? " key " : ".") +
+    return std::string(table_info(column.table()).name) + (column.isKey() ? " key " : ".") +
            std::string(column.name());
 }
 } // namespace dbif

@@ -17,8 +17,8 @@ namespace dbif {
 class TableColumn
 {
 public:
-    /// `column` is one of the table's facts.
-    TableColumn(RecordTable table, const FixedColumnFacts& column) : table_(table), column_(&column)
+    /// `column` is one of the table's fixed columns (`table_info`).
+    TableColumn(RecordTable table, const FixedColumnInfo& column) : table_(table), column_(&column)
     {}
 
     TableColumn(RecordTable table, KeyDefinition key) : table_(table), column_(std::move(key)) {}
@@ -31,9 +31,9 @@ public:
     [[nodiscard]] bool isKey() const { return std::holds_alternative<KeyDefinition>(column_); }
 
     /// Of a fixed column.
-    [[nodiscard]] const FixedColumnFacts& fixed() const
+    [[nodiscard]] const FixedColumnInfo& fixed() const
     {
-        return *std::get<const FixedColumnFacts*>(column_);
+        return *std::get<const FixedColumnInfo*>(column_);
     }
 
     /// Of a key.
@@ -65,7 +65,7 @@ public:
 
 private:
     RecordTable table_;
-    std::variant<const FixedColumnFacts*, KeyDefinition> column_;
+    std::variant<const FixedColumnInfo*, KeyDefinition> column_;
 };
 
 /// The column that texts name: a record table and its fixed column, or a data table and the unique

@@ -48,7 +48,7 @@ void check_name(const std::string& name, NewKeyNames names)
     }
 }
 
-void check_category(const TableFacts& f, const std::string& name, const std::string& category)
+void check_category(const TableInfo& f, const std::string& name, const std::string& category)
 {
     static const std::array kDeviceCategories{
         &DBIF_DeviceColumn::ID_CATEGORY,          &DBIF_DeviceColumn::PHYSICAL_CATEGORY,
@@ -145,7 +145,7 @@ int KeyWriter::define(
     if (known != ids.end()) {
         return known->second;
     }
-    const TableFacts& f = facts(table);
+    const TableInfo& f = table_info(table);
     check_name(name, names_);
     check_category(f, name, category);
     const int id = rows_.nextId(f.columnTable());
@@ -174,7 +174,7 @@ void KeyWriter::add(
     const std::vector<KeyValue>& keys,
     StoredKeys* written)
 {
-    const TableFacts& f = facts(table);
+    const TableInfo& f = table_info(table);
     StoredKeys own;
     StoredKeys& known = written == nullptr ? own : *written;
     for (const KeyValue& key : keys) {
@@ -209,7 +209,7 @@ void KeyWriter::add(
 
 StoredKeys KeyWriter::read(RecordTable table, int record)
 {
-    const TableFacts& f = facts(table);
+    const TableInfo& f = table_info(table);
     StoredKeys stored;
     SqlText sql;
     sql << "SELECT " << SqlName(f.columnLink()) << ", number, text FROM " << SqlName(f.dataTable())

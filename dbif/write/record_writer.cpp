@@ -39,7 +39,7 @@ FixedTexts columns_of(const Fields& fields)
 {
     FixedTexts columns;
     for_each_field(fields, [&columns](std::string_view column, const std::string& text) {
-        const std::string table(facts(Fields::kTable).name);
+        const std::string table(table_info(Fields::kTable).name);
         check_text(text, "The value of \"" + table + "." + std::string(column) + "\"");
         columns.emplace(column, text);
     });
@@ -60,7 +60,7 @@ std::string user_name()
 
 /// The digest of a record's own columns behind that of its parent.
 std::string
-identity_of(const TableFacts& f, const std::string& parentDigest, const FixedTexts& columns)
+identity_of(const TableInfo& f, const std::string& parentDigest, const FixedTexts& columns)
 {
     RecordIdentity identity;
     identity.text(f.name).text(parentDigest);
@@ -116,7 +116,7 @@ public:
 
     /// Inserts a record: links, fixed texts, time and user, identity.
     int insert(
-        const TableFacts& f,
+        const TableInfo& f,
         const std::vector<int>& links,
         const FixedTexts& columns,
         const std::optional<double>& number,
@@ -134,7 +134,7 @@ public:
         if (id == 0 || known != digests_.end()) {
             return id == 0 ? std::string() : known->second;
         }
-        const TableFacts& f = facts(table);
+        const TableInfo& f = table_info(table);
         SqlText sql;
         sql << "SELECT identity FROM " << SqlName(f.name) << " WHERE id = " << id;
         BulkCursor cursor(connection_, sql);
@@ -163,7 +163,7 @@ public:
     }
 
     int findOrAdd(
-        const TableFacts& f,
+        const TableInfo& f,
         const std::string& parentDigest,
         const std::vector<int>& links,
         const FixedTexts& columns,
@@ -197,7 +197,7 @@ public:
                 __FILE__, __LINE__);
         }
         const int id = insert(
-            facts(RecordTable::Setup), {condition}, columns_of(fields), std::nullopt, digest);
+            table_info(RecordTable::Setup), {condition}, columns_of(fields), std::nullopt, digest);
         firstSetup_ = firstSetup_ == 0 ? id : firstSetup_;
         ++measurement(context.measurement).setups;
         return id;
@@ -226,7 +226,7 @@ public:
             }
         }
         transaction_.commit(
-            stamped_.has_value() ? std::string(facts(stamped_->first).name) : std::string(),
+            stamped_.has_value() ? std::string(table_info(stamped_->first).name) : std::string(),
             stamped_.has_value() ? stamped_->second : 0);
         if (rows_.rows() >= kRowsWorthAnalyzing) {
             analyze();
@@ -250,7 +250,7 @@ private:
     [[noreturn]] static void throwMissing(RecordTable table, int id)
     {
         throw_error(
-            "There is no " + std::string(facts(table).name) + " " + std::to_string(id) +
+            "There is no " + std::string(table_info(table).name) + " " + std::to_string(id) +
                 " to add to.",
             __FILE__, __LINE__);
     }
@@ -264,7 +264,7 @@ private:
         return {links, columns, number, transaction_.stamp(), user_, identity};
     }
 
-    void touch(const TableFacts& f, int id)
+    void touch(const TableInfo& f, int id)
     {
         set_modified_time(connection_, f.name, id, transaction_.stamp());
         stamped_ = {f.table, id};
@@ -274,7 +274,7 @@ private:
     {
         std::vector<SqlName> tables;
         for (const RecordTable table : kRecordTables) {
-            const TableFacts& f = facts(table);
+            const TableInfo& f = table_info(table);
             tables.emplace_back(f.name);
             tables.emplace_back(f.columnTable());
             tables.emplace_back(f.dataTable());
@@ -300,20 +300,20 @@ int RecordWriter::addCatalogEntry(
     const CatalogEntryFields& fields,
     const std::vector<KeyValue>& keys)
 {
-    const int id =
-        work_->insert(facts(RecordTable::CatalogEntry), {}, columns_of(fields), std::nullopt, {});
+    const int id = work_->insert(
+        table_info(RecordTable::CatalogEntry), {}, columns_of(fields), std::nullopt, {});
     work_->keys_.add(RecordTable::CatalogEntry, id, keys);
     return id;
 }
 
 int RecordWriter::findOrAddDie(const DieFields& fields)
 {
-    return work_->findOrAdd(facts(RecordTable::Die), {}, {}, columns_of(fields), {});
+    return work_->findOrAdd(table_info(RecordTable::Die), {}, {}, columns_of(fields), {});
 }
 
 int RecordWriter::findOrAddRoutine(const RoutineFields& fields)
 {
-    return work_->findOrAdd(facts(RecordTable::Routine), {}, {}, columns_of(fields), {});
+    return work_->findOrAdd(table_info(RecordTable::Routine), {}, {}, columns_of(fields), {});
 }
 
 int RecordWriter::findOrAddDevice(
@@ -322,7 +322,8 @@ int RecordWriter::findOrAddDevice(
     const std::vector<KeyValue>& keys)
 {
     const std::string dieDigest = work_->digestOf(RecordTable::Die, die);
-    return work_->findOrAdd(facts(RecordTable::Device), dieDigest, {die}, columns_of(fields), keys);
+    return work_->findOrAdd(
+        table_info(RecordTable::Device), dieDigest, {die}, columns_of(fields), keys);
 }
 
 int RecordWriter::addMeasurement(const MeasurementRecord& measurement)
@@ -338,7 +339,7 @@ int RecordWriter::addMeasurement(const MeasurementRecord& measurement)
     MeasurementContext context;
     context.digest = identity.digest();
     const int id = work_->insert(
-        facts(RecordTable::Measurement),
+        table_info(RecordTable::Measurement),
         {measurement.device, measurement.catalogEntry, measurement.routine}, {},
         measurement.temperature, context.digest);
     work_->keys_.add(RecordTable::Measurement, id, measurement.keys);
@@ -353,8 +354,8 @@ int RecordWriter::addCondition(
 {
     const std::string parentDigest = work_->measurement(measurement).digest;
     const int id = work_->insert(
-        facts(RecordTable::MeasurementCondition), {measurement}, columns_of(fields), std::nullopt,
-        {});
+        table_info(RecordTable::MeasurementCondition), {measurement}, columns_of(fields),
+        std::nullopt, {});
     work_->keys_.add(RecordTable::MeasurementCondition, id, keys);
     RecordIdentity identity;
     identity.text(parentDigest).textOrMissing(fields.name);

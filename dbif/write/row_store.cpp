@@ -131,7 +131,7 @@ void insert_text(const std::optional<std::string>& text, RowInserter& row)
     text.has_value() ? row.text(*text) : row.null();
 }
 
-void insert_fixed_column(const FixedColumnFacts& column, const RecordRow& record, RowInserter& row)
+void insert_fixed_column(const FixedColumnInfo& column, const RecordRow& record, RowInserter& row)
 {
     if (column.name == "modified_time") {
         row.text(record.time);
@@ -149,13 +149,13 @@ void insert_fixed_column(const FixedColumnFacts& column, const RecordRow& record
     text == record.columns.end() ? row.null() : row.text(text->second);
 }
 
-std::vector<SqlName> columns_of(const TableFacts& f)
+std::vector<SqlName> columns_of(const TableInfo& f)
 {
     std::vector<SqlName> names{SqlName("id")};
     for (const ParentLink& link : f.parents) {
         names.emplace_back(link.column);
     }
-    for (const FixedColumnFacts& column : f.fixedColumns.subspan(1)) {
+    for (const FixedColumnInfo& column : f.fixedColumns.subspan(1)) {
         names.emplace_back(column.name);
     }
     names.emplace_back("identity");
@@ -163,7 +163,7 @@ std::vector<SqlName> columns_of(const TableFacts& f)
 }
 } // namespace
 
-int insert_record(RowStore& rows, const TableFacts& f, const RecordRow& record)
+int insert_record(RowStore& rows, const TableInfo& f, const RecordRow& record)
 {
     const int id = rows.nextId(f.name);
     RowInserter& row = rows.into(f.name, [&f] { return columns_of(f); });
@@ -171,7 +171,7 @@ int insert_record(RowStore& rows, const TableFacts& f, const RecordRow& record)
     for (const int link : record.links) {
         link == 0 ? row.null() : row.integer(link);
     }
-    for (const FixedColumnFacts& column : f.fixedColumns.subspan(1)) {
+    for (const FixedColumnInfo& column : f.fixedColumns.subspan(1)) {
         insert_fixed_column(column, record, row);
     }
     (record.identity.empty() ? row.null() : row.blob(record.identity)).endRow();

@@ -67,7 +67,7 @@ struct RecordRow
 };
 
 /// Inserts the record and returns its id.
-int insert_record(RowStore& rows, const TableFacts& f, const RecordRow& record);
+int insert_record(RowStore& rows, const TableInfo& f, const RecordRow& record);
 
 /// One key of a setup to insert: what the setup says of it, and its packed values.
 struct SweepRow

@@ -10,7 +10,7 @@ constexpr int kSingleLookups = 200;
 /// What is known of so many records is kept in memory.
 constexpr std::size_t kMostKnown = 100'000;
 
-std::string described(const TableFacts& f, const FixedTexts& columns)
+std::string described(const TableInfo& f, const FixedTexts& columns)
 {
     const auto name = columns.find("name");
     return "The " + std::string(f.name) + " \"" + (name == columns.end() ? "" : name->second) +
@@ -19,7 +19,7 @@ std::string described(const TableFacts& f, const FixedTexts& columns)
 } // namespace
 
 SharedRecords::Found SharedRecords::findOrAdd(
-    const TableFacts& f,
+    const TableInfo& f,
     const RecordRow& record,
     const std::vector<KeyValue>& keys)
 {
@@ -45,7 +45,7 @@ SharedRecords::Found SharedRecords::findOrAdd(
     return {stored->id, false, hasChanged};
 }
 
-SharedRecords::Known* SharedRecords::find(const TableFacts& f, const std::string& identity)
+SharedRecords::Known* SharedRecords::find(const TableInfo& f, const std::string& identity)
 {
     Table& table = tables_[f.table];
     const auto found = table.known.find(identity);
@@ -61,7 +61,7 @@ SharedRecords::Known* SharedRecords::find(const TableFacts& f, const std::string
     return &table.known.emplace(identity, readRecord(f, id)).first->second;
 }
 
-int SharedRecords::lookUp(const TableFacts& f, Table& table, const std::string& identity)
+int SharedRecords::lookUp(const TableInfo& f, Table& table, const std::string& identity)
 {
     SqlText sql;
     if (!table.stored.has_value() && ++table.lookups > kSingleLookups) {
@@ -81,21 +81,21 @@ int SharedRecords::lookUp(const TableFacts& f, Table& table, const std::string& 
     return cursor.next() ? cursor.integer(0) : 0;
 }
 
-SharedRecords::Known SharedRecords::readRecord(const TableFacts& f, int id)
+SharedRecords::Known SharedRecords::readRecord(const TableInfo& f, int id)
 {
     Known known{id, {}, std::nullopt};
     const std::span columns = f.fixedColumns.subspan(1);
     SqlText sql = "SELECT ";
-    sql << listed(columns, [](const FixedColumnFacts& column) { return SqlName(column.name); })
+    sql << listed(columns, [](const FixedColumnInfo& column) { return SqlName(column.name); })
         << " FROM " << SqlName(f.name) << " WHERE id = " << id;
     BulkCursor cursor(rows_.connection(), sql);
     if (!cursor.next()) {
         return known;
     }
     int column = 0;
-    for (const FixedColumnFacts& facts : columns) {
+    for (const FixedColumnInfo& fixed : columns) {
         if (!cursor.isNull(column)) {
-            known.columns[std::string(facts.name)] = cursor.text(column);
+            known.columns[std::string(fixed.name)] = cursor.text(column);
         }
         ++column;
     }
@@ -119,7 +119,7 @@ namespace {
 } // namespace
 
 bool SharedRecords::completeColumns(
-    const TableFacts& f,
+    const TableInfo& f,
     Known& known,
     const FixedTexts& columns,
     const std::string& what)

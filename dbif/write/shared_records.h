@@ -33,8 +33,7 @@ public:
     /// The record of that identity, which is added with its keys when there is none. Columns and
     /// keys that a stored one lacks are added to it; throws where one differs, and then leaves the
     /// record as it was.
-    Found
-    findOrAdd(const TableFacts& f, const RecordRow& record, const std::vector<KeyValue>& keys);
+    Found findOrAdd(const TableInfo& f, const RecordRow& record, const std::vector<KeyValue>& keys);
 
 private:
     struct Known
@@ -53,11 +52,11 @@ private:
         int lookups = 0;
     };
 
-    Known* find(const TableFacts& f, const std::string& identity);
-    int lookUp(const TableFacts& f, Table& table, const std::string& identity);
-    Known readRecord(const TableFacts& f, int id);
+    Known* find(const TableInfo& f, const std::string& identity);
+    int lookUp(const TableInfo& f, Table& table, const std::string& identity);
+    Known readRecord(const TableInfo& f, int id);
     bool completeColumns(
-        const TableFacts& f,
+        const TableInfo& f,
         Known& known,
         const FixedTexts& columns,
         const std::string& what);

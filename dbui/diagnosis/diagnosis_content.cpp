@@ -75,7 +75,7 @@ std::vector<std::string> tables_to_read()
 {
     std::vector<std::string> names = {"database_info", "multi_table", "multi_table_column"};
     for (const dbif::RecordTable table : dbif::kRecordTables) {
-        const dbif::TableFacts& f = dbif::facts(table);
+        const dbif::TableInfo& f = dbif::table_info(table);
         names.insert(
             names.end(),
             {std::string(f.name), f.columnTable(), f.dataTable(), f.associationTable()});
@@ -141,7 +141,7 @@ void try_writing(DBIF_Connection& connection)
         connection.execute(
             "UPDATE database_info SET writes = writes + 1 WHERE id = 1", __FILE__, __LINE__);
         for (const dbif::RecordTable table : dbif::kRecordTables) {
-            const dbif::SqlName name(dbif::facts(table).name);
+            const dbif::SqlName name(dbif::table_info(table).name);
             // No rows, but the right to add some.
             dbif::SqlText sql;
             connection.execute(

@@ -1,6 +1,7 @@
 #include "dbui/diagnosis/diagnosis_server.h"
 
 #include "dbif/host/host_string.h"
+#include "dbui/connection_open.h"
 #include "dbui/diagnosis/diagnosis_content.h"
 #include "dbui/diagnosis/network_probe.h"
 
@@ -15,7 +16,7 @@ using Layer = DiagnosisStep::Layer;
 constexpr std::array kPlan{Layer::Record,  Layer::HostName,   Layer::Port,     Layer::Login,
                            Layer::Server,  Layer::Encryption, Layer::Database, Layer::Schema,
                            Layer::Reading, Layer::Writing};
-constexpr int kStandardPort = 3306;
+
 constexpr int kLargestPort = 65535;
 constexpr std::chrono::seconds kLookUpLimit(10);
 constexpr std::chrono::seconds kProbeLimit(2);

@@ -36,7 +36,7 @@ ModelValue random_value(Dice& dice, ValueKind kind)
 
 std::string stored_key(RecordTable table, const std::string& key)
 {
-    return dbif::facts(table).dataTable() + key;
+    return dbif::table_info(table).dataTable() + key;
 }
 
 /// A text that is equal for records with equal columns and keys.

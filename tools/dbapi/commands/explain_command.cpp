@@ -35,7 +35,7 @@ void add_command_advice(Explanation* explanation)
     } else if (explanation->nothing.cause == NothingFound::Cause::NoValues) {
         suggestions.push_back(
             "dbapi keys " + explanation->connection + " " +
-            std::string(dbif::facts(explanation->table).name) +
+            std::string(dbif::table_info(explanation->table).name) +
             " lists the keys that records have; -q QUERY those of the selected ones.");
     }
 }

@@ -121,7 +121,7 @@ std::string explanation_json(const Explanation& explanation)
         {"query", explanation.query},
         {"latest_only", explanation.latestOnly},
         {"superseded_records", explanation.whyLatest},
-        {"table", dbif::facts(explanation.table).name},
+        {"table", dbif::table_info(explanation.table).name},
         {"records", explanation.records},
         {"records_in_all", explanation.recordsInAll}};
     json["tree"] = explanation.tree.has_value() ? node_json(*explanation.tree) : Json();

@@ -1,9 +1,9 @@
-#include "dbif/host/work_beside.h"
+#include "dbif/host/background_task.h"
 
 #include <system_error>
 
 namespace dbif {
-void WorkBeside::begin(const std::function<void()>& work)
+void BackgroundTask::begin(const std::function<void()>& work)
 {
     finish();
     try {
@@ -14,7 +14,7 @@ void WorkBeside::begin(const std::function<void()>& work)
     }
 }
 
-void WorkBeside::finish()
+void BackgroundTask::finish()
 {
     if (current_.valid()) {
         current_.get();

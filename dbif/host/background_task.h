@@ -7,15 +7,15 @@
 
 namespace dbif {
 /// Does one piece of work at a time beside the thread that gives it.
-class WorkBeside
+class BackgroundTask
 {
-    Q_DISABLE_COPY_MOVE(WorkBeside)
+    Q_DISABLE_COPY_MOVE(BackgroundTask)
 
 public:
-    WorkBeside() = default;
+    BackgroundTask() = default;
 
     /// Waits for what is being done.
-    ~WorkBeside() = default;
+    ~BackgroundTask() = default;
 
     /// Begins a piece of work, when the one before is done. What that threw is thrown again.
     void begin(const std::function<void()>& work);

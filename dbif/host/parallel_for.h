@@ -8,7 +8,7 @@ namespace dbif {
 /// as the machine has processors, and returns when all are done. A part has at least `grain`
 /// places, unless there are fewer: so much work as makes up for a thread. What a part throws is
 /// thrown again. Parts must not touch the same data; database connections are for one thread only.
-void for_parts(
+void parallel_for(
     std::size_t count,
     std::size_t grain,
     const std::function<void(std::size_t first, std::size_t last)>& work);

@@ -1,4 +1,4 @@
-#include "dbif/host/parallel_parts.h"
+#include "dbif/host/parallel_for.h"
 
 #include <algorithm>
 #include <future>
@@ -7,7 +7,7 @@
 #include <vector>
 
 namespace dbif {
-void for_parts(
+void parallel_for(
     std::size_t count,
     std::size_t grain,
     const std::function<void(std::size_t first, std::size_t last)>& work)
