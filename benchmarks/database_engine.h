@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dbif/connection/connection.h"
+#include "dbif/engine/sql_dialect.h"
 
 #include "benchmarks/peer_database.h"
 

@@ -269,7 +269,7 @@ std::size_t block_bytes(off_t fileBytes)
 }
 } // namespace
 
-AnnotatedCsv read_annotated_csv(const std::string& path, const ReadProgress& progress)
+AnnotatedCsv read_annotated_csv(const std::string& path, const ImportProgress& progress)
 {
     AnnotatedCsv csv;
     const auto giveUp = [&csv](int error) {

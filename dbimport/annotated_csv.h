@@ -3,7 +3,7 @@
 #include "dbif/write/record_writer.h"
 #include "dbimport/annotations.h"
 #include "dbimport/file_faults.h"
-#include "dbimport/read_progress.h"
+#include "dbimport/import_progress.h"
 
 #include <string>
 #include <vector>
@@ -25,5 +25,5 @@ struct AnnotatedCsv
 
 /// Reads a file, block by block: only its columns are held in memory. Never throws on account of
 /// the file; the result tells what is wrong with it.
-AnnotatedCsv read_annotated_csv(const std::string& path, const ReadProgress& progress = nullptr);
+AnnotatedCsv read_annotated_csv(const std::string& path, const ImportProgress& progress = nullptr);
 } // namespace dbapi

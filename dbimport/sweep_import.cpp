@@ -264,7 +264,7 @@ ImportResult Import::finish()
 ImportResult import_sweeps(
     const DBIF_Connection& connection,
     const std::vector<std::string>& files,
-    const ReadProgress& progress,
+    const ImportProgress& progress,
     const ImportOptions& options)
 {
     ImportResult result;

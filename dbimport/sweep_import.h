@@ -2,7 +2,7 @@
 
 #include "dbif/connection/connection.h"
 #include "dbif/write/record_values.h"
-#include "dbimport/read_progress.h"
+#include "dbimport/import_progress.h"
 
 #include <cstddef>
 #include <string>
@@ -77,6 +77,6 @@ struct ImportResult
 ImportResult import_sweeps(
     const DBIF_Connection& connection,
     const std::vector<std::string>& files,
-    const ReadProgress& progress = nullptr,
+    const ImportProgress& progress = nullptr,
     const ImportOptions& options = {});
 } // namespace dbapi

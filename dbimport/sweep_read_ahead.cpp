@@ -22,7 +22,7 @@ constexpr std::size_t kBytesWorthTelling = 1U << 18U;
 struct Abandoned
 {};
 
-ReadSweep read_sweep(const std::string& file, const ReadProgress& progress)
+ReadSweep read_sweep(const std::string& file, const ImportProgress& progress)
 {
     ReadSweep read{read_annotated_csv(file, progress), {}};
     try {
@@ -41,7 +41,7 @@ std::size_t thread_count(std::size_t files)
 }
 } // namespace
 
-SweepReadAhead::SweepReadAhead(const std::vector<std::string>& files, ReadProgress progress)
+SweepReadAhead::SweepReadAhead(const std::vector<std::string>& files, ImportProgress progress)
     : files_(files), progress_(std::move(progress))
 {
     const std::size_t count = thread_count(files.size());

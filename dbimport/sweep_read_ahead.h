@@ -33,7 +33,7 @@ class SweepReadAhead
 
 public:
     /// `files` must outlive the object. `progress` is called by `next` only, in its thread.
-    SweepReadAhead(const std::vector<std::string>& files, ReadProgress progress);
+    SweepReadAhead(const std::vector<std::string>& files, ImportProgress progress);
     /// Gives up what was not taken.
     ~SweepReadAhead();
 
@@ -62,7 +62,7 @@ private:
     [[nodiscard]] bool hasRoomFor(std::size_t file) const;
 
     const std::vector<std::string>& files_;
-    ReadProgress progress_;
+    ImportProgress progress_;
 
     std::mutex mutex_;
     std::condition_variable roomChanged_;

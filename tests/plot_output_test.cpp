@@ -107,9 +107,9 @@ TEST_F(PlotOutput, ExplainsWhatItCannotDraw)
     EXPECT_THAT(talkOf({"v", "i", "--logx"}), HasSubstr("--logx needs --plot."));
     EXPECT_THAT(
         talkOf({"v", "--distinct", "--plot", "x.gp"}),
-        HasSubstr("--distinct and --plot do not go together."));
+        HasSubstr("--distinct and --plot cannot be combined."));
     EXPECT_THAT(
-        talkOf({"v", "--limit", "1", "--plot", "x.gp"}), HasSubstr("--limit and --plot do not go"));
+        talkOf({"v", "--limit", "1", "--plot", "x.gp"}), HasSubstr("--limit and --plot cannot be"));
     dbapi({"import", "lab", sweep("b.csv", "# $DEVNAME = e\nIND.u\n1\n")});
     EXPECT_EQ(
         dbapi({"values", "lab", "u", "i", "--plot", "x.gp"}).talk,

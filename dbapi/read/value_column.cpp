@@ -253,7 +253,7 @@ ValueColumn described_column(const std::string& keyword, const dbif::TableColumn
     ValueColumn described;
     described.keyword = keyword;
     described.name = column.name();
-    described.table = dbif::facts(column.table()).name;
+    described.table = dbif::table_info(column.table()).name;
     if (column.isKey()) {
         described.category = column.key().category;
         described.dataType = dbif::to_utf8(dbif::datatype_name(column.key().kind));

@@ -161,10 +161,10 @@ public:
             use_block(trace_, use, block);
         };
         if (trace_ == nullptr && first_ < setups_.size()) {
-            WorkBeside beside;
-            beside.begin(work);
+            BackgroundTask task;
+            task.begin(work);
             read();
-            beside.finish();
+            task.finish();
         } else {
             // Nothing is left to read meanwhile. A trace notes one step at a time.
             work();
