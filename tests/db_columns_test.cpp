@@ -6,6 +6,7 @@
 #include "dbif/host/host_number.h"
 
 #include "tests/support/lab_database.h"
+#include "tests/support/run_command.h"
 
 #include <gmock/gmock.h>
 
@@ -406,6 +407,22 @@ TEST_P(DbColumns, AreArrowArraysThatOutliveTheirStream)
     EXPECT_THAT(stream.get_last_error(&stream), HasSubstr("cancelled"));
     EXPECT_EQ(none.release, nullptr);
     stream.release(&stream);
+}
+
+TEST(ReadColumnsExample, TellsTheLargestCurrents)
+{
+    LabDatabase lab(Engine::Sqlite);
+    lab.write([](dbif::RecordWriter& writer) {
+        const int device =
+            writer.findOrAddDevice(writer.findOrAddDie({.lot = "E"}), {.name = "big"}, {});
+        const int measurement =
+            writer.addMeasurement({writer.addCatalogEntry({}), device, 0, 25, {}});
+        writer.addSetup(
+            writer.addCondition(measurement, {}), {.name = "e"}, {sweep("ID", {1, -4, 2})}, "e");
+    });
+    const Outcome outcome = run_on_terminal({READ_COLUMNS_EXAMPLE, "lab"});
+    EXPECT_THAT(outcome.data + outcome.talk, HasSubstr("big 4 A"));
+    EXPECT_EQ(outcome.code, 0);
 }
 
 INSTANTIATE_ON_ENGINES(DbColumns);
