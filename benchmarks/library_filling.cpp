@@ -12,10 +12,10 @@ dbif::DieFields fields_of(const DieData& die)
 dbif::DeviceFields fields_of(const DeviceData& device)
 {
     return {
-        {"name", device.name},
-        {"device_type", device.type},
-        {"parent_subsite_name", device.subsite},
-        {"position_within_subsite", device.position}};
+        .name = device.name,
+        .device_type = device.type,
+        .parent_subsite_name = device.subsite,
+        .position_within_subsite = device.position};
 }
 
 std::vector<dbif::KeyValue> keys_of(const DeviceData& device)
