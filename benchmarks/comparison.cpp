@@ -1,6 +1,8 @@
 #include "benchmarks/comparison.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <ctime>
 
 namespace bench {
@@ -53,6 +55,24 @@ std::string difference(const Values& ours, const Values& peer)
                 return "row " + std::to_string(row) + ": ours is \"" + ours[column][row] +
                        "\", the peer's \"" + peer[column][row] + "\"";
             }
+        }
+    }
+    return ours.empty() || ours.front().empty() ? "there is nothing to compare" : "";
+}
+
+std::string difference(const Numbers& ours, const Numbers& peer)
+{
+    if (ours.size() != peer.size()) {
+        return "the results have another number of columns";
+    }
+    const auto isSame = [](double a, double b) {
+        return a == b || (std::isnan(a) && std::isnan(b));
+    };
+    for (std::size_t column = 0; column < ours.size(); ++column) {
+        if (!std::equal(
+                ours[column].begin(), ours[column].end(), peer[column].begin(), peer[column].end(),
+                isSame)) {
+            return "column " + std::to_string(column) + " differs";
         }
     }
     return ours.empty() || ours.front().empty() ? "there is nothing to compare" : "";

@@ -10,12 +10,15 @@
 namespace bench {
 /// Values as the library gives them: a list per keyword.
 using Values = std::vector<std::vector<std::string>>;
+/// Numbers as the library gives them: a column per keyword, NaN for no value.
+using Numbers = std::vector<std::vector<double>>;
 /// Ids as the library gives them, for each of several calls.
 using Ids = std::vector<std::set<int>>;
 
 /// The first difference between two results; empty when there is none. Texts have to be equal, or
 /// to read as the same double, which may be written in several ways.
 std::string difference(const Values& ours, const Values& peer);
+std::string difference(const Numbers& ours, const Numbers& peer);
 std::string difference(const Ids& ours, const Ids& peer);
 
 enum class Unit { Seconds, Bytes };

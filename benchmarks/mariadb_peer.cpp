@@ -1,5 +1,6 @@
 #include "benchmarks/mariadb_peer.h"
 
+#include <limits>
 #include <mysql.h>
 #include <stdexcept>
 
@@ -53,6 +54,12 @@ public:
     [[nodiscard]] int columns() const { return static_cast<int>(cells_.size()); }
 
     [[nodiscard]] int integer(int column) const { return static_cast<int>(cell(column).integer); }
+
+    [[nodiscard]] double number(int column) const
+    {
+        const Cell& c = cell(column);
+        return c.isNull != 0 ? std::numeric_limits<double>::quiet_NaN() : c.number;
+    }
 
     [[nodiscard]] std::string text(int column) const
     {
@@ -138,6 +145,12 @@ public:
     {
         Statement statement(handle_.get(), sql, value);
         return texts_of(statement);
+    }
+
+    Numbers numbers(const std::string& sql) override
+    {
+        Statement statement(handle_.get(), sql, {});
+        return numbers_of(statement);
     }
 
     std::set<int> ids(const std::string& sql, const PeerValue& value) override

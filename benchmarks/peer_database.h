@@ -28,6 +28,8 @@ public:
     /// All rows, column by column, as text: a number as `std::to_chars` writes the double, nothing
     /// for NULL.
     virtual Values texts(const std::string& sql, const PeerValue& value = {}) = 0;
+    /// The same as numbers, NaN for NULL.
+    virtual Numbers numbers(const std::string& sql) = 0;
     /// All rows of a statement that yields ids.
     virtual std::set<int> ids(const std::string& sql, const PeerValue& value = {}) = 0;
 
@@ -54,6 +56,19 @@ Values texts_of(Statement& statement)
         }
     }
     return values;
+}
+
+template <typename Statement>
+Numbers numbers_of(Statement& statement)
+{
+    const int columns = statement.columns();
+    Numbers numbers(static_cast<std::size_t>(columns));
+    while (statement.step()) {
+        for (int column = 0; column < columns; ++column) {
+            numbers[static_cast<std::size_t>(column)].push_back(statement.number(column));
+        }
+    }
+    return numbers;
 }
 
 template <typename Statement>

@@ -25,6 +25,19 @@ Comparison read_row(
         },
         [=](Values* values) { *values = database->peer().texts(sql); });
 }
+
+/// The same as columns of numbers.
+Comparison read_numbers(
+    Comparison row,
+    const Database& database,
+    const std::vector<std::string>& keywords,
+    dbapi::ColumnOptions::Order order,
+    const char* sql)
+{
+    return timed<Numbers>(
+        std::move(row), 1, [=](Numbers* numbers) { *numbers = database->numbers(keywords, order); },
+        [=](Numbers* numbers) { *numbers = database->peer().numbers(sql); });
+}
 } // namespace
 
 std::vector<Comparison> point_rows(const DataStore& store, std::size_t points)
@@ -43,6 +56,11 @@ std::vector<Comparison> point_rows(const DataStore& store, std::size_t points)
         };
         return comparison;
     };
+    const auto shown = [&row](const char* id, const char* title) {
+        Comparison comparison = row(id, title, {});
+        comparison.target.reset();
+        return comparison;
+    };
     return {
         read_row(
             row("setup_key", "one setup key, all values (49 % of the points), sorted, as text",
@@ -51,6 +69,20 @@ std::vector<Comparison> point_rows(const DataStore& store, std::size_t points)
         read_row(
             row("three_setup_keys", "three setup keys side by side, sorted, as text", {0.35, 1.2}),
             database, {"VG", "VD", "ID"}, "", "SELECT vg, vd, i_d FROM point ORDER BY vg, vd, i_d"),
+        read_numbers(
+            shown("setup_key_numbers", "one setup key, all values, as stored, as numbers"),
+            database, {"IB"}, dbapi::ColumnOptions::Order::Stored,
+            "SELECT i_b FROM point WHERE i_b IS NOT NULL"),
+        read_numbers(
+            row("setup_key_numbers_sorted", "one setup key, all values, sorted, as numbers",
+                {0.15, 1.2}),
+            database, {"IB"}, dbapi::ColumnOptions::Order::Sorted,
+            "SELECT i_b FROM point WHERE i_b IS NOT NULL ORDER BY i_b"),
+        read_numbers(
+            shown(
+                "three_setup_keys_numbers", "three setup keys side by side, as stored, as numbers"),
+            database, {"VG", "VD", "ID"}, dbapi::ColumnOptions::Order::Stored,
+            "SELECT vg, vd, i_d FROM point"),
         read_row(
             row("setup_key_where", "one setup key where another key = v, all setups", {0.2, 1.2}),
             database, {"ID"}, "VG=0.6", "SELECT i_d FROM point WHERE vg = 0.6 ORDER BY i_d"),

@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 
+#include <limits>
 #include <sqlite3.h>
 #include <stdexcept>
 
@@ -48,6 +49,13 @@ public:
 
     [[nodiscard]] int integer(int column) const { return sqlite3_column_int(statement_, column); }
 
+    [[nodiscard]] double number(int column) const
+    {
+        return sqlite3_column_type(statement_, column) == SQLITE_NULL
+                   ? std::numeric_limits<double>::quiet_NaN()
+                   : sqlite3_column_double(statement_, column);
+    }
+
     [[nodiscard]] std::string text(int column) const
     {
         switch (sqlite3_column_type(statement_, column)) {
@@ -86,6 +94,12 @@ public:
     {
         Statement statement(handle_, sql, value);
         return texts_of(statement);
+    }
+
+    Numbers numbers(const std::string& sql) override
+    {
+        Statement statement(handle_, sql, {});
+        return numbers_of(statement);
     }
 
     std::set<int> ids(const std::string& sql, const PeerValue& value) override

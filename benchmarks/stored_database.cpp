@@ -57,6 +57,22 @@ StoredDatabase::values(const std::vector<std::string>& keywords, const std::stri
     return values;
 }
 
+Numbers StoredDatabase::numbers(
+    const std::vector<std::string>& keywords,
+    dbapi::ColumnOptions::Order order) const
+{
+    dbapi::ColumnOptions options;
+    options.order = order;
+    dbapi::ColumnTable table;
+    std::string errors;
+    require(dbapi::db_get_columns(name(), keywords, &table, "", options, &errors), errors);
+    Numbers numbers;
+    for (dbapi::ValueColumn& column : table.columns) {
+        numbers.push_back(std::move(column.numbers));
+    }
+    return numbers;
+}
+
 std::set<int> StoredDatabase::deviceIds(const std::string& query) const
 {
     std::set<int> ids;

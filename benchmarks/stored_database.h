@@ -1,5 +1,7 @@
 #pragma once
 
+#include "dbapi/db_columns.h"
+
 #include "benchmarks/comparison.h"
 #include "benchmarks/data_store.h"
 #include "benchmarks/peer_database.h"
@@ -31,6 +33,9 @@ public:
     values(const std::string& keyword, const std::string& query = "") const;
     [[nodiscard]] Values
     values(const std::vector<std::string>& keywords, const std::string& query = "") const;
+    /// Keywords that hold numbers.
+    [[nodiscard]] Numbers
+    numbers(const std::vector<std::string>& keywords, dbapi::ColumnOptions::Order order) const;
     [[nodiscard]] std::set<int> deviceIds(const std::string& query) const;
     [[nodiscard]] std::vector<std::string> deviceValues(int id, const std::string& keyword) const;
 

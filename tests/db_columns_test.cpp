@@ -6,6 +6,7 @@
 #include "dbif/host/host_number.h"
 
 #include "tests/support/lab_database.h"
+#include "tests/support/run_command.h"
 
 #include <gmock/gmock.h>
 
@@ -339,6 +340,89 @@ TEST_P(DbColumns, EndWhenCancelledOrCutOff)
         EXPECT_THAT(rest(*cut), HasSubstr("rror"));
     }
     EXPECT_EQ(cut->fault()->kind, Fault::Kind::Database);
+}
+
+/// The value of a cell of a column of numbers or texts, by its buffers.
+std::string arrow_cell(const ArrowSchema& schema, const ArrowArray& array, std::int64_t row)
+{
+    const auto* validity = static_cast<const std::uint8_t*>(array.buffers[0]);
+    if (validity != nullptr && (validity[row / 8] >> (row % 8) & 1) == 0) {
+        return "null";
+    }
+    if (schema.dictionary == nullptr) {
+        return dbif::double_text(static_cast<const double*>(array.buffers[1])[row]);
+    }
+    const std::int32_t code = static_cast<const std::int32_t*>(array.buffers[1])[row];
+    const auto* ends = static_cast<const std::int64_t*>(array.dictionary->buffers[1]);
+    const auto* bytes = static_cast<const char*>(array.dictionary->buffers[2]);
+    return {bytes + ends[code], bytes + ends[code + 1]};
+}
+
+TEST_P(DbColumns, AreArrowArraysThatOutliveTheirStream)
+{
+    const std::vector<std::string> keywords{"W", "$DEVNAME", "S"};
+    ArrowArrayStream stream{};
+    dbapi::db_export_arrow_stream(open(keywords, 3, ordered(Order::Stored)), &stream);
+    ArrowSchema schema{};
+    ASSERT_EQ(stream.get_schema(&stream, &schema), 0);
+    EXPECT_EQ(std::string(schema.format) + schema.children[0]->format, "+sg");
+    EXPECT_STREQ(schema.children[1]->name, "$DEVNAME");
+    EXPECT_STREQ(schema.children[2]->children[0]->children[0]->format, "+w:2");
+    std::vector<ArrowArray> batches;
+    for (ArrowArray batch{}; stream.get_next(&stream, &batch) == 0 && batch.release != nullptr;) {
+        batches.push_back(batch);
+    }
+    stream.release(&stream);
+    EXPECT_EQ(stream.release, nullptr);
+
+    std::string rows;
+    for (ArrowArray& batch : batches) {
+        // A consumer may keep one column only.
+        ArrowArray texts = *batch.children[1];
+        batch.children[1]->release = nullptr;
+        for (std::int64_t row = 0; row < batch.length; ++row) {
+            rows += arrow_cell(*schema.children[0], *batch.children[0], row) + " ";
+        }
+        const ArrowArray& matrices = *batch.children[2];
+        const auto* ends = static_cast<const std::int64_t*>(matrices.buffers[1]);
+        EXPECT_EQ(ends[batch.length], matrices.children[0]->length);
+        EXPECT_EQ(matrices.null_count, batch.length - matrices.children[0]->length);
+        batch.release(&batch);
+        EXPECT_EQ(batch.release, nullptr);
+        for (std::int64_t row = 0; row < texts.length; ++row) {
+            rows += arrow_cell(*schema.children[1], texts, row) + " ";
+        }
+        texts.release(&texts);
+    }
+    schema.release(&schema);
+    EXPECT_EQ(rows, "5e-06 1e-05 null n1 n2 d3 1.3000000000000003e-07 null lonely y ");
+
+    ColumnOptions options = ordered(Order::None);
+    options.progress = [](const dbapi::ReadProgress&) {
+        return false;
+    };
+    dbapi::db_export_arrow_stream(open({"W"}, 1, options), &stream);
+    ArrowArray none{};
+    EXPECT_EQ(stream.get_next(&stream, &none), ECANCELED);
+    EXPECT_THAT(stream.get_last_error(&stream), HasSubstr("cancelled"));
+    EXPECT_EQ(none.release, nullptr);
+    stream.release(&stream);
+}
+
+TEST(ReadColumnsExample, TellsTheLargestCurrents)
+{
+    LabDatabase lab(Engine::Sqlite);
+    lab.write([](dbif::RecordWriter& writer) {
+        const int device =
+            writer.findOrAddDevice(writer.findOrAddDie({.lot = "E"}), {.name = "big"}, {});
+        const int measurement =
+            writer.addMeasurement({writer.addCatalogEntry({}), device, 0, 25, {}});
+        writer.addSetup(
+            writer.addCondition(measurement, {}), {.name = "e"}, {sweep("ID", {1, -4, 2})}, "e");
+    });
+    const Outcome outcome = run_on_terminal({READ_COLUMNS_EXAMPLE, "lab"});
+    EXPECT_THAT(outcome.data + outcome.talk, HasSubstr("big 4 A"));
+    EXPECT_EQ(outcome.code, 0);
 }
 
 INSTANTIATE_ON_ENGINES(DbColumns);

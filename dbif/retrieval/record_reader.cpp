@@ -178,6 +178,12 @@ ResultColumn read_key_values(
 }
 
 namespace {
+/// How many ids there could be from the first to the last.
+std::size_t width_of(const std::vector<int>& ids)
+{
+    return ids.empty() ? 0 : static_cast<std::size_t>(ids.back() - ids.front()) + 1;
+}
+
 /// Reads the values of one key for the rows. Few records are looked up by id, many by one pass over
 /// the key; no row is joined.
 ResultColumn read_key_beside(
@@ -194,8 +200,13 @@ ResultColumn read_key_beside(
     SqlText sql;
     sql << "SELECT " << SqlName(f.linkColumn()) << ", " << value_column(definition) << " FROM "
         << SqlName(f.dataTable()) << " WHERE " << SqlName(f.columnLink()) << " = " << definition.id;
+    const std::size_t highest = ids.size() > kIdsPerStatement ? highest_id(connection, table) : 0;
     if (ids.size() > kIdsPerStatement &&
-        kPassedPerLookUp * ids.size() > highest_id(connection, table)) {
+        kPassedPerLookUp * ids.size() > std::min(highest, width_of(ids))) {
+        if (width_of(ids) < highest / 2) {
+            sql << " AND " << SqlName(f.linkColumn()) << " BETWEEN " << ids.front() << " AND "
+                << ids.back();
+        }
         place_values(connection, sql, rows, &column, hasValue);
         return column;
     }

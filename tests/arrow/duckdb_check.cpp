@@ -154,17 +154,24 @@ ArrowArrayStream open_stream()
 
 int failures = 0;
 
-void expect(DuckDb& duck, const char* sql, const std::string& expected)
+/// Reads a whole stream. Statements on a stream itself have to take all its columns: this function
+/// of DuckDB's C interface asks the stream for some of them, which no Arrow stream can give.
+void take(DuckDb& duck, const char* sql)
 {
     ArrowArrayStream stream = open_stream();
-    duck.scan("lab", &stream);
+    duck.scan("stream", &stream);
+    std::cout << sql << "\n        " << duck.rows(sql) << '\n';
+    if (stream.release != nullptr) {
+        stream.release(&stream);
+    }
+}
+
+void expect(DuckDb& duck, const char* sql, const std::string& expected)
+{
     const std::string rows = duck.rows(sql);
     std::cout << (rows == expected ? "ok      " : "FAILED  ") << sql << "\n        " << rows
               << '\n';
     failures += rows == expected ? 0 : 1;
-    if (stream.release != nullptr) {
-        stream.release(&stream);
-    }
 }
 } // namespace
 
@@ -182,16 +189,20 @@ int main(int argc, char** argv)
     DuckDb duck(argv[1]);
     duck.rows("CREATE TABLE own (device VARCHAR, width DOUBLE)");
     duck.rows("INSERT INTO own VALUES ('d0', 1.5), ('d2', 2.5)");
+    take(duck, "CREATE TABLE lab AS SELECT * FROM stream");
+    take(
+        duck, "CREATE TABLE joined AS SELECT * FROM stream JOIN own ON own.device = "
+              "stream.\"$DEVNAME\"");
     expect(
         duck, "SELECT COUNT(*), COUNT(x), SUM(x), COUNT(m) FROM lab",
         "30000|27000|1350000.0|27000;");
     expect(
         duck,
-        "SELECT own.width, COUNT(*), MAX(lab.x) FROM lab JOIN own ON own.device = lab.\"$DEVNAME\" "
-        "GROUP BY own.width ORDER BY own.width",
-        "1.5|10000|99.0;2.5|10000|99.0;");
+        "SELECT width, COUNT(*), MAX(x), COUNT(DISTINCT \"$DEVNAME\") FROM joined GROUP BY width "
+        "ORDER BY width",
+        "1.5|10000|99.0|1;2.5|10000|99.0|1;");
     expect(
-        duck, "SELECT y, m, x FROM lab WHERE id = 42 AND y[1] IN (10, 11)",
+        duck, "SELECT y::VARCHAR, m::VARCHAR, x FROM lab WHERE id = 42 AND y[1] IN (10, 11)",
         "[10.0, -10.0]|NULL|NULL;[11.0, -11.0]|[[[11.0, 0.0]], [[0.0, 41.0]]]|11.0;");
     expect(
         duck, "SELECT COUNT(DISTINCT id), MIN(id), MAX(id), SUM(m[2][1][2]) FROM lab",
