@@ -35,7 +35,7 @@ struct Comparison
     /// when there is none.
     std::optional<double> target;
     Unit unit = Unit::Seconds;
-    /// How many times the two are measured in turn; the median of each counts.
+    /// The number of times the two are measured in turn; the median of each counts.
     int turns = 5;
     /// Makes what the measurement needs; called before each one.
     std::function<void()> prepare = [] {

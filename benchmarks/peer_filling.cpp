@@ -13,7 +13,7 @@ struct PeerTable
     const char* name;
     std::vector<const char*> columns;
     const char* definition;
-    /// Whether its rows stand in the order of its primary key of several columns.
+    /// Tells whether its rows stand in the order of its primary key of several columns.
     bool isClustered = false;
 };
 

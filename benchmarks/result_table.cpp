@@ -36,7 +36,7 @@ struct Line
     std::optional<double> target;
 };
 
-/// Whether the target is reached.
+/// Tells whether the target is reached.
 bool print(const Line& line)
 {
     const bool isReached = !line.target || line.ratio <= *line.target;

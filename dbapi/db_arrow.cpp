@@ -19,7 +19,7 @@ void release_if_there(Node* node)
     }
 }
 
-/// What stands behind an `ArrowSchema` or `ArrowArray`: the nodes below it, and its own memory. The
+/// The memory behind an `ArrowSchema` or `ArrowArray`: the nodes below it, and its own memory. The
 /// parent's release ends those below that are still in their place.
 template <typename Node, typename Memory>
 struct Holder
@@ -66,14 +66,14 @@ struct Holder
     Memory memory;
 };
 
-/// Of a schema: its texts.
+/// The texts of a schema.
 struct SchemaMemory
 {
     std::string name;
     std::string metadata;
 };
 
-/// Of an array: the column or the vectors that its buffers are in.
+/// The column or the vectors that the buffers of an array are in.
 struct ArrayMemory
 {
     std::vector<const void*> buffers;
@@ -318,7 +318,7 @@ void make_table_array(ColumnTable table, ArrowArray* array)
     make_array(table.rows, 0, {nullptr}, std::move(holder), array);
 }
 
-/// What stands behind a stream.
+/// The reader behind a stream, and its last error.
 struct Stream
 {
     std::unique_ptr<ColumnReader> reader;

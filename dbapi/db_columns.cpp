@@ -114,7 +114,7 @@ std::size_t bytes_of_row(const std::vector<ValueColumn>& columns)
     return bytes;
 }
 
-/// What a read needs at most: twice the rows where they are put into order.
+/// The bytes that a read needs at most: twice the rows where they are put into order.
 std::size_t bytes_needed(std::size_t rows, std::size_t rowBytes, bool isOrdered)
 {
     const std::size_t bytes = isOrdered ? 2 * rowBytes + sizeof(std::uint64_t) : rowBytes;
@@ -288,7 +288,7 @@ bool ColumnReader::next(ColumnTable* batch, std::string* errors)
             reading_->fault = error.fault();
             reading_->stream.reset();
         } catch (...) {
-            // Of the caller's own `progress`.
+            // The caller's own `progress` threw it.
             reading_->fault = cancelled_fault();
             reading_->stream.reset();
             throw;

@@ -16,7 +16,7 @@ namespace dbapi {
 // table among the keywords with its parents or, when one of them is a key of setups, one point. A
 // row without any value is left out.
 
-/// How far a read has come.
+/// The state of a read that goes on.
 struct ReadProgress
 {
     std::size_t rows = 0;

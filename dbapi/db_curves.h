@@ -32,7 +32,7 @@ struct ValueSample
     /// The meaning of the numbers, where the keyword holds texts or complex numbers.
     CurveAxis axis;
     std::vector<double> values;
-    /// Whether there is a value for each point of a setup, and not for each record.
+    /// Tells whether there is a value for each point of a setup, and not for each record.
     bool isOfPoints = false;
 };
 

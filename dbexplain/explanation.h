@@ -25,7 +25,7 @@ struct KeyExplanation
 {
     /// The keyword as it was written.
     std::string keyword;
-    /// Whether the request asks for its values, and whether the query compares it.
+    /// Tells whether the request asks for its values, and whether the query compares it.
     bool isAsked = false;
     bool isCompared = false;
     /// The key or fixed column.
@@ -47,9 +47,9 @@ struct KeyExplanation
 
     [[nodiscard]] bool isFixed() const { return !column.isKey(); }
 
-    /// Whether its values are real numbers or ids.
+    /// Tells whether its values are real numbers or ids.
     [[nodiscard]] bool isNumber() const;
-    /// Whether it has a value for each point of a setup.
+    /// Tells whether it has a value for each point of a setup.
     [[nodiscard]] bool isOnPoints() const;
 };
 
@@ -75,7 +75,7 @@ struct NodeExplanation
     std::string value;
     /// The condition that the node stands for.
     std::shared_ptr<const DBIF_QueryCondition> condition;
-    /// Whether the points of setups have to be read to decide it.
+    /// Tells whether the points of setups have to be read to decide it.
     bool isOnPoints = false;
     /// The records that the node selects by itself. The root always has it; the others have nothing
     /// when the query has too many parts to count each.
@@ -86,7 +86,7 @@ struct NodeExplanation
     /// The operands of AND, OR and NOT, in the order of the query.
     std::vector<NodeExplanation> operands;
 
-    /// Whether its operands have been counted, too.
+    /// Tells whether its operands have been counted, too.
     [[nodiscard]] bool isCountedInParts() const
     {
         return operands.empty() || operands.front().alone.has_value();
@@ -121,7 +121,7 @@ struct ReadExplanation
     std::vector<dbif::TracedStep> steps;
     /// The statements that ran, with their plans. Those that differ only in numbers are one entry.
     std::vector<dbif::TracedStatement> statements;
-    /// How many points were looked at; nothing when no condition was decided on points.
+    /// The number of points that were looked at; nothing when no condition was decided on points.
     std::optional<dbif::TracedPoints> points;
 };
 
@@ -149,7 +149,7 @@ struct Explanation
     /// How many of its records count, and how many there are together with superseded ones.
     std::size_t records = 0;
     std::size_t recordsInAll = 0;
-    /// Whether a row of the result is a point of a setup, and not a record.
+    /// Tells whether a row of the result is a point of a setup, and not a record.
     bool isOfPoints = false;
     /// The tree of the query; nothing for an empty query.
     std::optional<NodeExplanation> tree;
@@ -161,7 +161,7 @@ struct Explanation
     /// The key of a keyword, which lives as long as this object; null for a keyword that stands for
     /// none.
     [[nodiscard]] const KeyExplanation* keyOf(const std::string& keyword) const;
-    /// How many records the whole query selects.
+    /// The number of records the whole query selects.
     [[nodiscard]] std::size_t keptRecords() const;
 };
 } // namespace dbapi

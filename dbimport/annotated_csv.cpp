@@ -97,7 +97,7 @@ public:
     void add(std::string_view block);
     void finish();
 
-    /// Whether the rest of the file could not be understood.
+    /// Tells whether the rest of the file could not be understood.
     [[nodiscard]] bool isStopped() const { return isStopped_; }
 
 private:
@@ -107,7 +107,7 @@ private:
 
     /// Takes complete lines from the head of `pending_`, as long as they are annotations or blank.
     void readAnnotations(bool isLast);
-    /// Whether a file that begins like this may be text; stops when it is none.
+    /// Tells whether a file that begins like this may be text; stops when it is none.
     bool isText(std::string_view begin);
     void startRows();
     void addRows(std::string_view block);

@@ -19,7 +19,7 @@ struct AnnotatedCsv
     std::size_t points = 0;
     /// All that is wrong with the file, in the order of its lines.
     FileFaults faults;
-    /// Whether the file could not be read at all; `faults` says why.
+    /// Tells whether the file could not be read at all; `faults` says why.
     bool isUnreadable = false;
 };
 

@@ -45,7 +45,7 @@ std::vector<dbif::KeyValue>& keys_of(Annotations& annotations, dbif::RecordTable
     return *keys;
 }
 
-/// Whether the database gives the column its value.
+/// Tells whether the database gives the column its value.
 bool is_given_by_database(const std::string& column)
 {
     return column == "id" || column == "modified_time" || column == "user";

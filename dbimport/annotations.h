@@ -61,7 +61,7 @@ private:
         const std::string& table,
         dbif::KeyValue key,
         const std::string& value);
-    /// Whether the key or column is given for the first time.
+    /// Tells whether the key or column is given for the first time.
     bool isFirst(std::size_t line, const std::string& keyword, const std::string& identity);
 
     FileFaults* faults_;

@@ -40,7 +40,7 @@ public:
         }
     }
 
-    /// Whether the next fault is kept, so that its text is worth composing.
+    /// Tells whether the next fault is kept, so that its text is worth composing.
     [[nodiscard]] bool wantsNext() const { return kept_.size() < kMostKept; }
 
     void countOnly() { ++notKept_; }

@@ -35,7 +35,7 @@ std::map<std::string, std::string> catalogue_texts(const CatalogEntryParts& entr
     return texts;
 }
 
-/// Whether the file tells its device from others. What it is made on alone does not.
+/// Tells whether the file tells its device from others. What it is made on alone does not.
 bool names_device(const Annotations& annotations)
 {
     const dbif::DeviceFields& device = annotations.device.fields;
@@ -71,9 +71,9 @@ private:
     void store(const std::string& file, const ReadSweep& sweep);
     int deviceOf(const Annotations& annotations);
     int routineOf(const Annotations& annotations);
-    /// Whether the file says the same of the catalogue entry as the files before it.
+    /// Tells whether the file says the same of the catalogue entry as the files before it.
     bool isOneEntry(const std::string& file, const Annotations& annotations);
-    /// Whether the file says which device it belongs to, or need not.
+    /// Tells whether the file says which device it belongs to, or need not.
     bool hasDevice(const std::string& file, const Annotations& annotations);
     void addFault(const std::string& file, std::size_t line, const std::string& text);
     void noteEffects();

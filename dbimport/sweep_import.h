@@ -33,8 +33,8 @@ struct SupersedingSweep
 /// How an import differs from the usual one.
 struct ImportOptions
 {
-    /// Whether a file may leave open which device it belongs to. Such sweeps supersede each other
-    /// as if they were of one device, so that is a fault otherwise.
+    /// Tells whether a file may leave open which device it belongs to. Such sweeps supersede each
+    /// other as if they were of one device, so that is a fault otherwise.
     bool allowsAnonymous = false;
 };
 
@@ -42,8 +42,8 @@ struct ImportOptions
 /// it stored nothing.
 struct ImportResult
 {
-    /// How many files were read, and what was made of them. `devices` counts the devices that the
-    /// setups belong to, be they new or not.
+    /// The number of files that were read, and what was made of them. `devices` counts the devices
+    /// that the setups belong to, be they new or not.
     std::size_t files = 0;
     std::size_t setups = 0;
     std::size_t points = 0;
@@ -58,9 +58,9 @@ struct ImportResult
     std::vector<ImportFault> faults;
     std::size_t faultCount = 0;
     std::size_t faultyFiles = 0;
-    /// Whether a file could not be read at all.
+    /// Tells whether a file could not be read at all.
     bool hasUnreadableFile = false;
-    /// How many files have no other fault than that they name no device.
+    /// The number of files that have no other fault than that they name no device.
     std::size_t anonymousFiles = 0;
 };
 

@@ -54,7 +54,7 @@ private:
     void readFiles();
     /// Throws `Abandoned`.
     void read(std::size_t file);
-    /// Whether there is a file to read; waits until there is room for one.
+    /// Tells whether there is a file to read; waits until there is room for one.
     bool claim(std::size_t* file);
     /// Counts what was read of a file, and waits while there is too much. Throws `Abandoned`.
     void count(std::size_t file, std::size_t bytes);
@@ -71,7 +71,7 @@ private:
     /// The next file to read, and the next to take.
     std::size_t toRead_ = 0;
     std::size_t toTake_ = 0;
-    /// Whether that one is waited for.
+    /// Tells whether that one is waited for.
     bool isAwaited_ = false;
     /// The bytes of all files in `ahead_`, and those of the one that was taken last.
     std::size_t bytesAhead_ = 0;

@@ -45,10 +45,10 @@ void append_no_value(dbif::SweepArray* values);
 /// The text in quotes for a message, only its beginning when it is long.
 std::string quoted_beginning(std::string_view text);
 
-/// Whether keys can have the name; `reason` says why not.
+/// Tells whether keys can have the name; `reason` says why not.
 bool is_key_name(const std::string& name, std::string* reason);
 
-/// Whether a text can be stored: UTF-8 without a zero byte. `reason` says why not.
+/// Tells whether a text can be stored: UTF-8 without a zero byte. `reason` says why not.
 bool is_storable_text(std::string_view text, std::string* reason);
 
 /// The sentence of the keyword splitter's error text that tells what is wrong.

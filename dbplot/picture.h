@@ -14,7 +14,7 @@ struct Picture
         bool isLogarithmic = false;
         /// The labels at 0, 1, 2 ... of an axis of texts; empty for an axis of numbers.
         std::vector<std::string> labels;
-        /// Whether the axis counts something, in whole numbers.
+        /// Tells whether the axis counts something, in whole numbers.
         bool isCount = false;
     };
 
@@ -57,6 +57,6 @@ std::size_t fit_to_axes(Picture* picture);
 /// points there were. A picture of fewer points stays as it is.
 std::size_t thin_out(Picture* picture, std::size_t most);
 
-/// How many points all series have together.
+/// The number of points all series have together.
 std::size_t count_points(const Picture& picture);
 } // namespace dbapi

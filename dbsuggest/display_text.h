@@ -16,7 +16,7 @@ std::string counted(std::size_t count, const std::string& thing);
 /// "a, b, c", or with another word before the last one "a, b or c".
 std::string listed(const std::vector<std::string>& texts, const std::string& beforeLast = ", ");
 
-/// How many columns of a terminal the text takes, which has been through `display_text`.
+/// The number of columns of a terminal the text takes, which has been through `display_text`.
 std::size_t display_width(std::string_view text);
 
 /// The longest beginning of the text that takes at most `width` columns.

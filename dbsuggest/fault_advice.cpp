@@ -14,7 +14,7 @@
 
 namespace dbapi {
 namespace {
-/// How many faults of one query are put right, one after another.
+/// The number of faults of one query that are put right, one after another.
 constexpr int kMostRounds = 10;
 
 constexpr const char* kEmptied =
@@ -59,7 +59,7 @@ std::optional<Rewriting> rewrite_value(const Fault& fault, const QueryNode& term
     return std::nullopt;
 }
 
-/// What rewrites the faulty term.
+/// The rewriting of the faulty term.
 std::optional<Advice> advice_on_term(const Fault& fault)
 {
     const QueryTree tree = parse_query(fault.source);
@@ -145,7 +145,7 @@ std::vector<Advice> proposals_for(const Fault& fault, const KnownKeys& keys)
     return advice;
 }
 
-/// What is wrong with a query string; nothing when the library reads it.
+/// The fault of a query string; nothing when the library reads it.
 std::optional<Fault> fault_of(const KnownKeys& keys, const std::string& query)
 {
     DBIF_Connection connection = keys.connection();
@@ -177,7 +177,7 @@ std::string completed(const KnownKeys& keys, std::string query)
     return {};
 }
 
-/// Whether the first fault of a query that has lost one stands behind the place of that.
+/// Tells whether the first fault of a query that has lost one stands behind the place of that.
 bool is_one_better(const KnownKeys& keys, const Fault& fault, const std::string& query)
 {
     const std::optional<Fault> next = fault_of(keys, query);

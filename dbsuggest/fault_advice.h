@@ -7,7 +7,7 @@
 #include <vector>
 
 namespace dbapi {
-/// What would be right in the place of a fault.
+/// The text that would be right in the place of a fault.
 struct Advice
 {
     /// The rule that was broken, in a sentence; empty where the keyword is just another one.

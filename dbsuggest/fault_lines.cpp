@@ -9,7 +9,7 @@
 
 namespace dbapi {
 namespace {
-/// How many columns are shown before, of and behind the faulty place.
+/// The number of columns that are shown before, of and behind the faulty place.
 constexpr std::size_t kShownBefore = 50;
 constexpr std::size_t kShownFault = 60;
 constexpr std::size_t kShownBehind = 30;

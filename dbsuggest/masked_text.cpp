@@ -17,7 +17,7 @@ void mask(std::string* text, std::size_t begin, std::size_t end)
         text->begin() + static_cast<std::ptrdiff_t>(end), kMasked);
 }
 
-/// Whether a quote at `at` opens a value: the one in "it's" does not.
+/// Tells whether a quote at `at` opens a value: the one in "it's" does not.
 bool opens_value(std::string_view text, std::size_t at)
 {
     const std::size_t last = at == 0 ? text.npos : text.find_last_not_of(kBlanks, at - 1);

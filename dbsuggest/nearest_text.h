@@ -10,8 +10,8 @@
 // letters); other letters count as their bytes. Nothing here fails.
 
 namespace dbapi {
-/// How many letters have to be typed, left out, replaced or swapped with their neighbour to get
-/// from one to the other.
+/// The number of letters that have to be typed, left out, replaced or swapped with their neighbour
+/// to get from one to the other.
 std::size_t edit_distance(std::string_view first, std::string_view second);
 
 /// Those of the candidates that somebody who wrote `text` may have meant, the likeliest first, at

@@ -40,7 +40,7 @@ bool is_end_of_word(std::string_view text, std::size_t at)
            std::isspace(static_cast<unsigned char>(text[at])) != 0;
 }
 
-/// Whether a word in upper case stands at a place, in any letter case.
+/// Tells whether a word in upper case stands at a place, in any letter case.
 bool has_word(std::string_view text, std::size_t at, std::string_view word)
 {
     return (at == 0 || is_end_of_word(text, at - 1)) && is_end_of_word(text, at + word.size()) &&

@@ -16,7 +16,7 @@ namespace dbapi {
 /// these is at fault.
 std::optional<Rewriting> rewrite_number_value(const std::string& value, Comparator comparator);
 
-/// Whether one of the values in a list is a pattern with a wild card ("nfet*", "%_m1").
+/// Tells whether one of the values in a list is a pattern with a wild card ("nfet*", "%_m1").
 bool has_wild_card(const std::string& value);
 
 /// The whole term for one that compares a key with a pattern: the range of all texts with that

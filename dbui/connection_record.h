@@ -42,8 +42,8 @@ public:
 
     /// The port as a number; -1 when the text is empty or not a whole decimal number.
     [[nodiscard]] int get_port() const;
-    /// Whether the port text is a whole decimal number. True for "-1" too, where `get_port` gives
-    /// -1 as well.
+    /// Tells whether the port text is a whole decimal number. True for "-1" too, where `get_port`
+    /// gives -1 as well.
     [[nodiscard]] bool port_is_a_number() const;
 
     /// The server's database, or the path of the SQLite file.

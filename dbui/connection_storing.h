@@ -12,7 +12,7 @@ struct StoreRequest
     DbuiConnection connection;
     /// The stored record whose place it takes; nothing when it is added.
     std::optional<DbuiConnection> replaced;
-    /// Whether a file that is no XML may be replaced; it is kept as ".unreadable" beside it.
+    /// Tells whether a file that is no XML may be replaced; it is kept as ".unreadable" beside it.
     bool mayReplaceDamagedFile = false;
 };
 

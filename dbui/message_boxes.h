@@ -20,7 +20,7 @@ public:
 
     virtual ~MessageBoxes() = default;
 
-    /// Whether a box can be shown at the moment.
+    /// Tells whether a box can be shown at the moment.
     [[nodiscard]] virtual bool areShown() const = 0;
     /// Shows one box with an Ok button and returns when it is closed. Texts are UTF-8.
     virtual void show(Kind kind, const std::string& title, const std::string& text) = 0;
@@ -35,7 +35,8 @@ protected:
 /// caller's and outlive their use. Call in the thread that makes the interactive calls.
 void set_message_boxes(MessageBoxes* boxes);
 
-/// Whether a call shows boxes: it is `interactive`, boxes are registered, and they can be shown.
+/// Tells whether a call shows boxes: it is `interactive`, boxes are registered, and they can be
+/// shown.
 bool shows_boxes(bool interactive);
 
 /// Show a box, or ask, by the registered boxes. Called only where `shows_boxes` is true.

@@ -5,8 +5,8 @@
 
 #include <string>
 
-/// Whether the record is one of a MySQL server that can be reached, but has no database of the
-/// record's name. Tries to open it, which makes the schema in an empty database.
+/// Tells whether the record is one of a MySQL server that can be reached, but has no database of
+/// the record's name. Tries to open it, which makes the schema in an empty database.
 bool dbui_is_connection_invalid_due_to_mysql_database_unknown(const DbuiConnection& record);
 
 /// Creates the record's database on its MySQL server unless it is there, and the schema in it. True

@@ -35,7 +35,7 @@ void import_once(const DBIF_Connection& connection, int number)
     writer.commit();
 }
 
-/// Whether the rows are those of one import, whole.
+/// Tells whether the rows are those of one import, whole.
 std::string fault_of(const std::vector<std::vector<std::string>>& columns)
 {
     if (columns.size() != 2 || columns[0].size() != kSetups * kPoints) {

@@ -317,8 +317,8 @@ void check(
     }
 }
 
-/// How many databases are tried: few in every run of the suite, as many as the environment says in
-/// a long one.
+/// The number of databases that are tried: few in every run of the suite, as many as the
+/// environment says in a long one.
 unsigned seeds(unsigned usual)
 {
     const char* given = std::getenv("DBAPI_RANDOM_SEEDS");

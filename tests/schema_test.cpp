@@ -42,7 +42,7 @@ protected:
         return names;
     }
 
-    /// How many devices the file holds, or why it cannot be read.
+    /// The number of devices the file holds, or why it cannot be read.
     static std::string devices(const std::string& file)
     {
         DBIF_Connection connection = open(file, dbif::MissingFile::Fail);

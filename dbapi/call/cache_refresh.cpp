@@ -89,7 +89,7 @@ Freshness compare_with_database(DbapiCache& cache)
 /// `Impossible`: the call fails, with the text that is noted.
 enum class Reuse { Everything, Connection, Nothing, Impossible };
 
-/// How much of the cache serves a query string on the connection that it holds.
+/// The part of the cache that serves a query string on the connection that it holds.
 Reuse reusable_part(DbapiCache& cache, const std::string& query)
 {
     const dbif::FileState file = file_state(cache);

@@ -35,9 +35,9 @@ bool check_and_do_update_to_cache(
     DbapiCache& cache,
     const std::string& name,
     const std::string& query);
-/// Whether the newest time of the database is another than the one the cache knows: a later one, an
-/// earlier one after a backup was put back, or none. A time that cannot be read counts as not
-/// newer. The cache must have a connection.
+/// Tells whether the newest time of the database is another than the one the cache knows: a later
+/// one, an earlier one after a backup was put back, or none. A time that cannot be read counts as
+/// not newer. The cache must have a connection.
 bool is_database_modified_time_newer(DbapiCache& cache);
 /// Notes how new the data is; nothing is known after a database error. The cache must have a
 /// connection.

@@ -41,13 +41,13 @@ public:
     /// Why the cache could not be brought up to date; empty when it could.
     [[nodiscard]] const std::string& last_errors() const { return lastErrors; }
 
-    /// Whether it is being brought up to date right now.
+    /// Tells whether it is being brought up to date right now.
     [[nodiscard]] bool in_update() const { return inUpdate; }
 
-    /// Whether superseded records do not count under the query string; true without one.
+    /// Tells whether superseded records do not count under the query string; true without one.
     [[nodiscard]] bool is_doLatestOnly() const { return latestOnly; }
 
-    /// Whether connection, record and condition are all there.
+    /// Tells whether connection, record and condition are all there.
     [[nodiscard]] bool is_validCache() const;
 
     /// Closes the connection, and forgets its record and the keywords that were resolved on it.
@@ -99,16 +99,16 @@ public:
     DbapiCacheHelper();
     ~DbapiCacheHelper();
 
-    /// Whether this is the outermost one.
+    /// Tells whether this is the outermost one.
     [[nodiscard]] bool is_at_toplevel() const { return isTopLevel_; }
 
 private:
     bool isTopLevel_;
 };
 
-/// Whether the cache holds a connection, its record and a condition.
+/// Tells whether the cache holds a connection, its record and a condition.
 bool dbapi_cache_is_valid();
-/// Whether the cache is being brought up to date right now.
+/// Tells whether the cache is being brought up to date right now.
 bool dbapi_cache_updating_self();
 
 // The cache's own objects. Callers must not delete them; they hold until the next public call.
@@ -122,7 +122,7 @@ std::string dbapi_get_cached_connection_name();
 DBIF_QueryCondition* dbapi_get_cached_query_condition(bool* latestOnly);
 /// The query string that it was built from; empty when there is none.
 std::string dbapi_get_cached_query_str();
-/// Whether an object is the cache's own, so that it must not be deleted. False for null.
+/// Tells whether an object is the cache's own, so that it must not be deleted. False for null.
 bool dbapi_is_using_cached_connection_object(const DBIF_Connection* handle);
 bool dbapi_is_using_cached_query_condition_object(const DBIF_QueryCondition* condition);
 

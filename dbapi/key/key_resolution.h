@@ -44,13 +44,13 @@ struct Resolution
 
     [[nodiscard]] bool isFound() const { return outcome == Outcome::Found; }
 
-    /// Whether the keyword names one key, be there such a column or not.
+    /// Tells whether the keyword names one key, be there such a column or not.
     [[nodiscard]] bool isUnique() const { return isFound() || outcome == Outcome::NoColumn; }
 
     /// The column of the key; call only for `Found`.
     [[nodiscard]] const dbif::TableColumn& column() const { return *candidates.front().column; }
 
-    /// Whether the answer is the same under every condition.
+    /// Tells whether the answer is the same under every condition.
     [[nodiscard]] bool holdsAlways() const { return rule != ResolutionRule::Catalogue; }
 };
 

@@ -16,9 +16,9 @@ struct KeyStatistics
     std::string category;
     /// In full: "DOUBLE".
     std::string datatype;
-    /// How many records have the key.
+    /// The number of records that have the key.
     long long records = 0;
-    /// How many points they have under it; nothing for other tables than setup.
+    /// The number of points they have under it; nothing for other tables than setup.
     std::optional<long long> points;
     /// The smallest and largest number; nothing for keys that hold no real numbers. Those of setups
     /// are over whole columns, whichever of their points a condition selects.

@@ -68,8 +68,8 @@ KeyCandidate candidate_of(dbif::RecordTable table, const dbif::KeyDefinition& ke
 /// The candidate that a keyword names by itself: a fixed column.
 KeyCandidate fixed_candidate(const WantedKey& wanted);
 
-/// Whether a key agrees with everything that a keyword says of it. Names and tables are compared
-/// exactly, with letter case; "INPUT" agrees with "IN".
+/// Tells whether a key agrees with everything that a keyword says of it. Names and tables are
+/// compared exactly, with letter case; "INPUT" agrees with "IN".
 bool agrees(const WantedKey& wanted, const KeyCandidate& candidate);
 
 /// The message for a keyword that several keys agree with; each, in function form, is a keyword

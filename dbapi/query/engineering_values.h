@@ -21,8 +21,8 @@ struct ConvertedValues
 /// quotes. `expectedCount` is how many there must be; below 1, any number of them.
 ConvertedValues convert_values(const std::string& value, int expectedCount);
 
-/// Whether a trimmed text has a digit and otherwise only characters that a number in engineering
-/// notation may have. Their order is left to the reader of numbers.
+/// Tells whether a trimmed text has a digit and otherwise only characters that a number in
+/// engineering notation may have. Their order is left to the reader of numbers.
 bool has_characters_of_number(const std::string& text);
 
 /// A piece of a text, in bytes.

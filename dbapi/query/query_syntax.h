@@ -75,8 +75,8 @@ struct QueryTree
     std::vector<IgnoredText> ignored;
 };
 
-/// How deep braces and NOT may nest. Chains of terms do not count, however long they are and
-/// however often they change between AND and OR.
+/// The depth to which braces and NOT may nest. Chains of terms do not count, however long they are
+/// and however often they change between AND and OR.
 inline constexpr std::size_t kDeepestQuery = 200;
 
 /// Reads a query string. Throws `FaultError` for a misplaced "ALLDATA", and for nothing else. Time

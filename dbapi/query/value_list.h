@@ -34,7 +34,7 @@ struct ListComparison
 ListComparison
 compare_with_list(const std::string& joined, std::size_t count, Comparator comparator);
 
-/// Whether the value is written as a range, "[Min,Max]", be it a proper one or not.
+/// Tells whether the value is written as a range, "[Min,Max]", be it a proper one or not.
 bool is_range(const std::string& value);
 /// The bounds of a range, untrimmed. False, with empty outputs, unless there are two that are not
 /// blank.

@@ -93,7 +93,7 @@ struct Stretch
     std::size_t begin = 0;
     std::size_t end = 0;
     int setup = 0;
-    /// Whether x is what the setup sweeps.
+    /// Tells whether x is what the setup sweeps.
     bool isSweepOfX = true;
     /// Which parameters tell points of the stretch apart.
     std::vector<bool> isParameter = {};

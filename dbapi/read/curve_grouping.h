@@ -24,7 +24,7 @@ struct CurveParameter
 {
     /// The keyword that was asked for, an input's name, or a builtin keyname ("$DEVNAME").
     std::string name;
-    /// Whether its values are numbers.
+    /// Tells whether its values are numbers.
     bool isNumber = false;
 };
 
@@ -34,7 +34,7 @@ struct CurveAxis
     /// The texts that the numbers 0, 1, 2 ... stand for, ascending, where the keyword holds texts;
     /// empty where it holds numbers.
     std::vector<std::string> labels;
-    /// Whether the keyword holds complex numbers, of which the magnitudes were taken.
+    /// Tells whether the keyword holds complex numbers, of which the magnitudes were taken.
     bool isMagnitude = false;
 };
 
@@ -46,13 +46,14 @@ struct CurveSet
 {
     CurveAxis x;
     CurveAxis y;
-    /// Whether the points of a curve follow each other in a sweep; otherwise each stands for
+    /// Tells whether the points of a curve follow each other in a sweep; otherwise each stands for
     /// itself.
     bool isSwept = false;
     /// In the order of `Curve::parameters`.
     std::vector<CurveParameter> parameters;
     std::vector<Curve> curves;
-    /// How many setups were left out because they sweep something else than x while others sweep x.
+    /// The number of setups that were left out because they sweep something else than x while
+    /// others sweep x.
     std::size_t setupsLeftOut = 0;
 };
 
@@ -69,7 +70,8 @@ struct CurveRows
         dbif::ResultColumn values;
     };
 
-    /// Whether rows of a setup are a sweep; otherwise rows of many records stand side by side.
+    /// Tells whether rows of a setup are a sweep; otherwise rows of many records stand side by
+    /// side.
     bool isSwept = false;
     /// The setup of each row, of sweeps only.
     std::vector<double> setups;

@@ -33,9 +33,9 @@ struct ValueColumn
 
     /// As the caller wrote it; "id" for the ids beside the rows.
     std::string keyword;
-    /// What the keyword stands for: the name of the key or fixed column, its table, the key's
-    /// category ("" for those without; "IN" or "OUT" of setups) and data type ("DOUBLE", "TEXT",
-    /// "COMPLEX", "MATRIX"; "" of a fixed column).
+    /// The key that the keyword stands for: the name of the key or fixed column, its table, the
+    /// key's category ("" for those without; "IN" or "OUT" of setups) and data type ("DOUBLE",
+    /// "TEXT", "COMPLEX", "MATRIX"; "" of a fixed column).
     std::string name;
     std::string table;
     std::string category;
@@ -54,7 +54,7 @@ struct ValueColumn
 
     [[nodiscard]] std::size_t size() const;
     [[nodiscard]] bool hasValue(std::size_t row) const;
-    /// How many rows have no value.
+    /// The number of rows that have no value.
     [[nodiscard]] std::size_t missing() const;
 
     /// The text of a row of a column of texts; empty for 'no value'. Valid as long as the column.

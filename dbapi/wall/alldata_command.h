@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-/// Whether the query begins with the command "ALLDATA:", in any letter case. `rest` is then the
-/// query behind it, trimmed, and `commands`, when given, holds "ALLDATA". Else both are empty.
+/// Tells whether the query begins with the command "ALLDATA:", in any letter case. `rest` is then
+/// the query behind it, trimmed, and `commands`, when given, holds "ALLDATA". Else both are empty.
 /// `rest` must not be null and may be `query` itself.
 ///
 /// A query that has the word anywhere else is refused: the result is false, and the error text goes

@@ -3,8 +3,8 @@
 #include <set>
 #include <string>
 
-/// Whether a key of the database agrees with everything that a keyword says about it. Key and table
-/// names are compared exactly, with letter case; an empty table, data type or category of the
+/// Tells whether a key of the database agrees with everything that a keyword says about it. Key and
+/// table names are compared exactly, with letter case; an empty table, data type or category of the
 /// keyword agrees with any. Data types and categories may be given in full or in short ("INPUT"
 /// agrees with "IN"). Never fails, and asks no database.
 bool dbapi_compare_keyword_key_table_attributes_are_potential_match_to_db_key(

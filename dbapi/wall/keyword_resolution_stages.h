@@ -43,7 +43,7 @@ public:
     ResolutionMark();
     ~ResolutionMark();
 
-    /// Whether one lives.
+    /// Tells whether one lives.
     [[nodiscard]] static bool is_resolving();
 
 private:

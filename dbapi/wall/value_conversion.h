@@ -18,6 +18,6 @@ bool convert_value_str_to_proper_value_double_str(
     std::string* converted,
     KTString* errors);
 
-/// Whether the text, which must be trimmed, has a digit and otherwise only characters that a number
-/// in engineering notation may have. Their order is left to the reader of numbers.
+/// Tells whether the text, which must be trimmed, has a digit and otherwise only characters that a
+/// number in engineering notation may have. Their order is left to the reader of numbers.
 bool string_has_valid_enot_to_dbl_chars(const std::string& text);

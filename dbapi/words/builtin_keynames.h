@@ -8,15 +8,15 @@
 // "$DEVNAME" for the name of a device. They are recognised in any letter case and after leading
 // blanks, but not before trailing ones. None of these functions fails.
 
-/// Whether the keyword is a builtin keyname, and the column and table that it stands for (empty
-/// when it is none). Both outputs may be null.
+/// Tells whether the keyword is a builtin keyname, and the column and table that it stands for
+/// (empty when it is none). Both outputs may be null.
 bool dbapi_is_vanto_builtin_keyname(
     const std::string& keyword,
     std::string* keyname,
     std::string* tablename);
 
-/// Whether the keyword is a builtin keyname, written in upper case without blanks, that stands for
-/// a stored key instead of a fixed column.
+/// Tells whether the keyword is a builtin keyname, written in upper case without blanks, that
+/// stands for a stored key instead of a fixed column.
 bool dbapi_is_builtin_keyword_dynamic(const std::string& keyword);
 
 /// The builtin keyname for a text of the form "table.column" in any letter case. False, with an
@@ -37,6 +37,6 @@ std::set<std::string> dynamic_builtin_keywords();
 
 /// Replaces the content of `keynames` by all builtin keynames. Always true.
 bool db_get_builtin_keynames(std::set<std::string>* keynames);
-/// Whether the keyword is a builtin keyname.
+/// Tells whether the keyword is a builtin keyname.
 bool db_is_vanto_builtin_keyname(const std::string& keyword);
 } // namespace dbapi

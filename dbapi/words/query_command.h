@@ -9,7 +9,7 @@ namespace dbapi {
 /// A query string taken apart into its command and what follows it.
 struct CommandedQuery
 {
-    /// Whether it begins with "ALLDATA:", in any letter case.
+    /// Tells whether it begins with "ALLDATA:", in any letter case.
     bool isAllData = false;
     /// Behind the command, or all of it, trimmed. It points into the query string.
     std::string_view rest;

@@ -24,10 +24,10 @@ bool dbapi_find_tablename_in_table_vocabulary(
 bool dbapi_find_category_from_category_vocabulary(const std::string& name, std::string* category);
 bool dbapi_find_datatype_from_datatype_vocabulary(const std::string& name, std::string* datatype);
 
-/// Whether the category marks a fixed column of a table: "FIXED" or "BUILTINFIXED".
+/// Tells whether the category marks a fixed column of a table: "FIXED" or "BUILTINFIXED".
 bool dbapi_is_category_fixed(const std::string& name);
-/// Whether the category is a setup key's direction; at most one flag is set. The lower-case "in"
-/// and "out" are not recognised, "input" and "output" are.
+/// Tells whether the category is a setup key's direction; at most one flag is set. The lower-case
+/// "in" and "out" are not recognised, "input" and "output" are.
 bool dbapi_is_category_input(const std::string& name, bool* isInput, bool* isOutput);
 /// The same as `dbapi::convert_to_short_category_name`.
 std::string dbapi_convert_to_short_category_name(const std::string& name);
@@ -39,9 +39,9 @@ std::map<std::string, std::pair<std::string, std::string>> build_tablenames_voca
 std::map<std::string, std::string> build_categories_vocabulary();
 std::map<std::string, std::string> build_datatypes_vocabulary();
 
-/// Whether the text is an accepted spelling. These build the vocabulary that they ask, and so do
-/// not depend on the process-wide ones. Categories include "FIXED" and "BUILTINFIXED", which stand
-/// in no vocabulary.
+/// Tells whether the text is an accepted spelling. These build the vocabulary that they ask, and so
+/// do not depend on the process-wide ones. Categories include "FIXED" and "BUILTINFIXED", which
+/// stand in no vocabulary.
 bool is_string_a_valid_tablename(const std::string& name);
 bool is_string_a_valid_category(const std::string& name);
 bool is_string_a_valid_datatype(const std::string& name);
@@ -56,7 +56,7 @@ std::string convert_to_short_datatype_name(const std::string& name);
 std::string convert_setup_is_input_to_full_category_name(bool isInput);
 std::string convert_setup_is_input_to_short_category_name(bool isInput);
 
-/// Whether both name the same category: "INPUT" and "IN" do.
+/// Tells whether both name the same category: "INPUT" and "IN" do.
 bool compare_category_names(const std::string& a, const std::string& b);
 
 /// The four data types, each as its word and its short name, in the order in which conversions try

@@ -61,7 +61,7 @@ std::vector<std::string> listed_texts(std::string_view list)
     return texts;
 }
 
-/// Whether a comma that should have separated this text from a neighbour is left in it.
+/// Tells whether a comma that should have separated this text from a neighbour is left in it.
 bool keeps_separator(std::string_view text)
 {
     const std::size_t first = behind_blanks(text, 0);

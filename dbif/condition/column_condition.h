@@ -14,9 +14,9 @@ class TableColumn;
 /// How the values of a column compare: what a column object hands on to its conditions.
 struct ColumnTraits
 {
-    /// Whether the values are numbers; texts compare by their characters otherwise.
+    /// Tells whether the values are numbers; texts compare by their characters otherwise.
     bool holdsNumbers = false;
-    /// Whether numbers within `tolerance` are equal; they compare exactly otherwise.
+    /// Tells whether numbers within `tolerance` are equal; they compare exactly otherwise.
     bool isApproximate = false;
     /// The relative distance within which numbers are equal.
     double tolerance = 1e-10;

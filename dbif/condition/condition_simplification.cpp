@@ -20,7 +20,7 @@ bool is_always_true(const ColumnComparison& comparison, RecordTable base)
     return comparison.column.isIdOf(base) && comparison.comparator == NOT_NULL;
 }
 
-/// Whether comparisons with these texts, joined by that kind, are one comparison with a list.
+/// Tells whether comparisons with these texts, joined by that kind, are one comparison with a list.
 bool compares_list(const ConditionTree& part, Kind kind)
 {
     if (part.kind() != Kind::Comparison || part.comparison().holdsNumbers ||

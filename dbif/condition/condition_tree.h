@@ -38,14 +38,14 @@ struct ColumnComparison
     std::vector<std::string> texts;
     /// When given, the comparison holds for these records.
     std::optional<RecordIds> ids;
-    /// Whether it prints as a look-up for each record that other comparisons leave, and not as the
-    /// set of all records that satisfy it.
+    /// Tells whether it prints as a look-up for each record that other comparisons leave, and not
+    /// as the set of all records that satisfy it.
     bool isLookedUp = false;
 
-    /// Whether it is decided on points of a setup.
+    /// Tells whether it is decided on points of a setup.
     [[nodiscard]] bool isOnPoints() const { return column.isOnPoints(); }
 
-    /// Whether a text satisfies it (not for columns of numbers).
+    /// Tells whether a text satisfies it (not for columns of numbers).
     [[nodiscard]] bool holdsFor(std::string_view text) const;
     [[nodiscard]] ColumnComparison negated() const;
 };
@@ -87,7 +87,7 @@ public:
     mapped(const std::function<ConditionTree(const ConditionTree& comparison)>& replace) const;
     void forEachComparison(const std::function<void(const ColumnComparison&)>& visit) const;
     [[nodiscard]] bool any(const std::function<bool(const ColumnComparison&)>& test) const;
-    /// Whether it compares points of setups.
+    /// Tells whether it compares points of setups.
     [[nodiscard]] bool hasPoints() const;
 
 private:

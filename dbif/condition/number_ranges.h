@@ -23,7 +23,7 @@ NumberRanges complement(const NumberRanges& ranges);
 /// All numbers that are in one of `a` and in one of `b`.
 NumberRanges intersection(const NumberRanges& a, const NumberRanges& b);
 
-/// Whether a number lies in one of the ranges. NaN lies in none.
+/// Tells whether a number lies in one of the ranges. NaN lies in none.
 bool contains(const NumberRanges& ranges, double number);
 
 /// The SQL condition that `column`, a column or expression, lies in one of the ranges. No

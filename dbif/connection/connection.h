@@ -37,8 +37,8 @@ public:
         int port,
         dbif::MissingFile missingFile = dbif::MissingFile::Create);
 
-    /// Whether the connection is open. A server that was lost and could not be reached again leaves
-    /// it closed; the next statement tries once more.
+    /// Tells whether the connection is open. A server that was lost and could not be reached again
+    /// leaves it closed; the next statement tries once more.
     [[nodiscard]] bool isValid() const;
 
     /// Why the connection did not open, or the error of the last statement that failed. A later

@@ -82,7 +82,8 @@ public:
 
     /// See `ChangeToken`. Costs a microsecond on SQLite; unknown on a server.
     [[nodiscard]] dbif::ChangeToken changeToken() const;
-    /// Whether the SQLite file at the path is still the one that was opened. Costs about as much.
+    /// Tells whether the SQLite file at the path is still the one that was opened. Costs about as
+    /// much.
     [[nodiscard]] dbif::FileState fileState() const;
 
     /// The state that a library above keeps with this connection, made by `make` on first use. The

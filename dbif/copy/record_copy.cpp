@@ -285,8 +285,8 @@ void Copy::write(MeasurementContent&& measurement)
     places.setups.merge(added.setups);
 }
 
-/// Whether others, such as a second copy from the same source, have written the measurement since
-/// those of the target were recognised. To be called in a writing transaction.
+/// Tells whether others, such as a second copy from the same source, have written the measurement
+/// since those of the target were recognised. To be called in a writing transaction.
 bool Copy::foundUnderLock(std::vector<MeasurementContent>* measurement)
 {
     if (writes_so_far(target_) == writesExpected_ + 1) {

@@ -102,7 +102,7 @@ struct PlanStep
     /// where there is none.
     std::string table;
     std::string index;
-    /// Whether it passes over all rows of a table or an index.
+    /// Tells whether it passes over all rows of a table or an index.
     bool isWholeTable = false;
 };
 
@@ -123,8 +123,8 @@ public:
 
     /// Name of the engine, for people.
     [[nodiscard]] virtual std::string name() const = 0;
-    /// Whether the database is reached through a server, so that a connection can be lost and a
-    /// CREATE TABLE commits by itself.
+    /// Tells whether the database is reached through a server, so that a connection can be lost and
+    /// a CREATE TABLE commits by itself.
     [[nodiscard]] virtual bool isServer() const = 0;
 
     /// Sets the parameters and options of a Qt connection that is not open yet.
@@ -135,10 +135,10 @@ public:
     [[nodiscard]] virtual QSqlError startSession(QSqlDatabase& database) const = 0;
     [[nodiscard]] virtual std::unique_ptr<SqlSession>
     session(const QSqlDatabase& database) const = 0;
-    /// Whether the error says that the server closed the connection.
+    /// Tells whether the error says that the server closed the connection.
     [[nodiscard]] virtual bool isConnectionLost(const QSqlError& error) const = 0;
-    /// Whether the error ended a transaction that may succeed when it is run again: a deadlock, a
-    /// lock that was not had in time, a conflict between the nodes of a cluster.
+    /// Tells whether the error ended a transaction that may succeed when it is run again: a
+    /// deadlock, a lock that was not had in time, a conflict between the nodes of a cluster.
     [[nodiscard]] virtual bool isTransient(const QSqlError& error) const = 0;
 
     [[nodiscard]] virtual SqlText beginRead() const = 0;
@@ -163,8 +163,8 @@ public:
     /// The statements that collect statistics for the planner.
     [[nodiscard]] virtual std::vector<SqlText>
     analyze(const std::vector<SqlName>& tables) const = 0;
-    /// Whether the planner weighs the sub-selects of a condition against each other, and chooses
-    /// which of them drives.
+    /// Tells whether the planner weighs the sub-selects of a condition against each other, and
+    /// chooses which of them drives.
     [[nodiscard]] virtual bool weighsSubSelects() const = 0;
     /// The join operator that makes the planner keep the table on the left first.
     [[nodiscard]] virtual SqlText orderedJoin() const = 0;

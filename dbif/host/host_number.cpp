@@ -96,8 +96,8 @@ int read_exponent(std::string_view exponent)
     return isNegative ? -number : number;
 }
 
-/// Whether a number that is out of range is so because it is small: its first digit stands far
-/// behind the point.
+/// Tells whether a number that is out of range is so because it is small: its first digit stands
+/// far behind the point.
 bool is_tiny(std::string_view mantissa, int exponent)
 {
     const auto point = static_cast<long long>(std::min(mantissa.find('.'), mantissa.size()));

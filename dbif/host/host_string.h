@@ -68,7 +68,7 @@ KTString KTString_of(double number); // NOLINT(readability-identifier-naming)
 /// The number of an integer text, 0 for any other text. An integer text is an optional sign and
 /// decimal digits that fit an `int`, without blanks.
 int KTString_to_int(const KTString& text); // NOLINT(readability-identifier-naming)
-/// Whether the text is such an integer text.
+/// Tells whether the text is such an integer text.
 bool is_string_integer(const KTString& text);
 
 namespace dbif {
@@ -83,6 +83,6 @@ std::string upper_case(std::string_view text);
 QString to_qt(std::string_view utf8);
 std::string to_utf8(const QString& text);
 
-/// Whether every byte belongs to a well-formed UTF-8 sequence.
+/// Tells whether every byte belongs to a well-formed UTF-8 sequence.
 bool is_utf8(std::string_view text);
 } // namespace dbif

@@ -17,7 +17,7 @@ constexpr std::size_t kMostComparisons = 8;
 constexpr std::size_t kMostAlternatives = 20;
 constexpr std::size_t kGreatestDepth = 4;
 
-/// Whether the tree compares fixed columns of one table, and nothing else.
+/// Tells whether the tree compares fixed columns of one table, and nothing else.
 bool compares_one_record(const ConditionTree& tree)
 {
     std::set<RecordTable> tables;

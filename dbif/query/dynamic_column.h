@@ -20,7 +20,7 @@ public:
     /// none), data type and name, joined by "|", as in "PHYSICAL|DOUBLE|W".
     [[nodiscard]] QString getKey() const;
 
-    /// Whether the data type is "DOUBLE", so that values compare as numbers.
+    /// Tells whether the data type is "DOUBLE", so that values compare as numbers.
     [[nodiscard]] bool isDoubleColumn() const
     {
         return definition_.kind == dbif::ValueKind::Double;
@@ -64,8 +64,8 @@ namespace dbif {
 /// none, and on a database error.
 KeyDefinition
 existing_definition(DBIF_Connection& connection, RecordTable table, const QString& key);
-/// Whether the key is defined. A key that is not known is looked for again once the database may
-/// have changed. Throws `DBIF_Exception` on a database error.
+/// Tells whether the key is defined. A key that is not known is looked for again once the database
+/// may have changed. Throws `DBIF_Exception` on a database error.
 bool has_definition(DBIF_Connection& connection, RecordTable table, const QString& key);
 /// The unique key of these parts; empty, which no column has, when `datatype` is not a published
 /// data type.
@@ -78,7 +78,7 @@ class DynamicColumnOf : public DBIF_DynamicTableColumn
 public:
     static constexpr RecordTable kTable = table;
 
-    /// Whether the table has this unique key. Throws `DBIF_Exception` on a database error.
+    /// Tells whether the table has this unique key. Throws `DBIF_Exception` on a database error.
     static bool hasColumn(DBIF_Connection& connection, const QString& key)
     {
         return has_definition(connection, table, key);
@@ -153,6 +153,6 @@ public:
     using DynamicColumnOf::DynamicColumnOf;
     static QString computeKey(const QString& name, const QString& datatype, bool isInput);
 
-    /// Whether the key is an input (category "IN") and not an output ("OUT").
+    /// Tells whether the key is an input (category "IN") and not an output ("OUT").
     [[nodiscard]] bool isInput() const { return definition().isInput(); }
 };

@@ -46,7 +46,8 @@ public:
     {
         QString table;
         QString column;
-        /// Whether the column is named "<table>_<column>" in the result, as sub-selects of ids are.
+        /// Tells whether the column is named "<table>_<column>" in the result, as sub-selects of
+        /// ids are.
         bool isNamedByTable = false;
     };
 
@@ -126,10 +127,10 @@ public:
     void setJoinAlgorithm(DBIF_QueryJoinAlgorithm* algorithm);
     /// Appends a join. For join algorithms: `preprocessQuery` drops all others.
     void addJoin(const Join& join);
-    /// Whether equal rows are returned once.
+    /// Tells whether equal rows are returned once.
     void markDistinct();
     void markDistinct(bool isDistinct);
-    /// Whether superseded measurements and setups, and what belongs to them, do not count.
+    /// Tells whether superseded measurements and setups, and what belongs to them, do not count.
     void markLatestOnly(bool isLatestOnly);
     /// The largest number of rows, 0 or more; -1 for all.
     void setLimit(int limit);

@@ -21,7 +21,7 @@ ConditionTree restricted_to(const ConditionTree& tree, const TableSet& tables)
     });
 }
 
-/// Whether the tree can only be true with a record in `table`.
+/// Tells whether the tree can only be true with a record in `table`.
 bool requires_record(const ConditionTree& tree, RecordTable table)
 {
     return tree.mapped([table](const ConditionTree& comparison) {
@@ -122,14 +122,14 @@ bool RecordQuery::selectsAll() const
 }
 
 namespace {
-/// Whether the companion table alone decides which records of `table` satisfy the comparison.
+/// Tells whether the companion table alone decides which records of `table` satisfy the comparison.
 bool picks_by_key(const ColumnComparison& comparison, RecordTable table)
 {
     return comparison.column.isKey() && comparison.column.table() == table &&
            !comparison.isOnPoints() && !comparison.isLookedUp && comparison.comparator != IS_NULL;
 }
 
-/// Whether the companion table alone decides it for a record that another comparison picks.
+/// Tells whether the companion table alone decides it for a record that another comparison picks.
 bool can_be_joined(const ConditionTree& part, RecordTable table)
 {
     if (part.kind() != Kind::Comparison) {
@@ -172,7 +172,7 @@ ConditionTree RecordQuery::unionOf(const std::vector<ConditionTree>& alternative
 {
     SqlText parts;
     for (const ConditionTree& alternative : alternatives) {
-        // Whether the record itself is the latest is decided outside.
+        // Tells whether the record itself is the latest is decided outside.
         const bool looksBelow = !tables_of(alternative).isWithin(aboveBase_);
         const RecordQuery records(connection_, {base_}, alternative, latestOnly_ && looksBelow);
         parts << (parts.isEmpty() ? SqlText() : SqlText("\nUNION\n")) << records.selectIds();
@@ -237,7 +237,7 @@ RecordQuery::from(RecordTable lowest, const TableSet& needed, const TableSet& re
 }
 
 namespace {
-/// Whether something else picks the records, so that the whole tree is only looked up.
+/// Tells whether something else picks the records, so that the whole tree is only looked up.
 bool is_looked_up(const ConditionTree& tree)
 {
     return !tree.any([](const ColumnComparison& comparison) { return !comparison.isLookedUp; });

@@ -27,7 +27,7 @@ public:
 
     [[nodiscard]] RecordTable base() const { return base_; }
 
-    /// Whether every record of the base is selected.
+    /// Tells whether every record of the base is selected.
     [[nodiscard]] bool selectsAll() const;
     /// "SELECT expressions FROM ... WHERE ...". Expressions may use all columns of the base and of
     /// the tables in `results`, where an absent parent is NULL.

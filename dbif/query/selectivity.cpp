@@ -94,7 +94,7 @@ bool Selectivity::selectsMore(const ConditionTree& tree, std::size_t limit)
     return tree.kind() == Kind::True;
 }
 
-/// Whether the comparison selects more than `limit` records of the base.
+/// Tells whether the comparison selects more than `limit` records of the base.
 bool Selectivity::doesSelectMore(const ColumnComparison& comparison, std::size_t limit)
 {
     SqlText sql;

@@ -7,12 +7,12 @@
 #include <vector>
 
 namespace dbif {
-/// Whether an index finds the records that satisfy the comparison, and these are as a rule not most
-/// of them.
+/// Tells whether an index finds the records that satisfy the comparison, and these are as a rule
+/// not most of them.
 bool may_drive(const ColumnComparison& comparison);
 
-/// Whether an index finds the records that satisfy the tree: by one operand of an AND, by all of an
-/// OR.
+/// Tells whether an index finds the records that satisfy the tree: by one operand of an AND, by all
+/// of an OR.
 bool is_found_by_index(const ConditionTree& tree);
 
 /// Estimates how many records of one table, the base, a condition selects: they are counted in
@@ -22,7 +22,7 @@ class Selectivity
 public:
     Selectivity(RecordTable base, DBIF_Connection connection);
 
-    /// Whether finding the records one by one costs less than passing over all of the base.
+    /// Tells whether finding the records one by one costs less than passing over all of the base.
     bool selectsFew(const ConditionTree& tree);
 
     /// The place in `operands` of the candidate that selects the fewest records;

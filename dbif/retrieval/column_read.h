@@ -26,9 +26,9 @@ struct ColumnRead
     DBIF_Connection connection;
     std::vector<TableColumn> columns;
     ConditionTree condition = ConditionTree::constant(true);
-    /// Whether superseded measurements and setups are left out.
+    /// Tells whether superseded measurements and setups are left out.
     bool latestOnly = true;
-    /// Whether equal rows are returned once.
+    /// Tells whether equal rows are returned once.
     bool distinct = false;
     /// The order of the rows, by places in `columns`; without one, rows come as they are stored.
     std::vector<SortKey> order;
@@ -43,10 +43,10 @@ struct ColumnRead
     /// throws ends the read.
     std::function<void(std::size_t rows)> progress;
 
-    /// Whether a row is one point of a setup, and not one record.
+    /// Tells whether a row is one point of a setup, and not one record.
     [[nodiscard]] bool isOnPoints() const;
-    /// Whether all rows have to be read before the first is known: to be sorted, or compared. The
-    /// order of the ids of the records that are rows needs no sorting.
+    /// Tells whether all rows have to be read before the first is known: to be sorted, or compared.
+    /// The order of the ids of the records that are rows needs no sorting.
     [[nodiscard]] bool needsAllRows() const;
 };
 
@@ -70,8 +70,8 @@ public:
     explicit ColumnStream(ColumnRead read, Parts parts);
     ~ColumnStream();
 
-    /// How many rows there are at most, by the numbers of records and points that the condition
-    /// selects. Costs a statement. To be called before `next`.
+    /// The number of rows there are at most, by the numbers of records and points that the
+    /// condition selects. Costs a statement. To be called before `next`.
     std::size_t mostRows();
 
     /// The next rows: as many as are asked for, or as are left. Throws like `read_columns`; then
@@ -106,7 +106,7 @@ private:
     QueryResult held_;
     std::size_t given_ = 0;
     std::size_t taken_ = 0;
-    /// How many rows may still be given.
+    /// The number of rows that may still be given.
     std::size_t left_;
 };
 

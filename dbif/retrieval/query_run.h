@@ -21,6 +21,6 @@ std::vector<int> matching_ids(
     const DBIF_QueryCondition* condition,
     bool latestOnly);
 
-/// Whether the condition compares points of setups, which SQL alone cannot decide.
+/// Tells whether the condition compares points of setups, which SQL alone cannot decide.
 bool is_decided_on_points(const DBIF_QueryCondition* condition);
 } // namespace dbif

@@ -178,7 +178,7 @@ ResultColumn read_key_values(
 }
 
 namespace {
-/// How many ids there could be from the first to the last.
+/// The number of ids there could be from the first to the last.
 std::size_t width_of(const std::vector<int>& ids)
 {
     return ids.empty() ? 0 : static_cast<std::size_t>(ids.back() - ids.front()) + 1;

@@ -176,7 +176,7 @@ private:
         return result_.columns[keys_[level].column];
     }
 
-    /// Whether values of equal rank are equal.
+    /// Tells whether values of equal rank are equal.
     [[nodiscard]] bool isExact(std::size_t level) const
     {
         return column(level).kind != Kind::Text && column(level).kind != Kind::Complex;

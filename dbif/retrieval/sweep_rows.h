@@ -30,7 +30,7 @@ public:
 
     /// Collects the rows of some more setups; false when none is left.
     bool readOn();
-    /// How many rows are collected.
+    /// The number of rows that are collected.
     [[nodiscard]] std::size_t size() const;
     /// Hands the collected rows over.
     QueryResult take();

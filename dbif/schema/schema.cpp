@@ -295,8 +295,8 @@ SchemaParts schema_parts()
     return parts;
 }
 
-/// Whether these are tables of a creation that was interrupted, and nothing else: all names are of
-/// the schema, and none but the directory holds a row.
+/// Tells whether these are tables of a creation that was interrupted, and nothing else: all names
+/// are of the schema, and none but the directory holds a row.
 bool is_beginning_of_schema(QSqlDatabase& database, const std::set<std::string>& tables)
 {
     const SchemaParts parts = schema_parts();
@@ -388,7 +388,7 @@ void refuse(const std::string& reason)
     throw_error("The database \"" + reason, __FILE__, __LINE__, QSqlError::ConnectionError);
 }
 
-/// Whether one of the record tables among `tables` has a row.
+/// Tells whether one of the record tables among `tables` has a row.
 bool has_records(QSqlDatabase& database, const std::set<std::string>& tables)
 {
     return std::any_of(kRecordTables.begin(), kRecordTables.end(), [&](RecordTable table) {

@@ -47,7 +47,7 @@ enum class KeyKind { None, Plain, Category, Direction };
 /// text by its characters.
 enum class FixedKind { Id, Number, Text };
 
-/// Whether a fixed column has an index.
+/// Tells whether a fixed column has an index.
 enum class Indexed { No, Yes };
 
 struct FixedColumnInfo
@@ -88,7 +88,7 @@ struct TableInfo
         return std::string(name) + "_association";
     }
 
-    /// Whether later records supersede earlier ones.
+    /// Tells whether later records supersede earlier ones.
     [[nodiscard]] bool hasLatest() const
     {
         return table == RecordTable::Measurement || table == RecordTable::Setup;

@@ -41,6 +41,6 @@ struct SweepBounds
 
 std::optional<SweepBounds> bounds(const SweepArray& array);
 
-/// Whether each value is finite in all its parts, or is 'no value'.
+/// Tells whether each value is finite in all its parts, or is 'no value'.
 bool is_finite(const SweepArray& array);
 } // namespace dbif

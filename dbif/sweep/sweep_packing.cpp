@@ -227,7 +227,7 @@ public:
         return taken;
     }
 
-    /// Whether so many values of a size are left; counts come from the chunk and may be any.
+    /// Tells whether so many values of a size are left; counts come from the chunk and may be any.
     [[nodiscard]] bool has(std::size_t count, std::size_t size) const
     {
         return count <= bytes_.size() / size;

@@ -54,7 +54,7 @@ public:
         return !isKey() && table_ == records && fixed().kind == FixedKind::Id;
     }
 
-    /// Whether each point of a setup has a value of its own.
+    /// Tells whether each point of a setup has a value of its own.
     [[nodiscard]] bool isOnPoints() const { return isKey() && table_ == RecordTable::Setup; }
 
     /// Same table and same column; ids of definitions take no part.

@@ -62,7 +62,7 @@ private:
     std::vector<NewKey> newKeys_;
 };
 
-/// Whether the key has no value.
+/// Tells whether the key has no value.
 bool is_missing(const KeyValue& key);
 /// The value of a key that was written, as text: that of complex numbers and matrices in the form
 /// in which they print.

@@ -24,9 +24,9 @@ public:
     struct Found
     {
         int id = 0;
-        /// Whether it was added.
+        /// Tells whether it was added.
         bool isNew = false;
-        /// Whether a stored one was completed.
+        /// Tells whether a stored one was completed.
         bool hasChanged = false;
     };
 

@@ -41,7 +41,7 @@ void diagnose_version(int version, DiagnosisReport* report)
     }
 }
 
-/// Whether the database is empty.
+/// Tells whether the database is empty.
 bool diagnose_schema(DBIF_Connection& connection, DiagnosisReport* report)
 {
     using Kind = dbif::SchemaState::Kind;

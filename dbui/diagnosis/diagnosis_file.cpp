@@ -87,7 +87,7 @@ void diagnose_file_itself(const QFileInfo& file, DiagnosisReport* report)
     }
 }
 
-/// Whether the file says of itself that it has a write-ahead log. Bytes 18 and 19 are 2 then.
+/// Tells whether the file says of itself that it has a write-ahead log. Bytes 18 and 19 are 2 then.
 bool has_write_ahead_log(const std::string& path)
 {
     std::array<char, 20> header{};

@@ -22,7 +22,7 @@ public:
     /// Skips a layer of which there is nothing to check.
     void skip(Layer layer, const std::string& detail);
 
-    /// Whether to go on: nothing failed, and the listener wants more.
+    /// Tells whether to go on: nothing failed, and the listener wants more.
     [[nodiscard]] bool goesOn() const { return !hasFailed_ && !isStopped_; }
 
     /// All steps; the layers of the plan that were not reached are skipped.

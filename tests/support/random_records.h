@@ -43,7 +43,7 @@ public:
 
     [[nodiscard]] const RecordModel& model() const { return model_; }
 
-    /// Whether it is a fixed column, or a key that some record has.
+    /// Tells whether it is a fixed column, or a key that some record has.
     [[nodiscard]] bool has(const ModelColumn& column) const;
 
 private:

@@ -11,7 +11,7 @@ using enum RecordTable;
 constexpr std::array kDownwards{CatalogEntry,         Routine, Die, Device, Measurement,
                                 MeasurementCondition, Setup};
 
-/// Whether records of `from` belong to a record of `table`, or are some.
+/// Tells whether records of `from` belong to a record of `table`, or are some.
 bool reaches(RecordTable from, RecordTable table)
 {
     static const std::multimap<RecordTable, RecordTable> kParents{

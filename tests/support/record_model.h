@@ -58,7 +58,7 @@ struct ModelColumn
 
     [[nodiscard]] bool isOnPoints() const { return isKey() && table == RecordTable::Setup; }
 
-    /// Whether the column can have a value there.
+    /// Tells whether the column can have a value there.
     [[nodiscard]] bool isAt(const ModelPlace& place) const;
     [[nodiscard]] ModelCell cell(const ModelPlace& place) const;
 };

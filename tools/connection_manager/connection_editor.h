@@ -49,7 +49,7 @@ private:
     void store();
     void test();
     void showState();
-    /// Whether nothing keeps the connection from being stored; says otherwise what does.
+    /// Tells whether nothing keeps the connection from being stored; says otherwise what does.
     bool isPossible(dbui::StoreOutcome outcome, const std::string& error);
     /// Asks.
     bool mayReplaceDamagedFile();

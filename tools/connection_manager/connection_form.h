@@ -28,7 +28,7 @@ public:
     void addTakenName(const std::string& name);
     /// The typed texts, without blanks around them; only the fields that the kind of database has.
     [[nodiscard]] DbuiConnection record() const;
-    /// Whether nothing is missing or wrong.
+    /// Tells whether nothing is missing or wrong.
     [[nodiscard]] bool isComplete() const;
 
 signals:

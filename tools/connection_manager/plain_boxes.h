@@ -9,6 +9,6 @@ class QWidget;
 namespace connection_manager {
 void warn(QWidget* parent, const QString& title, const QString& text);
 
-/// Whether the user answers with Yes; No is the default.
+/// Tells whether the user answers with Yes; No is the default.
 bool confirm(QWidget* parent, const QString& title, const QString& question);
 } // namespace connection_manager

@@ -24,7 +24,7 @@ struct SetupOptions
     OutputOptions output;
 };
 
-/// Whether there is such a setup, superseded ones included; says so when there is none.
+/// Tells whether there is such a setup, superseded ones included; says so when there is none.
 bool is_stored(const SetupOptions& options)
 {
     const DataRequest request{

@@ -163,7 +163,7 @@ std::string json_text(const std::string& text)
     return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
-/// Whether a number stands in the text as JSON writes it, not as "nan".
+/// Tells whether a number stands in the text as JSON writes it, not as "nan".
 bool is_json_number(const std::string& text)
 {
     const std::size_t sign = text.front() == '-' ? 1 : 0;
@@ -237,7 +237,7 @@ void write_json(const DataTable& table, std::size_t rows, Output& out)
     out << "]}\n";
 }
 
-/// How many rows fit the height of the terminal.
+/// The number of rows that fit the height of the terminal.
 std::size_t rows_on_terminal()
 {
     constexpr std::size_t kFewestRows = 10;

@@ -20,11 +20,11 @@ struct OutputOptions
 {
     /// Nothing: what the name of the file ends in; else a table on a terminal, CSV elsewhere.
     std::optional<Format> format;
-    /// Whether a table on a terminal has all rows, however many.
+    /// Tells whether a table on a terminal has all rows, however many.
     bool all = false;
-    /// How many rows are written at most.
+    /// The number of rows that are written at most.
     std::optional<std::size_t> limit;
-    /// Whether only the number of rows is written.
+    /// Tells whether only the number of rows is written.
     bool isCount = false;
     /// Where to; empty: standard output.
     std::string file;
@@ -38,7 +38,7 @@ std::vector<std::string> output_option_names();
 
 Format chosen_format(const OutputOptions& options);
 
-/// Whether the format tells numbers from texts.
+/// Tells whether the format tells numbers from texts.
 bool is_typed(Format format);
 
 /// Writes the data.

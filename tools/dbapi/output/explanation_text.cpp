@@ -230,7 +230,7 @@ std::string points_text(const Explanation& explanation, const Layout& layout)
                " satisfy the query.");
 }
 
-/// Whether the statement is the same for every read.
+/// Tells whether the statement is the same for every read.
 bool is_usual(const dbif::TracedStatement& statement)
 {
     return statement.step == dbif::kDefinitionsStep || statement.step == dbif::kFreshnessStep;

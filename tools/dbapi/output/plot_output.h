@@ -9,7 +9,7 @@ class App;
 }
 
 namespace dbapi::tool {
-/// Whether and how values are drawn.
+/// Tells whether and how values are drawn.
 struct PlotOptions
 {
     /// The picture, "....svg" or "....png", or the script, "....gp"; empty: nothing is drawn.

@@ -11,11 +11,11 @@ inline constexpr std::size_t kAllRows = std::numeric_limits<std::size_t>::max();
 
 struct TableLayout
 {
-    /// How many rows are shown, from the first on.
+    /// The number of rows that are shown, from the first on.
     std::size_t shownRows = kAllRows;
-    /// Whether the headings are bold, by a terminal's escapes.
+    /// Tells whether the headings are bold, by a terminal's escapes.
     bool isBold = false;
-    /// Whether long values are cut.
+    /// Tells whether long values are cut.
     bool isCut = false;
 };
 

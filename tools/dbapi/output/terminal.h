@@ -8,7 +8,7 @@
 #include <string>
 
 namespace dbapi::tool {
-/// Whether the stream ("stdin" included) is a terminal.
+/// Tells whether the stream ("stdin" included) is a terminal.
 bool is_terminal(std::FILE* stream);
 
 struct TerminalSize
@@ -20,7 +20,7 @@ struct TerminalSize
 /// The size of the terminal that the stream is; a usual one where it cannot be told.
 TerminalSize terminal_size(std::FILE* stream);
 
-/// Whether the stream is a terminal that shows colours, and NO_COLOR is not set.
+/// Tells whether the stream is a terminal that shows colours, and NO_COLOR is not set.
 bool shows_colours(std::FILE* stream);
 
 /// The text between the escapes that make it bold on a terminal.
