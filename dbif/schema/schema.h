@@ -1,13 +1,11 @@
 #pragma once
 
 #include "dbif/engine/sql_dialect.h"
+#include "dbif/schema/schema_names.h"
 
 #include <QSqlDatabase>
 
 namespace dbif {
-/// The version of the schema that this code writes and reads.
-inline constexpr int kSchemaVersion = 1;
-
 /// The state of a database with regard to the measurement schema.
 struct SchemaState
 {

@@ -20,6 +20,9 @@ inline const QString SQL_NULL = QStringLiteral("SQL_NULL");
 // NOLINTEND(readability-identifier-naming)
 
 namespace dbif {
+/// The version of the schema that this code writes and reads.
+inline constexpr int kSchemaVersion = 1;
+
 /// The record tables, in the order in which a table name is looked up.
 enum class RecordTable {
     CatalogEntry,

@@ -1,7 +1,6 @@
 #include "dbif/schema/schema_tables.h"
 
 #include "dbif/host/exception.h"
-#include "dbif/schema/schema.h"
 #include "dbif/schema/schema_names.h"
 
 #include <string>
