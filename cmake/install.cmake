@@ -3,7 +3,7 @@
 include(CMakePackageConfigHelpers)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/dbapi)
 
-install(TARGETS dbif dbui dbapi dbsuggest dbexplain dbimport dbplot EXPORT dbapiTargets
+install(TARGETS dbif dbui dbapi dbsuggest dbexplain dbimport dbinfo dbplot EXPORT dbapiTargets
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 foreach(header IN LISTS dbapi_installed_headers)
     cmake_path(GET header PARENT_PATH folder)
