@@ -160,7 +160,7 @@ TEST_F(Command, ExplainsWrongUse)
          "dbapi: nothing found: there is no setup with id 7. dbapi ids lab setup lists them.\n"},
         {{"values", "lab", "W", "--format", "xml"},
          2,
-         "dbapi: --format: \"xml\" is no format; choose table, csv, tsv, json, jsonl or lines\n"
+         "dbapi: --format: there is no \"xml\"; choose table, csv, tsv, json, jsonl or lines\n"
          "See: dbapi values --help\n"},
         {{"connection", "list", "lab"},
          2,
@@ -218,57 +218,6 @@ TEST_F(Command, ImportsTheShippedSweepsTwice)
     EXPECT_EQ(lines({"keys", "lab", "device", "--short"}), "L\nM\nW\nprocess\n");
     EXPECT_EQ(lines({"values", "lab", "$CATDBID"}), "1\n2\n");
     EXPECT_EQ(lines({"values", "lab", "$CATDBID", "-q", "$SETNAME=IDVG"}), "2\n");
-}
-
-TEST_F(Command, WritesEveryFormat)
-{
-    const std::string path =
-        sweep("a.csv", "# $DEVNAME = d\nIND.n,OUTS.t\n10,\"a, \"\"b\"\"\"\n9,\"x\ty\nz\"\n-1.5,\n");
-    EXPECT_EQ(
-        dbapi({"import", "lab", path, path}).talk,
-        "Imported 1 file into \"lab\": 1 setup, 3 points, 1 device.\n"
-        "New keys: IND.n and OUTS.t (setup).\n");
-    const Arguments both{"values", "lab", "n", "t", "-q", "$DEVNAME=d", "--format"};
-    const auto written = [&both](const std::string& format) {
-        Arguments arguments = both;
-        arguments.push_back(format);
-        return dbapi(arguments).data;
-    };
-    EXPECT_EQ(written("csv"), "n,t\n-1.5,\n9,\"x\ty\nz\"\n10,\"a, \"\"b\"\"\"\n");
-    EXPECT_EQ(written("lines"), "-1.5\t\n9\tx\\ty\\nz\n10\ta, \"b\"\n");
-    EXPECT_EQ(written("table"), "   n  t\n-1.5\n   9  x\\ty\\nz\n  10  a, \"b\"\n");
-    EXPECT_EQ(
-        written("json"),
-        "{\"connection\":\"lab\",\"query\":\"$DEVNAME=d\",\"columns\":["
-        "{\"keyword\":\"n\",\"values\":[-1.5,9,10]},"
-        "{\"keyword\":\"t\",\"values\":[null,\"x\\ty\\nz\",\"a, \\\"b\\\"\"]}]}\n");
-    EXPECT_EQ(
-        written("jsonl"),
-        "{\"n\":-1.5,\"t\":null}\n{\"n\":9,\"t\":\"x\\ty\\nz\"}\n{\"n\":10,\"t\":\"a, \\\"b\\\"\"}\n");
-    EXPECT_EQ(written("tsv"), "n\tt\n-1.5\t\n9\tx\\ty\\nz\n10\ta, \"b\"\n");
-    EXPECT_EQ(dbapi({"values", "lab", "n", "--limit", "2"}).data, "n\n-1.5\n9\n");
-    EXPECT_EQ(dbapi({"values", "lab", "n", "--count"}).data, "3\n");
-    EXPECT_EQ(
-        dbapi({"keys", "lab", "setup", "--format", "jsonl", "--limit", "1"}).data,
-        "{\"key\":\"n\",\"table\":\"setup\",\"category\":\"INPUT\",\"datatype\":\"DOUBLE\",\"records\":1,"
-        "\"points\":3,\"minimum\":-1.5,\"maximum\":10}\n");
-    for (const auto& [name, text] :
-         {std::pair(
-              "a.json",
-              "{\"connection\":\"lab\",\"table\":\"setup\",\"query\":\"\",\"ids\":[{\"id\":1}]}\n"),
-          std::pair("a.txt", "id\n 1\n"), std::pair("a", "id\n1\n")}) {
-        const std::string file = folder.file(name);
-        EXPECT_EQ(dbapi({"ids", "lab", "setup", "-o", file}).data, "");
-        EXPECT_EQ(read_file(file), text);
-    }
-    const Outcome unwritten = dbapi({"ids", "lab", "setup", "-o", "/nowhere/a.csv"});
-    EXPECT_EQ(unwritten.code, 5);
-    EXPECT_THAT(
-        unwritten.talk, StartsWith("dbapi: the file \"/nowhere/a.csv\" cannot be written: "));
-    const Outcome nothing = dbapi({"values", "lab", "n", "-q", "$DEVNAME=e"});
-    EXPECT_EQ(nothing.code, 1);
-    EXPECT_EQ(nothing.data, "n\n");
-    EXPECT_THAT(nothing.talk, StartsWith("dbapi: nothing found: "));
 }
 
 TEST_F(Command, NamesTheConnectionWhoseDatabaseRefusesAnImport)
@@ -377,27 +326,6 @@ TEST_F(Command, TellsWhatAnImportSupersedes)
     EXPECT_THAT(
         dbapi({"import", "lab", repeated}).talk,
         HasSubstr("1 device.\nThis supersedes 1 earlier setup: d\\x1b[1m (" + repeated + ")."));
-}
-
-TEST_F(Command, ShortensTablesAndColoursOnATerminalOnly)
-{
-    std::string rows = "# $DEVNAME = d\nIND.n\n";
-    for (int row = 1; row <= 100; ++row) {
-        rows += std::to_string(row) + "\n";
-    }
-    dbapi({"import", "lab", sweep("a.csv", rows)});
-    const Arguments values{"values", "lab", "n"};
-    const Outcome shown = dbapi_on_terminal(values);
-    EXPECT_THAT(shown.data, StartsWith("\x1b[1m n\x1b[0m\r\n 1\r\n"));
-    EXPECT_THAT(
-        shown.data, testing::EndsWith("\r\n16\r\n... and 84 more rows. See all with --all, or "
-                                      "with --format csv.\r\n"));
-    EXPECT_THAT(
-        dbapi_on_terminal({"values", "lab", "n", "--all"}).data, testing::EndsWith("\r\n100\r\n"));
-    setenv("NO_COLOR", "1", 1);
-    EXPECT_THAT(dbapi_on_terminal(values).data, StartsWith(" n\r\n"));
-    unsetenv("NO_COLOR");
-    EXPECT_THAT(dbapi({"values", "lab", "n", "--format", "table"}).data, StartsWith("  n\n  1\n"));
 }
 
 TEST_F(Command, UsesAMySqlServerWithoutShowingThePassword)
