@@ -76,6 +76,20 @@ TEST_F(Command, KeepsConnectionsFromAddToRemove)
         HasSubstr(
             "The SQLite file \"" + database +
             "\" does not open: file is not a database.\nThe file is something else"));
+    // The file that is no database keeps it from being changed.
+    const std::string other = folder.file("other.db");
+    EXPECT_EQ(dbapi({"connection", "add", "other", "--sqlite", other}).code, 0);
+    const Outcome refused = dbapi({"connection", "edit", "other", "--sqlite", database});
+    EXPECT_EQ(refused.code, 3);
+    EXPECT_THAT(
+        refused.talk,
+        StartsWith("dbapi: nothing was changed, for the connection would not work: "));
+    EXPECT_EQ(
+        dbapi({"connection", "edit", "other", "--sqlite", database, "--untested"}).talk,
+        "Changed the connection \"other\": it leads to the SQLite file \"" + database + "\".\n");
+    EXPECT_EQ(dbapi({"connection", "edit", "lab", "--sqlite", other}).code, 0);
+    EXPECT_EQ(dbapi({"tables"}).code + dbapi({"keys", "lab", "device"}).code, 1);
+    EXPECT_EQ(dbapi({"connection", "remove", "other"}).code, 0);
     EXPECT_EQ(dbapi({"connection", "rename", "lab", "lab"}).code, 3);
     EXPECT_EQ(
         dbapi({"connection", "rename", "lab", "bench"}).talk,
@@ -134,24 +148,49 @@ TEST_F(Command, ExplainsWrongUse)
          2,
          "dbapi: --limit and --count cannot be combined. Leave one out.\n"
          "See: dbapi values --help\n"},
+        {{"values", "lab", "W", "--desc", "--order", "stored"},
+         2,
+         "dbapi: --desc sorts, and --order stored leaves rows as they are. Leave one of them out.\n"},
+        {{"values", "lab", "W", "--desc=x"},
+         2,
+         "dbapi: --desc takes no value. Write it alone.\nSee: dbapi values --help\n"},
+        {{"values", "--", "lab"},
+         2,
+         "dbapi: KEYWORD is missing: a key (W, DEVD.W, \"Key(W,device)\") or builtin keyname "
+         "('$DEVNAME'); several stand side by side.\nSee: dbapi values --help\n"},
+        {{"connection", "add", "x", "--mysql", "d", "--host", "h", "--user", "u", "--port", "0"},
+         2,
+         "dbapi: --port: \"0\" is no port; it is a whole number from 1 to 65535.\n"
+         "See: dbapi connection add --help\n"},
+        {{"connection", "edit", "lab"},
+         2,
+         "dbapi: there is nothing to change: give what is to be different.\n"
+         "See: dbapi connection edit --help\n"},
+        {{"connection", "edit", "lab", "--mysql", "d"},
+         2,
+         "dbapi: a server needs --host and --user beside --mysql DATABASE.\n"},
+        {{"connection", "edit", "lab", "--host", "h"},
+         2,
+         "dbapi: the connection \"lab\" leads to an SQLite file, which has no server, user or "
+         "password. To lead it to a server, give --mysql DATABASE, --host and --user.\n"},
         {{"values", "lab", "W", "--limit", "-1"},
          2,
-         "dbapi: --limit: \"-1\" is no whole number from 0 up\nSee: dbapi values --help\n"},
+         "dbapi: --limit: \"-1\" is no whole number from 0 up.\nSee: dbapi values --help\n"},
         {{"keys", "lab", "devices"},
          2,
-         "dbapi: TABLE: there is no table \"devices\". Did you mean device? dbapi tables lists those "
-         "there are\nSee: dbapi keys --help\n"},
+         "dbapi: there is no table \"devices\". Did you mean device? dbapi tables lists those "
+         "there are.\nSee: dbapi keys --help\n"},
         {{"help", "connection", "lst"},
          2,
          "dbapi: there is no command \"lst\". Did you mean list?\n"
          "See: dbapi connection --help\n"},
         {{"completion", "tcsh"},
          2,
-         "dbapi: SHELL: there is no script for \"tcsh\"; choose bash, zsh or fish\n"
+         "dbapi: there is no script for \"tcsh\"; choose bash, zsh or fish.\n"
          "See: dbapi completion --help\n"},
         {{"setup", "lab", "x"},
          2,
-         "dbapi: ID: \"x\" is no id; dbapi ids lists those there are\nSee: dbapi setup --help\n"},
+         "dbapi: \"x\" is no id; dbapi ids lists those there are.\nSee: dbapi setup --help\n"},
         {{"setup", "lab", "7"},
          1,
          "dbapi: nothing found: there is no setup with id 7. dbapi ids lab setup lists them.\n"},
@@ -160,7 +199,7 @@ TEST_F(Command, ExplainsWrongUse)
          "dbapi: nothing found: there is no setup with id 7. dbapi ids lab setup lists them.\n"},
         {{"values", "lab", "W", "--format", "xml"},
          2,
-         "dbapi: --format: there is no \"xml\"; choose table, csv, tsv, json, jsonl or lines\n"
+         "dbapi: --format: there is no \"xml\"; choose table, csv, tsv, json, jsonl or lines.\n"
          "See: dbapi values --help\n"},
         {{"connection", "list", "lab"},
          2,
@@ -357,6 +396,12 @@ TEST_F(Command, UsesAMySqlServerWithoutShowingThePassword)
         EXPECT_EQ(shown.code, 0) << shown.data;
         EXPECT_THAT(shown.data, Not(HasSubstr(server.password().substr(0, 4))));
     }
+
+    Arguments edit{"connection", "edit", "piped", "--user", server.user(), "--password-stdin"};
+    EXPECT_EQ(dbapi(edit, "not the password\n").code, 3);
+    EXPECT_EQ(dbapi(edit, server.password() + "\n").code, 0);
+    EXPECT_EQ(dbapi({"connection", "edit", "piped", "--mysql", "no_such_database"}).code, 3);
+    EXPECT_EQ(dbapi({"connection", "edit", "piped", "--mysql", onServer.name()}).code, 0);
 
     EXPECT_EQ(dbapi({"import", "piped", sweep("a.csv", "# $DEVNAME = d\nOUTD.a\n1\n2\n")}).code, 0);
     EXPECT_EQ(lines({"values", "typed", "a", "-q", "$DEVNAME=d"}), "1\n2\n");

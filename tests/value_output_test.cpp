@@ -9,6 +9,7 @@
 namespace {
 using namespace test_support; // NOLINT(google-build-using-namespace)
 using testing::EndsWith;
+using testing::HasSubstr;
 using testing::StartsWith;
 
 /// A setup of three points, none of which is in order.
@@ -120,5 +121,33 @@ TEST_F(TableOutput, ShortensTablesAndColoursOnATerminalOnly)
     EXPECT_THAT(dbapi_on_terminal(values).data, StartsWith(" n\r\n"));
     unsetenv("NO_COLOR");
     EXPECT_THAT(dbapi({"values", "lab", "n", "--format", "table"}).data, StartsWith("  n\n  1\n"));
+}
+
+using InfoOutput = Command;
+
+TEST_F(InfoOutput, ShowsADatabaseAtAGlance)
+{
+    EXPECT_THAT(
+        dbapi({"info", "lab"}).data, EndsWith("\nsetup                        0           0\n\n"));
+    dbapi(
+        {"import", "lab",
+         sweep(
+             "a.csv",
+             "# $LOT = L\x1b[1m\n# $DEVNAME = d\n# $TEMP = 27.5\n# DEVD.W = 5u\nIND.V\n1\n2\n")});
+    const Outcome text = dbapi({"info", "lab"});
+    for (const char* line :
+         {"\nDevice types    no type (1)\n", "\nTemperatures    27.5 C (1)\n",
+          "\nPoints          2\n", "\nLots            L\\x1b[1m (1)\n",
+          "\nW    device  PHYSICAL  DOUBLE          1            5e-06    5e-06\n"}) {
+        EXPECT_THAT(text.data, HasSubstr(line));
+    }
+    EXPECT_EQ(text.data.find('\x1b'), std::string::npos);
+    const std::string json = dbapi({"info", "lab", "--format", "json"}).data;
+    EXPECT_THAT(json, HasSubstr("\"temperatures\":[{\"celsius\":27.5,\"measurements\":1}]"));
+    EXPECT_THAT(
+        json,
+        HasSubstr("\"keys\":[{\"key\":\"W\",\"category\":\"PHYSICAL\",\"datatype\":\"DOUBLE\","
+                  "\"records\":1,\"minimum\":5e-06,\"maximum\":5e-06}]"));
+    EXPECT_EQ(dbapi({"info", "lsb"}).code, 3);
 }
 } // namespace

@@ -83,6 +83,16 @@ std::string named_before(const std::string& message, const std::string& words)
     return message.substr(0, message.find(words));
 }
 
+/// What is wrong with a value, behind the option that has it; an argument needs no name before it.
+std::string
+value_fault(const CLI::App& command, const std::string& name, const std::string& message)
+{
+    const CLI::Option* option = command.get_option_no_throw(name);
+    const bool isArgument = option != nullptr && option->get_positional();
+    const std::string text = isArgument ? message.substr(name.size() + 2) : message;
+    return text + (text.ends_with('.') ? "" : ".");
+}
+
 /// The message of the parser in the words of this program.
 std::string argument_fault(const CLI::App& command, const CLI::ParseError& error)
 {
@@ -110,7 +120,12 @@ std::string argument_fault(const CLI::App& command, const CLI::ParseError& error
         return first + " and " + message.substr(first.size() + std::string(" excludes ").size()) +
                " cannot be combined. Leave one out.";
     } else if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
-        return "an option has a value that it does not take. " + message + ".";
+        // Only flags convert: all other options take texts and look at them themselves.
+        const std::string before = "Could not convert: ";
+        const std::string flag = named_before(message.substr(before.size()), " = ");
+        return flag + " takes no value. Write it alone.";
+    } else if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr) {
+        return value_fault(command, name, message);
     }
     return message;
 }
@@ -190,7 +205,8 @@ private:
             command = command->get_subcommands().front();
             name += " " + command->get_name();
         }
-        const std::vector<std::string> unknown = app_.remaining(true);
+        std::vector<std::string> unknown = app_.remaining(true);
+        std::erase(unknown, "--");
         std::string text = argument_fault(*command, error);
         if (!unknown.empty()) {
             text = unknown_argument(*command, unknown.front());
