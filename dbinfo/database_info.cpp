@@ -15,17 +15,6 @@ namespace dbapi {
 namespace {
 using Group = DatabaseInfo::Group;
 
-/// The connection that the library keeps open for the calls that follow.
-DBIF_Connection kept_connection(const std::string& name)
-{
-    std::string errors;
-    const PublicCall call(name, "", &errors);
-    if (!call.hasBegun()) {
-        throw FaultError(connection_fault(errors));
-    }
-    return connection_for_call(name);
-}
-
 /// The whole number that a statement yields; nothing for NULL.
 std::optional<long long> whole_number(const DBIF_Connection& connection, const dbif::SqlText& sql)
 {

@@ -14,9 +14,6 @@
 
 namespace dbapi::tool {
 namespace {
-/// Lines that do not go to a terminal.
-constexpr std::size_t kUsualWidth = 100;
-
 enum class ExplainFormat { Text, Json };
 
 struct ExplainOptions
@@ -48,7 +45,7 @@ ExitCode show_explanation(const ExplainOptions& options)
             ExitCode::WrongUsage,
             "there is nothing to explain: give keywords, a query (-q), or both.\nSee: dbapi explain --help");
     }
-    stored_connection(request.connection);
+    known_connection(request.connection);
     Explanation explanation;
     try {
         explanation = explain(request);
@@ -59,9 +56,7 @@ ExitCode show_explanation(const ExplainOptions& options)
     write_text(
         options.format == ExplainFormat::Json
             ? explanation_json(explanation)
-            : explanation_text(
-                  explanation, is_terminal(stdout) ? terminal_size(stdout).columns : kUsualWidth,
-                  shows_colours(stdout)));
+            : explanation_text(explanation, line_width(), shows_colours(stdout)));
     return ExitCode::Done;
 }
 } // namespace

@@ -14,9 +14,6 @@
 
 namespace dbapi::tool {
 namespace {
-/// Lines that do not go to a terminal.
-constexpr std::size_t kUsualWidth = 100;
-
 struct InfoOptions
 {
     std::string connection;
@@ -25,7 +22,7 @@ struct InfoOptions
 
 ExitCode show_info(const InfoOptions& options)
 {
-    stored_connection(options.connection);
+    known_connection(options.connection);
     DatabaseInfo info;
     try {
         info = database_info(options.connection);
@@ -33,11 +30,7 @@ ExitCode show_info(const InfoOptions& options)
         throw_call_failure({options.connection, {}, ""}, error.fault());
     }
     write_text(
-        options.isJson
-            ? info_json(info)
-            : info_text(
-                  info, is_terminal(stdout) ? terminal_size(stdout).columns : kUsualWidth,
-                  shows_colours(stdout)));
+        options.isJson ? info_json(info) : info_text(info, line_width(), shows_colours(stdout)));
     return ExitCode::Done;
 }
 } // namespace

@@ -84,7 +84,7 @@ using Words = std::vector<std::string>;
 Words key_names_of_setups(const std::string& connectionName)
 {
     Words names;
-    for (const auto& [name, forms] : function_keywords(open_stored(connectionName), "setup")) {
+    for (const auto& [name, forms] : function_keywords(open_known(connectionName), "setup")) {
         names.push_back(name);
     }
     return names;
@@ -140,10 +140,10 @@ Words values_of(const CLI::Option& option, const Place& place, const std::string
         return {};
     }
     if (kind == "KEYWORD") {
-        return known_keywords(open_stored(connection->second), resolved_table(place));
+        return known_keywords(open_known(connection->second), resolved_table(place));
     }
     if (kind == "QUERY") {
-        return query_completions(open_stored(connection->second), begun);
+        return query_completions(open_known(connection->second), begun);
     }
     return kind == "COLUMN" ? key_names_of_setups(connection->second) : Words();
 }
