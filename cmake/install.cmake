@@ -30,4 +30,7 @@ if(DBAPI_BUILD_TOOLS)
     install(FILES ${command_folder}/dbapi.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
     install(FILES ${command_folder}/dbapi.bash RENAME dbapi
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+    install(FILES ${command_folder}/dbapi.zsh RENAME _dbapi
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+    install(FILES ${command_folder}/dbapi.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
