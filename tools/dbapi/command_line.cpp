@@ -93,41 +93,68 @@ value_fault(const CLI::App& command, const std::string& name, const std::string&
     return text + (text.ends_with('.') ? "" : ".");
 }
 
+/// What is wrong between two options; empty when the error is another one.
+std::string pair_fault(const CLI::ParseError& error)
+{
+    const std::string message = error.what();
+    if (dynamic_cast<const CLI::RequiresError*>(&error) != nullptr) {
+        const std::string first = named_before(message, " requires ");
+        return first + " needs " + message.substr(first.size() + std::string(" requires ").size()) +
+               ".";
+    }
+    if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
+        const std::string first = named_before(message, " excludes ");
+        return first + " and " + message.substr(first.size() + std::string(" excludes ").size()) +
+               " cannot be combined. Leave one out.";
+    }
+    return {};
+}
+
+/// What is wrong with an option that has too few values, or too many.
+std::string
+count_fault(const CLI::App& command, const std::string& name, const std::string& message)
+{
+    if (!message.ends_with(" missing")) {
+        return name + " is given more than once. Give it once.";
+    }
+    const CLI::Option* option = command.get_option_no_throw(name);
+    return "the option " + name + " takes a value" +
+           (option == nullptr ? "." : ": " + name + " " + option->get_type_name() + ".");
+}
+
+/// The first argument that a command needs and was not given.
+std::string missing_argument(const CLI::App& command, const std::string& message)
+{
+    for (const CLI::Option* option : command.get_options()) {
+        if (option->get_required() && option->count() == 0) {
+            return option->get_name() + " is missing: " + option->get_description() + ".";
+        }
+    }
+    return message;
+}
+
 /// The message of the parser in the words of this program.
 std::string argument_fault(const CLI::App& command, const CLI::ParseError& error)
 {
     const std::string message = error.what();
     const std::string name = named_before(message, ":");
     if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
-        for (const CLI::Option* option : command.get_options()) {
-            if (option->get_required() && option->count() == 0) {
-                return option->get_name() + " is missing: " + option->get_description() + ".";
-            }
-        }
-    } else if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
-        if (message.ends_with(" missing")) {
-            const CLI::Option* option = command.get_option_no_throw(name);
-            return "the option " + name + " takes a value" +
-                   (option == nullptr ? "." : ": " + name + " " + option->get_type_name() + ".");
-        }
-        return name + " is given more than once. Give it once.";
-    } else if (dynamic_cast<const CLI::RequiresError*>(&error) != nullptr) {
-        const std::string first = named_before(message, " requires ");
-        return first + " needs " + message.substr(first.size() + std::string(" requires ").size()) +
-               ".";
-    } else if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
-        const std::string first = named_before(message, " excludes ");
-        return first + " and " + message.substr(first.size() + std::string(" excludes ").size()) +
-               " cannot be combined. Leave one out.";
-    } else if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
+        return missing_argument(command, message);
+    }
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+        return count_fault(command, name, message);
+    }
+    if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
         // Only flags convert: all other options take texts and look at them themselves.
         const std::string before = "Could not convert: ";
         const std::string flag = named_before(message.substr(before.size()), " = ");
         return flag + " takes no value. Write it alone.";
-    } else if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr) {
+    }
+    if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr) {
         return value_fault(command, name, message);
     }
-    return message;
+    const std::string pair = pair_fault(error);
+    return pair.empty() ? message : pair;
 }
 
 /// The program's arguments, and which command they chose.

@@ -108,6 +108,25 @@ std::string resolved_table(const Place& place)
     return name;
 }
 
+/// What the database of the connection that was typed has for a place of that kind.
+Words words_of_database(const std::string& kind, const Place& place, const std::string& begun)
+{
+    auto connection = place.arguments.find("CONNECTION");
+    if (connection == place.arguments.end()) {
+        connection = place.arguments.find("FROM");
+    }
+    if (connection == place.arguments.end()) {
+        return {};
+    }
+    if (kind == "KEYWORD") {
+        return known_keywords(open_known(connection->second), resolved_table(place));
+    }
+    if (kind == "QUERY") {
+        return query_completions(open_known(connection->second), begun);
+    }
+    return kind == "COLUMN" ? key_names_of_setups(connection->second) : Words();
+}
+
 /// The values of an option or argument; `begun` is what was typed of it.
 Words values_of(const CLI::Option& option, const Place& place, const std::string& begun)
 {
@@ -132,20 +151,7 @@ Words values_of(const CLI::Option& option, const Place& place, const std::string
     if (kind == "TABLE") {
         return table_names();
     }
-    auto connection = place.arguments.find("CONNECTION");
-    if (connection == place.arguments.end()) {
-        connection = place.arguments.find("FROM");
-    }
-    if (connection == place.arguments.end()) {
-        return {};
-    }
-    if (kind == "KEYWORD") {
-        return known_keywords(open_known(connection->second), resolved_table(place));
-    }
-    if (kind == "QUERY") {
-        return query_completions(open_known(connection->second), begun);
-    }
-    return kind == "COLUMN" ? key_names_of_setups(connection->second) : Words();
+    return words_of_database(kind, place, begun);
 }
 
 Words option_names(const CLI::App& command)

@@ -100,6 +100,7 @@ std::vector<std::string>
 named_groups(const std::vector<DatabaseInfo::Group>& groups, const std::string& none)
 {
     std::vector<std::string> texts;
+    texts.reserve(groups.size());
     for (const DatabaseInfo::Group& group : groups) {
         texts.push_back(
             group_text(group.text.has_value() ? display_text(*group.text) : none, group.records));

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 
 namespace dbapi::tool {
 namespace {
@@ -23,7 +24,7 @@ constexpr std::size_t kBlockBytes = 1U << 16U;
 }
 } // namespace
 
-OutputStream::OutputStream(const std::string& file) : name_(file)
+OutputStream::OutputStream(std::string file) : name_(std::move(file))
 {
     if (name_.empty()) {
         return;

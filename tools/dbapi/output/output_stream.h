@@ -18,7 +18,7 @@ class OutputStream
 public:
     /// To that file, or to standard output when the name is empty. Throws `CommandFailure`, as all
     /// below do, when it cannot be written.
-    explicit OutputStream(const std::string& file = {});
+    explicit OutputStream(std::string file = {});
     ~OutputStream() = default;
 
     OutputStream& operator<<(std::string_view text);

@@ -163,56 +163,92 @@ private:
     std::string raw_;
 };
 
+/// What stands before the first value of a row, between two, and behind the last one.
+struct Marks
+{
+    const char* begin;
+    const char* between;
+    const char* end;
+    bool hasNames;
+};
+
+Marks marks_of(RowForm form)
+{
+    switch (form) {
+    case RowForm::Csv:
+        return {"", ",", "\n", false};
+    case RowForm::JsonLine:
+        return {"{", ",", "}\n", true};
+    case RowForm::JsonMember:
+        return {",{", ",", "}", true};
+    case RowForm::Lines:
+        break;
+    }
+    return {"", "\t", "\n", false};
+}
+
 /// The texts before the values of each column, and behind the last one.
 std::vector<std::string> texts_between(const std::vector<ValueColumn>& columns, RowForm form)
 {
+    const Marks marks = marks_of(form);
     std::vector<std::string> texts;
+    texts.reserve(columns.size() + 1);
     for (const ValueColumn& column : columns) {
-        const bool isFirst = texts.empty();
-        switch (form) {
-        case RowForm::Csv:
-            texts.emplace_back(isFirst ? "" : ",");
-            break;
-        case RowForm::Lines:
-            texts.emplace_back(isFirst ? "" : "\t");
-            break;
-        case RowForm::JsonLine:
-        case RowForm::JsonMember:
-            texts.push_back((isFirst ? "{" : ",") + json_text(column.keyword) + ":");
-            break;
-        }
+        texts.push_back(
+            (texts.empty() ? marks.begin : marks.between) +
+            (marks.hasNames ? json_text(column.keyword) + ":" : std::string()));
     }
-    if (form == RowForm::JsonMember && !texts.empty()) {
-        texts.front().insert(0, ",");
-    }
-    texts.emplace_back(
-        form == RowForm::JsonLine     ? "}\n"
-        : form == RowForm::JsonMember ? "}"
-                                      : "\n");
+    texts.emplace_back(marks.end);
     return texts;
 }
 
-/// Makes texts of the places from 0 up to `count`, a part in each thread, and writes them in their
-/// order. `make` appends what is to be written of the places from `first` up to `last`.
-void write_in_parts(
-    std::size_t count,
-    const std::function<void(std::size_t first, std::size_t last, std::string* to)>& make,
-    const Write& write)
+/// Appends the text of the places from `first` up to `last`.
+using Make = std::function<void(std::size_t first, std::size_t last, std::string* to)>;
+
+constexpr std::size_t kPart = 1U << 14U;
+constexpr std::size_t kPartsAtOnce = 16;
+
+/// Texts of the next places from `begin` on, below `count`, made in several threads.
+std::vector<std::string> next_parts(std::size_t begin, std::size_t count, const Make& make)
 {
-    constexpr std::size_t kPart = 1U << 14U;
-    constexpr std::size_t kPartsAtOnce = 16;
+    std::vector<std::string> parts(std::min((count - begin + kPart - 1) / kPart, kPartsAtOnce));
+    dbif::parallel_for(parts.size(), 1, [&](std::size_t first, std::size_t last) {
+        for (std::size_t part = first; part < last; ++part) {
+            const std::size_t start = begin + part * kPart;
+            make(start, std::min(start + kPart, count), &parts[part]);
+        }
+    });
+    return parts;
+}
+
+/// Writes the texts of the places from 0 up to `count`, in their order.
+void write_in_parts(std::size_t count, const Make& make, const Write& write)
+{
     for (std::size_t begin = 0; begin < count; begin += kPart * kPartsAtOnce) {
-        const std::size_t left = count - begin;
-        std::vector<std::string> parts(std::min((left + kPart - 1) / kPart, kPartsAtOnce));
-        dbif::parallel_for(parts.size(), 1, [&](std::size_t first, std::size_t last) {
-            for (std::size_t part = first; part < last; ++part) {
-                const std::size_t start = begin + part * kPart;
-                make(start, std::min(start + kPart, count), &parts[part]);
-            }
-        });
-        for (const std::string& part : parts) {
+        for (const std::string& part : next_parts(begin, count, make)) {
             write(part);
         }
+    }
+}
+
+void append_rows(
+    const ColumnTable& table,
+    RowForm form,
+    const std::vector<std::string>& between,
+    std::pair<std::size_t, std::size_t> rows,
+    std::string* to)
+{
+    std::vector<CellWriter> cells;
+    cells.reserve(table.columns.size());
+    for (const ValueColumn& column : table.columns) {
+        cells.emplace_back(column, form, table.columns.size() == 1);
+    }
+    for (std::size_t row = rows.first; row < rows.second; ++row) {
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            *to += between[i];
+            cells[i].append(row, to);
+        }
+        *to += between.back();
     }
 }
 } // namespace
@@ -241,17 +277,7 @@ void write_rows(const ColumnTable& table, std::size_t rows, RowForm form, const 
 {
     const std::vector<std::string> between = texts_between(table.columns, form);
     const auto make = [&](std::size_t first, std::size_t last, std::string* to) {
-        std::vector<CellWriter> cells;
-        for (const ValueColumn& column : table.columns) {
-            cells.emplace_back(column, form, table.columns.size() == 1);
-        }
-        for (std::size_t row = first; row < last; ++row) {
-            for (std::size_t i = 0; i < cells.size(); ++i) {
-                *to += between[i];
-                cells[i].append(row, to);
-            }
-            *to += between.back();
-        }
+        append_rows(table, form, between, {first, last}, to);
     };
     write_in_parts(rows, make, write);
 }
