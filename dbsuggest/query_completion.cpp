@@ -53,10 +53,21 @@ std::string written_value(const std::string& value)
     return value.find(',') == std::string::npos ? value : "'" + value + "'";
 }
 
-std::vector<std::string>
-stored_values(const DBIF_Connection& connection, const std::string& keyword)
+bool is_number(const DBIF_Connection& connection, const std::string& keyword)
 {
-    dbif::ColumnRead read = read_of_keyword(select_on(connection, ""), keyword, true);
+    return KnownKeys(connection).kindOf(keyword) == dbif::ValueKind::Double;
+}
+
+/// The values of a keyword that may begin with `typed`, the first ones in their order.
+std::vector<std::string> stored_values(
+    const DBIF_Connection& connection,
+    const std::string& keyword,
+    const std::string& typed)
+{
+    const bool isFromThere =
+        !typed.empty() && written_value(typed) == typed && !is_number(connection, keyword);
+    const std::string query = isFromThere ? keyword + ">=" + typed : std::string();
+    dbif::ColumnRead read = read_of_keyword(select_on(connection, query), keyword, true);
     if (read.isOnPoints()) {
         return {};
     }
@@ -83,9 +94,8 @@ std::vector<std::string> fitting(std::vector<std::string> words, std::string_vie
 std::vector<std::string>
 with_comparators(const DBIF_Connection& connection, const std::string& word)
 {
-    const bool isNumber = KnownKeys(connection).kindOf(word) == dbif::ValueKind::Double;
     std::vector<std::string> words{word + "=", word + "!="};
-    if (isNumber) {
+    if (is_number(connection, word)) {
         words.insert(words.end(), {word + "<", word + ">", word + "=["});
     }
     return words;
@@ -109,7 +119,8 @@ next_words(const DBIF_Connection& connection, std::string_view term, std::size_t
     const std::size_t last = term.find_last_of(",[");
     *begin = behind_blanks(term, last == std::string_view::npos || last < value ? value : last + 1);
     const std::string keyword = dbif::trimmed(std::string(term.substr(0, comparator)));
-    return fitting(stored_values(connection, keyword), term.substr(*begin));
+    const std::string typed(term.substr(*begin));
+    return fitting(stored_values(connection, keyword, typed), typed);
 }
 } // namespace
 
