@@ -1,4 +1,5 @@
 #include "tests/support/command_fixture.h"
+#include "tests/support/sqlite_file.h"
 
 #include <gmock/gmock.h>
 
@@ -99,6 +100,24 @@ TEST_F(ValueOutput, HasTheOrderAndShapeThatIsAskedFor)
         dbapi({"tables", "--json", "columns", "--limit", "1"}).data,
         "{\"columns\":[{\"name\":\"table\",\"values\":[\"catalog_entry\"]}]}\n");
     EXPECT_EQ(dbapi({"ids", "lab", "setup", "-o", "/dev/stdout"}).data, "id\n1\n");
+}
+
+TEST_F(ValueOutput, LeavesAFileAloneThatItCannotReplaceWhole)
+{
+    const std::string file = folder.file("values.csv");
+    write_file(file, "of yesterday\n");
+    run_on_file(database, "UPDATE setup_data SET payload = X'00'");
+    for (const char* order : {"stored", "sorted"}) {
+        const Outcome failed = dbapi({"values", "lab", "n", "--order", order, "-o", file});
+        EXPECT_EQ(failed.code, 4) << failed.talk;
+        EXPECT_EQ(read_file(file), "of yesterday\n");
+    }
+    for (const char* order : {"stored", "sorted"}) {
+        const Outcome failed = dbapi({"values", "lab", "nokey", "--order", order, "-o", file});
+        EXPECT_EQ(failed.code, 2);
+        EXPECT_THAT(failed.talk, HasSubstr("\n  nokey\n  ^^^^^\n"));
+        EXPECT_EQ(read_file(file), "of yesterday\n");
+    }
 }
 
 using TableOutput = Command;
