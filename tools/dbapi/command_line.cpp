@@ -14,6 +14,7 @@
 
 #include <CLI/CLI.hpp>
 #include <exception>
+#include <map>
 #include <memory>
 #include <new>
 #include <set>
@@ -58,6 +59,24 @@ std::set<std::string> option_names(const CLI::App& command)
     return names;
 }
 
+/// The last words of the commands below a command, each with all its words: "list" stands for
+/// "connection list". A word that is a command by itself stands for that.
+std::map<std::string, std::string> commands_by_word(const CLI::App& command)
+{
+    std::map<std::string, std::string> names;
+    for (const CLI::App* subcommand : command.get_subcommands(nullptr)) {
+        if (!subcommand->get_group().empty()) {
+            names[subcommand->get_name()] = subcommand->get_name();
+        }
+    }
+    for (const CLI::App* group : command.get_subcommands(nullptr)) {
+        for (const CLI::App* below : group->get_subcommands(nullptr)) {
+            names.emplace(below->get_name(), group->get_name() + " " + below->get_name());
+        }
+    }
+    return names;
+}
+
 /// The message for an argument that a command does not know.
 std::string unknown_argument(const CLI::App& command, const std::string& argument)
 {
@@ -66,15 +85,19 @@ std::string unknown_argument(const CLI::App& command, const std::string& argumen
         return "there is no option " + argument + "." +
                suggestion(nearest_texts(argument.substr(0, argument.find('=')), known, 2));
     }
-    std::set<std::string> known;
-    for (const CLI::App* subcommand : command.get_subcommands(nullptr)) {
-        known.insert(subcommand->get_name());
-    }
+    const std::map<std::string, std::string> known = commands_by_word(command);
     if (known.empty()) {
         return "the argument " + dbapi::quoted(argument) + " is not expected.";
     }
-    return "there is no command " + dbapi::quoted(argument) + "." +
-           suggestion(nearest_texts(argument, known, 2));
+    std::set<std::string> words;
+    for (const auto& [word, name] : known) {
+        words.insert(word);
+    }
+    std::vector<std::string> near = nearest_texts(argument, words, 2);
+    for (std::string& word : near) {
+        word = known.at(word);
+    }
+    return "there is no command " + dbapi::quoted(argument) + "." + suggestion(near);
 }
 
 /// The name of an option in a message of the parser: all before the given words.
