@@ -3,7 +3,7 @@
 include(CMakePackageConfigHelpers)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/dbapi)
 
-install(TARGETS dbif dbui dbapi dbsuggest dbexplain dbimport dbplot EXPORT dbapiTargets
+install(TARGETS dbif dbui dbapi dbsuggest dbexplain dbimport dbinfo dbplot EXPORT dbapiTargets
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 foreach(header IN LISTS dbapi_installed_headers)
     cmake_path(GET header PARENT_PATH folder)
@@ -30,4 +30,7 @@ if(DBAPI_BUILD_TOOLS)
     install(FILES ${command_folder}/dbapi.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
     install(FILES ${command_folder}/dbapi.bash RENAME dbapi
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+    install(FILES ${command_folder}/dbapi.zsh RENAME _dbapi
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+    install(FILES ${command_folder}/dbapi.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()

@@ -38,16 +38,37 @@ void check_options(const ColumnOptions& options)
             "Error: The limit is " + std::to_string(options.limit) +
             ". It is a number of rows, or -1 for all.\n"));
     }
-    if (options.distinct && options.withIds) {
+    if (options.distinct && (options.withIds || options.withPoints)) {
         throw FaultError(argument_fault(
             "Error: Distinct rows stand for several records, so that no ids stand beside them.\n"));
     }
+    if (options.descending && options.order != Order::Sorted) {
+        throw FaultError(argument_fault(
+            "Error: Only sorted rows can be descending. Leave one of the two options out.\n"));
+    }
 }
 
-/// The read of the keywords with what the options add to it.
+/// The read of the keywords, in no order. One keyword alone fails as the calls for one keyword do,
+/// without a word about the others.
+dbif::ColumnRead read_of_asked(
+    DBIF_Connection connection,
+    const std::vector<std::string>& keywords,
+    const std::string& query,
+    const ColumnOptions& options)
+{
+    if (keywords.size() != 1) {
+        return read_of_keywords(std::move(connection), keywords, query, options.allData);
+    }
+    Selection selection = select_on(std::move(connection), query);
+    selection.latestOnly = selection.latestOnly && !options.allData;
+    return read_of_keyword(selection, keywords.front(), false, UNSORTED);
+}
+
+/// The read with what the options add to it.
 dbif::ColumnRead read_with_options(dbif::ColumnRead read, const ColumnOptions& options)
 {
     const std::size_t asked = read.columns.size();
+    read.withPoints = options.withPoints && read.isOnPoints();
     const dbif::RecordTable records = read.isOnPoints()
                                           ? dbif::RecordTable::Setup
                                           : dbif::meeting_table(dbif::tables_of(read.columns));
@@ -61,7 +82,7 @@ dbif::ColumnRead read_with_options(dbif::ColumnRead read, const ColumnOptions& o
         read.order = {{asked, true}};
     }
     for (std::size_t place = 0; options.order == Order::Sorted && place < asked; ++place) {
-        read.order.push_back({place, true});
+        read.order.push_back({place, !options.descending});
     }
     read.distinct = options.distinct;
     read.limit = options.limit;
@@ -75,6 +96,13 @@ described_columns(const dbif::ColumnRead& read, const std::vector<std::string>& 
     for (std::size_t i = 0; i < read.columns.size() - read.hidden; ++i) {
         columns.push_back(
             described_column(i < keywords.size() ? keywords[i] : "id", read.columns[i]));
+    }
+    if (read.withPoints) {
+        ValueColumn& point = columns.emplace_back();
+        point.keyword = "point";
+        point.name = "point";
+        point.table = "setup";
+        point.type = ValueColumn::Type::Integer;
     }
     return columns;
 }
@@ -218,8 +246,7 @@ bool db_get_columns(
         check_options(options);
         *table = with_faults([&] {
             dbif::ColumnRead read = read_with_options(
-                read_of_keywords(
-                    connection_for_call(connectionName), keywords, query, options.allData),
+                read_of_asked(connection_for_call(connectionName), keywords, query, options),
                 options);
             const std::vector<ValueColumn> columns = described_columns(read, keywords);
             const bool isOrdered = read.needsAllRows();
@@ -329,8 +356,7 @@ bool db_open_column_reader(
         }
         with_faults([&] {
             dbif::ColumnRead read = read_with_options(
-                read_of_keywords(
-                    connection_of_reader(connectionName), keywords, query, options.allData),
+                read_of_asked(connection_of_reader(connectionName), keywords, query, options),
                 options);
             auto reading = std::make_unique<ColumnReader::Reading>(options, batchRows);
             reading->columns = described_columns(read, keywords);

@@ -37,7 +37,9 @@ struct ColumnOptions
     };
 
     Order order = Order::Sorted;
-    /// Each row once. Not together with `withIds`.
+    /// Sorted rows come the other way round: the largest first, no value last. Only with `Sorted`.
+    bool descending = false;
+    /// Each row once. Not together with `withIds` and `withPoints`.
     bool distinct = false;
     /// The largest number of rows; -1 for all.
     long long limit = -1;
@@ -45,6 +47,9 @@ struct ColumnOptions
     bool allData = false;
     /// A last column with the id of each row's record; of a point's setup.
     bool withIds = false;
+    /// A column "point" behind all others with the place of each row's point in its setup, from 1
+    /// up: the order in which it was measured. None where rows are records.
+    bool withPoints = false;
     /// Refuses, before a row is read, what may need more bytes than this; 0 refuses nothing.
     std::size_t mostBytes = 0;
     /// Called before the first row and then from time to time, in the thread that made the call;

@@ -14,17 +14,6 @@
 
 namespace dbapi {
 namespace {
-/// The connection that the library keeps open for the calls that follow.
-DBIF_Connection kept_connection(const std::string& name)
-{
-    std::string errors;
-    const PublicCall call(name, "", &errors);
-    if (!call.hasBegun()) {
-        throw FaultError(connection_fault(errors));
-    }
-    return connection_for_call(name);
-}
-
 /// The table that the read gives rows of: where the asked keys meet, or else the compared ones.
 dbif::RecordTable counted_table(const Explanation& explanation)
 {

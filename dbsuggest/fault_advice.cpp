@@ -1,9 +1,11 @@
 #include "dbsuggest/fault_advice.h"
 
+#include "dbapi/db_listing.h"
 #include "dbapi/query/query_condition.h"
 #include "dbapi/words/keyword_parts.h"
 #include "dbapi/words/text_rules.h"
 #include "dbif/host/exception.h"
+#include "dbsuggest/nearest_text.h"
 #include "dbsuggest/query_notes.h"
 #include "dbsuggest/query_rewriting.h"
 #include "dbsuggest/term_rewriting.h"
@@ -11,6 +13,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 
 namespace dbapi {
 namespace {
@@ -23,6 +26,15 @@ constexpr const char* kEmptied =
 constexpr const char* kJoined = "\";\", AND and OR stand between two terms, and nowhere else.";
 constexpr const char* kUnclosed = "Each open brace has a closing one.";
 constexpr const char* kBuiltin = "A builtin keyname stands alone, without table and attributes.";
+
+constexpr std::size_t kMostTables = 2;
+
+std::set<std::string> table_names()
+{
+    std::set<std::string> names;
+    db_get_tablenames(&names);
+    return names;
+}
 
 std::string replaced(const Fault& fault, const std::string& text)
 {
@@ -123,6 +135,10 @@ std::vector<Advice> proposals_for(const Fault& fault, const KnownKeys& keys)
              replaced(fault, split_keyword(std::string(fault.piece())).parts.keyname)}};
     case Kind::AmbiguousKey:
         keywords = fault.candidates;
+        break;
+    case Kind::MalformedKeyword:
+        // A misspelt table is the one word of a keyword that can be told from all right ones.
+        keywords = nearest_texts(std::string(fault.piece()), table_names(), kMostTables);
         break;
     case Kind::UnknownKey:
         if (trimmed_view(fault.piece()).empty()) {

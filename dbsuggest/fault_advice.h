@@ -12,7 +12,7 @@ struct Advice
 {
     /// The rule that was broken, in a sentence; empty where the keyword is just another one.
     std::string reason;
-    /// The keyword in the place of the faulty piece, in advice without a reason.
+    /// The keyword, or table, in the place of the faulty piece, in advice without a reason.
     std::string keyword;
     /// The whole query string or keyword, ready to be copied: the library reads it without a fault
     /// and without a note (`notes_on_query`). Empty where none is known.

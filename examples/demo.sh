@@ -23,6 +23,9 @@ show 'Store a connection under a name; the SQLite file is created if there is no
 show 'Read the shipped sweeps of transistors and diodes into it.' \
     'dbapi import demo examples/measurements'
 
+show 'What is in it, at a glance?' \
+    'dbapi info demo | head -n 18'
+
 show 'Which devices are 5 to 10 um wide and at most 0.15 um long? Numbers are in engineering notation.' \
     "dbapi values demo '\$DEVNAME' W L -q 'W=[5u,10u];L<=0.15u' --distinct --format table"
 

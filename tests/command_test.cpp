@@ -81,6 +81,20 @@ TEST_F(Command, KeepsConnectionsFromAddToRemove)
         HasSubstr(
             "The SQLite file \"" + database +
             "\" does not open: file is not a database.\nThe file is something else"));
+    // The file that is no database keeps it from being changed.
+    const std::string other = folder.file("other.db");
+    EXPECT_EQ(dbapi({"connection", "add", "other", "--sqlite", other}).code, 0);
+    const Outcome refused = dbapi({"connection", "edit", "other", "--sqlite", database});
+    EXPECT_EQ(refused.code, 3);
+    EXPECT_THAT(
+        refused.talk,
+        StartsWith("dbapi: nothing was changed, for the connection would not work: "));
+    EXPECT_EQ(
+        dbapi({"connection", "edit", "other", "--sqlite", database, "--untested"}).talk,
+        "Changed the connection \"other\": it leads to the SQLite file \"" + database + "\".\n");
+    EXPECT_EQ(dbapi({"connection", "edit", "lab", "--sqlite", other}).code, 0);
+    EXPECT_EQ(dbapi({"tables"}).code + dbapi({"keys", "lab", "device"}).code, 1);
+    EXPECT_EQ(dbapi({"connection", "remove", "other"}).code, 0);
     EXPECT_EQ(dbapi({"connection", "rename", "lab", "lab"}).code, 3);
     EXPECT_EQ(
         dbapi({"connection", "rename", "lab", "bench"}).talk,
@@ -119,6 +133,12 @@ TEST_F(Command, ExplainsWrongUse)
         {{"valeus", "lab", "W"},
          2,
          "dbapi: there is no command \"valeus\". Did you mean values?\nSee: dbapi --help\n"},
+        {{"conection", "list"},
+         2,
+         "dbapi: there is no command \"conection\". Did you mean connection?\nSee: dbapi --help\n"},
+        {{"list"},
+         2,
+         "dbapi: there is no command \"list\". Did you mean connection list?\nSee: dbapi --help\n"},
         {{"connection", "lst"},
          2,
          "dbapi: there is no command \"lst\". Did you mean list?\nSee: dbapi connection --help\n"},
@@ -139,24 +159,49 @@ TEST_F(Command, ExplainsWrongUse)
          2,
          "dbapi: --limit and --count cannot be combined. Leave one out.\n"
          "See: dbapi values --help\n"},
+        {{"values", "lab", "W", "--desc", "--order", "stored"},
+         2,
+         "dbapi: --desc sorts, and --order stored leaves rows as they are. Leave one of them out.\n"},
+        {{"values", "lab", "W", "--desc=x"},
+         2,
+         "dbapi: --desc takes no value. Write it alone.\nSee: dbapi values --help\n"},
+        {{"values", "--", "lab"},
+         2,
+         "dbapi: KEYWORD is missing: a key (W, DEVD.W, \"Key(W,device)\") or builtin keyname "
+         "('$DEVNAME'); several stand side by side.\nSee: dbapi values --help\n"},
+        {{"connection", "add", "x", "--mysql", "d", "--host", "h", "--user", "u", "--port", "0"},
+         2,
+         "dbapi: --port: \"0\" is no port; it is a whole number from 1 to 65535.\n"
+         "See: dbapi connection add --help\n"},
+        {{"connection", "edit", "lab"},
+         2,
+         "dbapi: there is nothing to change: give what is to be different.\n"
+         "See: dbapi connection edit --help\n"},
+        {{"connection", "edit", "lab", "--mysql", "d"},
+         2,
+         "dbapi: a server needs --host and --user beside --mysql DATABASE.\n"},
+        {{"connection", "edit", "lab", "--host", "h"},
+         2,
+         "dbapi: the connection \"lab\" leads to an SQLite file, which has no server, user or "
+         "password. To lead it to a server, give --mysql DATABASE, --host and --user.\n"},
         {{"values", "lab", "W", "--limit", "-1"},
          2,
-         "dbapi: --limit: \"-1\" is no whole number from 0 up\nSee: dbapi values --help\n"},
+         "dbapi: --limit: \"-1\" is no whole number from 0 up.\nSee: dbapi values --help\n"},
         {{"keys", "lab", "devices"},
          2,
-         "dbapi: TABLE: there is no table \"devices\". Did you mean device? dbapi tables lists those "
-         "there are\nSee: dbapi keys --help\n"},
+         "dbapi: there is no table \"devices\". Did you mean device? dbapi tables lists those "
+         "there are.\nSee: dbapi keys --help\n"},
         {{"help", "connection", "lst"},
          2,
          "dbapi: there is no command \"lst\". Did you mean list?\n"
          "See: dbapi connection --help\n"},
         {{"completion", "tcsh"},
          2,
-         "dbapi: SHELL: there is no script for \"tcsh\"; choose bash, zsh or fish\n"
+         "dbapi: there is no script for \"tcsh\"; choose bash, zsh or fish.\n"
          "See: dbapi completion --help\n"},
         {{"setup", "lab", "x"},
          2,
-         "dbapi: ID: \"x\" is no id; dbapi ids lists those there are\nSee: dbapi setup --help\n"},
+         "dbapi: \"x\" is no id; dbapi ids lists those there are.\nSee: dbapi setup --help\n"},
         {{"setup", "lab", "7"},
          1,
          "dbapi: nothing found: there is no setup with id 7. dbapi ids lab setup lists them.\n"},
@@ -165,7 +210,7 @@ TEST_F(Command, ExplainsWrongUse)
          "dbapi: nothing found: there is no setup with id 7. dbapi ids lab setup lists them.\n"},
         {{"values", "lab", "W", "--format", "xml"},
          2,
-         "dbapi: --format: \"xml\" is no format; choose table, csv, tsv, json, jsonl or lines\n"
+         "dbapi: --format: there is no \"xml\"; choose table, csv, tsv, json, jsonl or lines.\n"
          "See: dbapi values --help\n"},
         {{"connection", "list", "lab"},
          2,
@@ -223,57 +268,6 @@ TEST_F(Command, ImportsTheShippedSweepsTwice)
     EXPECT_EQ(lines({"keys", "lab", "device", "--short"}), "L\nM\nW\nprocess\n");
     EXPECT_EQ(lines({"values", "lab", "$CATDBID"}), "1\n2\n");
     EXPECT_EQ(lines({"values", "lab", "$CATDBID", "-q", "$SETNAME=IDVG"}), "2\n");
-}
-
-TEST_F(Command, WritesEveryFormat)
-{
-    const std::string path =
-        sweep("a.csv", "# $DEVNAME = d\nIND.n,OUTS.t\n10,\"a, \"\"b\"\"\"\n9,\"x\ty\nz\"\n-1.5,\n");
-    EXPECT_EQ(
-        dbapi({"import", "lab", path, path}).talk,
-        "Imported 1 file into \"lab\": 1 setup, 3 points, 1 device.\n"
-        "New keys: IND.n and OUTS.t (setup).\n");
-    const Arguments both{"values", "lab", "n", "t", "-q", "$DEVNAME=d", "--format"};
-    const auto written = [&both](const std::string& format) {
-        Arguments arguments = both;
-        arguments.push_back(format);
-        return dbapi(arguments).data;
-    };
-    EXPECT_EQ(written("csv"), "n,t\n-1.5,\n9,\"x\ty\nz\"\n10,\"a, \"\"b\"\"\"\n");
-    EXPECT_EQ(written("lines"), "-1.5\t\n9\tx\\ty\\nz\n10\ta, \"b\"\n");
-    EXPECT_EQ(written("table"), "   n  t\n-1.5\n   9  x\\ty\\nz\n  10  a, \"b\"\n");
-    EXPECT_EQ(
-        written("json"),
-        "{\"connection\":\"lab\",\"query\":\"$DEVNAME=d\",\"columns\":["
-        "{\"keyword\":\"n\",\"values\":[-1.5,9,10]},"
-        "{\"keyword\":\"t\",\"values\":[null,\"x\\ty\\nz\",\"a, \\\"b\\\"\"]}]}\n");
-    EXPECT_EQ(
-        written("jsonl"),
-        "{\"n\":-1.5,\"t\":null}\n{\"n\":9,\"t\":\"x\\ty\\nz\"}\n{\"n\":10,\"t\":\"a, \\\"b\\\"\"}\n");
-    EXPECT_EQ(written("tsv"), "n\tt\n-1.5\t\n9\tx\\ty\\nz\n10\ta, \"b\"\n");
-    EXPECT_EQ(dbapi({"values", "lab", "n", "--limit", "2"}).data, "n\n-1.5\n9\n");
-    EXPECT_EQ(dbapi({"values", "lab", "n", "--count"}).data, "3\n");
-    EXPECT_EQ(
-        dbapi({"keys", "lab", "setup", "--format", "jsonl", "--limit", "1"}).data,
-        "{\"key\":\"n\",\"table\":\"setup\",\"category\":\"INPUT\",\"datatype\":\"DOUBLE\",\"records\":1,"
-        "\"points\":3,\"minimum\":-1.5,\"maximum\":10}\n");
-    for (const auto& [name, text] :
-         {std::pair(
-              "a.json",
-              "{\"connection\":\"lab\",\"table\":\"setup\",\"query\":\"\",\"ids\":[{\"id\":1}]}\n"),
-          std::pair("a.txt", "id\n 1\n"), std::pair("a", "id\n1\n")}) {
-        const std::string file = folder.file(name);
-        EXPECT_EQ(dbapi({"ids", "lab", "setup", "-o", file}).data, "");
-        EXPECT_EQ(read_file(file), text);
-    }
-    const Outcome unwritten = dbapi({"ids", "lab", "setup", "-o", "/nowhere/a.csv"});
-    EXPECT_EQ(unwritten.code, 5);
-    EXPECT_THAT(
-        unwritten.talk, StartsWith("dbapi: the file \"/nowhere/a.csv\" cannot be written: "));
-    const Outcome nothing = dbapi({"values", "lab", "n", "-q", "$DEVNAME=e"});
-    EXPECT_EQ(nothing.code, 1);
-    EXPECT_EQ(nothing.data, "n\n");
-    EXPECT_THAT(nothing.talk, StartsWith("dbapi: nothing found: "));
 }
 
 TEST_F(Command, NamesTheConnectionWhoseDatabaseRefusesAnImport)
@@ -384,27 +378,6 @@ TEST_F(Command, TellsWhatAnImportSupersedes)
         HasSubstr("1 device.\nThis supersedes 1 earlier setup: d\\x1b[1m (" + repeated + ")."));
 }
 
-TEST_F(Command, ShortensTablesAndColoursOnATerminalOnly)
-{
-    std::string rows = "# $DEVNAME = d\nIND.n\n";
-    for (int row = 1; row <= 100; ++row) {
-        rows += std::to_string(row) + "\n";
-    }
-    dbapi({"import", "lab", sweep("a.csv", rows)});
-    const Arguments values{"values", "lab", "n"};
-    const Outcome shown = dbapi_on_terminal(values);
-    EXPECT_THAT(shown.data, StartsWith("\x1b[1m n\x1b[0m\r\n 1\r\n"));
-    EXPECT_THAT(
-        shown.data, testing::EndsWith("\r\n16\r\n... and 84 more rows. See all with --all, or "
-                                      "with --format csv.\r\n"));
-    EXPECT_THAT(
-        dbapi_on_terminal({"values", "lab", "n", "--all"}).data, testing::EndsWith("\r\n100\r\n"));
-    setenv("NO_COLOR", "1", 1);
-    EXPECT_THAT(dbapi_on_terminal(values).data, StartsWith(" n\r\n"));
-    unsetenv("NO_COLOR");
-    EXPECT_THAT(dbapi({"values", "lab", "n", "--format", "table"}).data, StartsWith("  n\n  1\n"));
-}
-
 TEST_F(Command, UsesAMySqlServerWithoutShowingThePassword)
 {
     const MariaDbServer& server = MariaDbServer::instance();
@@ -434,6 +407,12 @@ TEST_F(Command, UsesAMySqlServerWithoutShowingThePassword)
         EXPECT_EQ(shown.code, 0) << shown.data;
         EXPECT_THAT(shown.data, Not(HasSubstr(server.password().substr(0, 4))));
     }
+
+    Arguments edit{"connection", "edit", "piped", "--user", server.user(), "--password-stdin"};
+    EXPECT_EQ(dbapi(edit, "not the password\n").code, 3);
+    EXPECT_EQ(dbapi(edit, server.password() + "\n").code, 0);
+    EXPECT_EQ(dbapi({"connection", "edit", "piped", "--mysql", "no_such_database"}).code, 3);
+    EXPECT_EQ(dbapi({"connection", "edit", "piped", "--mysql", onServer.name()}).code, 0);
 
     EXPECT_EQ(dbapi({"import", "piped", sweep("a.csv", "# $DEVNAME = d\nOUTD.a\n1\n2\n")}).code, 0);
     EXPECT_EQ(lines({"values", "typed", "a", "-q", "$DEVNAME=d"}), "1\n2\n");

@@ -53,7 +53,7 @@ TEST_F(Completion, OffersWhatFitsThePlace)
 
     const std::vector<Case> cases{
         {{"va"}, "values\n"},
-        {{"connection", ""}, "add\nlist\ntest\nrename\nremove\nmanage\n"},
+        {{"connection", ""}, "add\nlist\ntest\nedit\nrename\nremove\nmanage\n"},
         {{"connection", "remove", ""}, "lab\n"},
         {{"help", "conn"}, "connection\n"},
         {{"help", "connection", "l"}, "list\n"},
@@ -75,6 +75,17 @@ TEST_F(Completion, OffersWhatFitsThePlace)
         {{"record", "lab", "DEV", "1", ""},
          "L\nW\n\\$DEVDBID\n\\$DEVID\n\\$DEVNAME\n\\$DEVTIME\n\\$DEVTYPE\n\\$DEVUSER\n\\$SUBSITE\n"},
         {{"header", "lab", "1", "I"}, "ID\n"},
+        {{"values", "lab", "L", "-q", "'$DEVN"}, "$DEVNAME=\n$DEVNAME!=\n"},
+        {{"values", "lab", "L", "-q", "'ALLDATA: L=1u;W"},
+         "ALLDATA: L=1u;Key(W,catalog_entry,DOUBLE)\nALLDATA: L=1u;Key(W,device,DOUBLE,PHYSICAL)\n"},
+        {{"values", "lab", "L", "-q", "\"{L=1u} AND {\\$DEVNAME=x,"},
+         "{L=1u} AND {\\$DEVNAME=x,d\n"},
+        {{"values", "lab", "L", "-q", "'L"}, "L=\nL!=\nL<\nL>\nL=[\n"},
+        {{"values", "lab", "L", "-q", "'vth=[0,"}, "vth=[0,1\n"},
+        {{"values", "lab", "L", "-q", "'ID="}, "\n"},
+        {{"values", "lab", "L", "-q", "'{L=1u} and "}, "\n"},
+        {{"values", "lab", "L", "-q", "'nokey=1"}, "\n"},
+        {{"values", "lab", "--order", "s"}, "sorted\nstored\n"},
         {{"values", "nowhere", "L"}, "\n"},
         {{"import", "lab", ""}, "\n"},
         {{"tables", ""}, "\n"}};

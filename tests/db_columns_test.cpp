@@ -25,28 +25,6 @@ using dbapi::ValueColumn;
 using Order = ColumnOptions::Order;
 using testing::HasSubstr;
 
-/// A value as the text calls write it; a time as microseconds.
-std::string cell(const ValueColumn& column, std::size_t row)
-{
-    if (!column.hasValue(row)) {
-        return {};
-    }
-    switch (column.type) {
-    case ValueColumn::Type::Number:
-        return dbif::double_text(column.numbers[row]);
-    case ValueColumn::Type::Integer:
-    case ValueColumn::Type::Time:
-        return std::to_string(column.integers[row]);
-    case ValueColumn::Type::Complex:
-        return dbif::complex_text(column.complexNumbers[row]);
-    case ValueColumn::Type::Matrix:
-        return dbif::matrix_text(column.matrices[row]);
-    case ValueColumn::Type::Text:
-        break;
-    }
-    return std::string(column.text(row));
-}
-
 std::vector<std::vector<std::string>> cells(const ColumnTable& table)
 {
     std::vector<std::vector<std::string>> texts;
@@ -54,7 +32,7 @@ std::vector<std::vector<std::string>> cells(const ColumnTable& table)
         EXPECT_EQ(column.size(), table.rows);
         std::vector<std::string>& of = texts.emplace_back();
         for (std::size_t row = 0; row < table.rows; ++row) {
-            of.push_back(cell(column, row));
+            column.appendText(row, &of.emplace_back());
         }
     }
     return texts;
@@ -190,6 +168,16 @@ TEST_P(DbColumns, TellTypesAndTakeOptions)
 
     stored.limit = 3;
     EXPECT_EQ(read({"ID"}, "", stored), "1e-09|1;3e-06|1;2e-09|2;");
+    stored.withPoints = true;
+    EXPECT_EQ(read({"ID"}, "", stored), "1e-09|1|1;3e-06|1|3;2e-09|2|1;");
+    EXPECT_EQ(read({"W"}, "W=5u", stored), "5e-06|1;");
+    ColumnOptions descending;
+    descending.descending = true;
+    EXPECT_EQ(read({"W"}, "", descending), "1e-05;5e-06;1.3000000000000003e-07;");
+    EXPECT_EQ(
+        read({"$LOT", "W"}, "$LOT<C", descending), "B|1.3000000000000003e-07;B|;A|1e-05;A|5e-06;");
+    descending.order = Order::Stored;
+    EXPECT_THAT(read({"W"}, "", descending), HasSubstr("Only sorted rows can be descending"));
     ColumnOptions all = ordered(Order::None);
     lab.supersedeFirstSetup();
     EXPECT_EQ(read({"ID"}, "$TEMP=25;$LOT=A", all), "7e-06;");
@@ -201,11 +189,14 @@ TEST_P(DbColumns, TellTypesAndTakeOptions)
     EXPECT_EQ(table.columns[0].type, ValueColumn::Type::Time);
     EXPECT_GT(table.columns[0].integers.front(), 1'577'836'800'000'000);
     EXPECT_LT(table.columns[0].integers.back(), 7'258'118'400'000'000);
+    const std::string times = lab.rows("SELECT modified_time FROM device ORDER BY modified_time");
+    EXPECT_EQ(joined(cells(table)), times);
 }
 
 TEST_P(DbColumns, FailWithAFault)
 {
     Fault fault;
+    EXPECT_TRUE(read({"Wx"}, "", {}).starts_with("Error: Failed to resolve keyword \"Wx\""));
     EXPECT_THAT(read({"W", "Wx"}, "", {}), HasSubstr("Failed to resolve keyword"));
     ASSERT_TRUE(dbapi::db_get_last_fault(&fault));
     EXPECT_EQ(fault.kind, Fault::Kind::UnknownKey);

@@ -35,6 +35,8 @@ TEST_F(FaultAdvice, PointsAtTheFault)
          "  device.length\n  ^^^^^^^^^^^^^\nDid you mean Key(length,measurement,DOUBLE)?\n"},
         {{"W"},
          "  W\n  ^\nDid you mean Key(W,catalog_entry,DOUBLE) or Key(W,device,DOUBLE,PHYSICAL)?\n"},
+        {{"Key(length,measurements)"},
+         "  Key(length,measurements)\n             ^^^^^^^^^^^^\nDid you mean measurement?\n"},
         {{"Key(length"}, "  Key(length\n            ^\n"},
         {{"$dataorigin"}, "  $dataorigin\n  ^^^^^^^^^^^\nDid you mean $DATAORIGIN, "},
         {{"length", "-q", "length=1; DEVD.w = 5u"},

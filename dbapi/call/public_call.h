@@ -32,6 +32,10 @@ private:
     bool hasBegun_;
 };
 
+/// The connection that the library keeps open for the calls that follow, brought up to date. Throws
+/// `FaultError`.
+DBIF_Connection kept_connection(const std::string& name);
+
 /// Ends a public call with a fault: its text goes to `errors`, or to the standard error stream when
 /// that is null, and the fault is kept for `db_get_last_fault`. Always false.
 bool fail_call(const Fault& fault, std::string* errors);

@@ -1,6 +1,7 @@
 #include "dbapi/read/value_column.h"
 
 #include "dbif/host/exception.h"
+#include "dbif/host/host_number.h"
 #include "dbif/host/host_string.h"
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <charconv>
 #include <chrono>
 #include <cmath>
+#include <cstdio>
 #include <optional>
 #include <unordered_map>
 
@@ -204,6 +206,34 @@ auto with_vector(const ValueColumn& column, const Use& use)
     return use(column.codes);
 }
 
+void append_number(double number, std::string* to)
+{
+    std::array<char, dbif::kLongestDouble> buffer{};
+    to->append(buffer.data(), dbif::format_double(number, buffer.data()));
+}
+
+/// A time as databases hold it, with milliseconds, and with microseconds where it has some.
+void append_time(std::int64_t time, std::string* to)
+{
+    const std::chrono::sys_time<std::chrono::microseconds> moment{std::chrono::microseconds(time)};
+    const auto day = std::chrono::floor<std::chrono::days>(moment);
+    const std::chrono::year_month_day date(day);
+    const std::chrono::hh_mm_ss clock(moment - day);
+    const auto fraction = clock.subseconds().count();
+    std::array<char, 64> text{};
+    std::snprintf(
+        text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d.", static_cast<int>(date.year()),
+        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
+        static_cast<int>(clock.seconds().count()));
+    *to += text.data();
+    const bool isWhole = fraction % 1000 == 0;
+    std::snprintf(
+        text.data(), text.size(), isWhole ? "%03d" : "%06d",
+        static_cast<int>(isWhole ? fraction / 1000 : fraction));
+    *to += text.data();
+}
+
 bool is_value(double number)
 {
     return !std::isnan(number);
@@ -238,6 +268,33 @@ std::size_t ValueColumn::size() const
 bool ValueColumn::hasValue(std::size_t row) const
 {
     return with_vector(*this, [row](const auto& values) { return is_value(values[row]); });
+}
+
+void ValueColumn::appendText(std::size_t row, std::string* to) const
+{
+    if (!hasValue(row)) {
+        return;
+    }
+    switch (type) {
+    case Type::Number:
+        append_number(numbers[row], to);
+        break;
+    case Type::Integer:
+        *to += std::to_string(integers[row]);
+        break;
+    case Type::Complex:
+        *to += dbif::complex_text(complexNumbers[row]);
+        break;
+    case Type::Matrix:
+        *to += dbif::matrix_text(matrices[row]);
+        break;
+    case Type::Text:
+        *to += text(row);
+        break;
+    case Type::Time:
+        append_time(integers[row], to);
+        break;
+    }
 }
 
 std::size_t ValueColumn::missing() const

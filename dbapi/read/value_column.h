@@ -57,6 +57,10 @@ struct ValueColumn
     /// The number of rows that have no value.
     [[nodiscard]] std::size_t missing() const;
 
+    /// Appends the value of a row as the text calls write it: nothing for 'no value', a time as
+    /// "2026-01-31T12:34:56.789", UTC.
+    void appendText(std::size_t row, std::string* to) const;
+
     /// The text of a row of a column of texts; empty for 'no value'. Valid as long as the column.
     [[nodiscard]] std::string_view text(std::size_t row) const
     {

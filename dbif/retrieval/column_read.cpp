@@ -194,6 +194,11 @@ std::size_t ColumnStream::available() const
     return held_.rows - given_ + (points_ == nullptr ? 0 : points_->size());
 }
 
+std::size_t ColumnStream::shownColumns() const
+{
+    return read_.columns.size() - read_.hidden + (read_.withPoints ? 1 : 0);
+}
+
 void ColumnStream::report() const
 {
     if (read_.progress) {
@@ -212,8 +217,8 @@ bool ColumnStream::readOn(std::size_t wanted)
             points_.reset();
         } else if (read_.isOnPoints()) {
             points_ = std::make_unique<SweepRows>(
-                read_.connection, read_.columns, read_.uncounted, nextCondition(),
-                read_.latestOnly);
+                read_.connection, read_.columns, read_.uncounted, nextCondition(), read_.latestOnly,
+                read_.withPoints);
         } else {
             QueryResult rows = read_record_rows(
                 read_.connection, read_.columns, read_.uncounted, nextCondition(), read_.latestOnly,
@@ -269,7 +274,7 @@ void ColumnStream::arrange()
 {
     isArranged_ = true;
     const TraceStep sorting(read_.connection.inner().trace(), "sort the rows");
-    const std::size_t shown = read_.columns.size() - read_.hidden;
+    const std::size_t shown = shownColumns();
     if (read_.distinct) {
         order_by_all(shown, &read_.order);
     }
@@ -291,7 +296,7 @@ void ColumnStream::checkFile() const
 
 QueryResult ColumnStream::take(std::size_t rows)
 {
-    const std::size_t shown = read_.columns.size() - read_.hidden;
+    const std::size_t shown = shownColumns();
     QueryResult result;
     if (given_ == 0 && rows == held_.rows) {
         QueryResult none = part_of(held_, 0, 0, held_.columns.size());

@@ -37,6 +37,9 @@ struct ColumnRead
     /// Columns at the end of `columns`, fixed ones of records, whose values do not keep a row that
     /// is empty otherwise.
     std::size_t uncounted = 0;
+    /// A column behind all others has the place of each row's point in its setup, from 1 up. Only
+    /// where rows are points and no column is hidden.
+    bool withPoints = false;
     /// The largest number of rows; -1 for all.
     long long limit = -1;
     /// Called in the calling thread from time to time, with the number of rows so far. What it
@@ -81,6 +84,7 @@ public:
 private:
     void begin();
     [[nodiscard]] std::size_t available() const;
+    [[nodiscard]] std::size_t shownColumns() const;
     void report() const;
     /// Reads some more rows, of the number that is wanted; false when none is left.
     bool readOn(std::size_t wanted);

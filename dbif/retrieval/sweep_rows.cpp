@@ -23,7 +23,8 @@ public:
     RowCollector(
         const std::vector<TableColumn>& sources,
         const std::vector<KeyDefinition>& columns,
-        SelectedSetups& setups)
+        SelectedSetups& setups,
+        bool withPoints)
         : setups_(setups)
     {
         std::size_t recordSource = 0;
@@ -33,6 +34,11 @@ public:
                     ? pointOutput(source.key(), place_of_key(columns, source.key().key))
                     : recordOutput(&setups.column(recordSource++)));
         }
+        if (withPoints) {
+            Output& output = outputs_.emplace_back();
+            output.isPlace = true;
+            output.values.kind = Kind::Integer;
+        }
     }
 
     void add(const SweepPoints& points)
@@ -40,7 +46,7 @@ public:
         isKept_.assign(points.count, setups_.hasRecordValue(points.place) ? 1 : 0);
         bool hasAnyKey = false;
         for (const Output& output : outputs_) {
-            if (output.record == nullptr && points.columns[output.column].isPresent()) {
+            if (output.isKey() && points.columns[output.column].isPresent()) {
                 hasAnyKey = true;
                 mark_values(points.columns[output.column], &isKept_);
             }
@@ -57,8 +63,13 @@ public:
         listKept();
         reserveRows(points.place);
         for (Output& output : outputs_) {
-            output.record != nullptr ? appendRecord(points.place, &output)
-                                     : appendPoints(points.columns[output.column], &output.values);
+            if (output.isKey()) {
+                appendPoints(points.columns[output.column], &output.values);
+            } else if (output.isPlace) {
+                appendPlaces(&output.values.numbers);
+            } else {
+                appendRecord(points.place, &output);
+            }
         }
     }
 
@@ -89,7 +100,11 @@ private:
         std::size_t column = 0;
         /// For a column of records: a value per setup.
         ResultColumn* record = nullptr;
+        /// Tells whether the values are the places of the points in their setup.
+        bool isPlace = false;
         ResultColumn values;
+
+        [[nodiscard]] bool isKey() const { return record == nullptr && !isPlace; }
     };
 
     static Output pointOutput(const KeyDefinition& key, std::size_t column)
@@ -194,6 +209,11 @@ private:
         }
     }
 
+    void appendPlaces(std::vector<double>* places) const
+    {
+        forKept([places](std::size_t point) { places->push_back(static_cast<double>(point + 1)); });
+    }
+
     template <typename T>
     void appendSame(const T& value, std::vector<T>* values) const
     {
@@ -256,10 +276,11 @@ public:
         const std::vector<TableColumn>& sources,
         std::size_t uncounted,
         const ConditionTree& condition,
-        bool latestOnly)
+        bool latestOnly,
+        bool withPoints)
         : columns_(keysOf(sources)),
           setups_(connection, recordsOf(sources), uncounted, columns_, condition, latestOnly),
-          collector_(sources, withConditionKeys(connection), setups_),
+          collector_(sources, withConditionKeys(connection), setups_, withPoints),
           reader_(connection, setups_.ids(), columns_, SetupsWithoutColumns::Empty)
     {}
 
@@ -309,8 +330,10 @@ SweepRows::SweepRows(
     const std::vector<TableColumn>& sources,
     std::size_t uncounted,
     const ConditionTree& condition,
-    bool latestOnly)
-    : reading_(std::make_unique<Reading>(connection, sources, uncounted, condition, latestOnly))
+    bool latestOnly,
+    bool withPoints)
+    : reading_(std::make_unique<
+               Reading>(connection, sources, uncounted, condition, latestOnly, withPoints))
 {}
 
 SweepRows::~SweepRows() = default;

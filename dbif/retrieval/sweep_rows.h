@@ -19,13 +19,15 @@ class SweepRows
 
 public:
     /// Selects the setups. The last `uncounted` sources, which are columns of records, give a point
-    /// no value. The connection must outlive the object.
+    /// no value. With `withPoints`, a column behind those of the sources has the place of each
+    /// point in its setup, from 1 up. The connection must outlive the object.
     SweepRows(
         DBIF_Connection& connection,
         const std::vector<TableColumn>& sources,
         std::size_t uncounted,
         const ConditionTree& condition,
-        bool latestOnly);
+        bool latestOnly,
+        bool withPoints);
     ~SweepRows();
 
     /// Collects the rows of some more setups; false when none is left. `wanted` is the number of

@@ -2,6 +2,7 @@
 #include <dbapi/dbapi.h>
 #include <dbexplain/explain.h>
 #include <dbimport/sweep_import.h>
+#include <dbinfo/database_info.h>
 #include <dbplot/curve_picture.h>
 #include <dbplot/plot_script.h>
 #include <dbsuggest/known_keys.h>
@@ -52,6 +53,12 @@ bool explain()
         "explaining", "");
 }
 
+bool look_over()
+{
+    const dbapi::DatabaseInfo info = dbapi::database_info(kName);
+    return check(info.points == 3 && info.schemaVersion > 0, "looking over", "");
+}
+
 /// A call with a keyword that no key has: where the fault is, and what was probably meant.
 bool advise(const DBIF_Connection& connection)
 {
@@ -80,6 +87,6 @@ int main(int argc, char** argv)
                             dbui_make_dbif_connection_object_by_name(kName, &connection, &errors),
                             "opening", errors) &&
                         import_file(connection, database + ".csv") && draw() && explain() &&
-                        advise(connection);
+                        look_over() && advise(connection);
     return dbapi::db_remove_connection(kName, &errors) && isDone ? 0 : 1;
 }

@@ -14,6 +14,7 @@
 
 #include <CLI/CLI.hpp>
 #include <exception>
+#include <map>
 #include <memory>
 #include <new>
 #include <set>
@@ -58,6 +59,24 @@ std::set<std::string> option_names(const CLI::App& command)
     return names;
 }
 
+/// The last words of the commands below a command, each with all its words: "list" stands for
+/// "connection list". A word that is a command by itself stands for that.
+std::map<std::string, std::string> commands_by_word(const CLI::App& command)
+{
+    std::map<std::string, std::string> names;
+    for (const CLI::App* subcommand : command.get_subcommands(nullptr)) {
+        if (!subcommand->get_group().empty()) {
+            names[subcommand->get_name()] = subcommand->get_name();
+        }
+    }
+    for (const CLI::App* group : command.get_subcommands(nullptr)) {
+        for (const CLI::App* below : group->get_subcommands(nullptr)) {
+            names.emplace(below->get_name(), group->get_name() + " " + below->get_name());
+        }
+    }
+    return names;
+}
+
 /// The message for an argument that a command does not know.
 std::string unknown_argument(const CLI::App& command, const std::string& argument)
 {
@@ -66,15 +85,19 @@ std::string unknown_argument(const CLI::App& command, const std::string& argumen
         return "there is no option " + argument + "." +
                suggestion(nearest_texts(argument.substr(0, argument.find('=')), known, 2));
     }
-    std::set<std::string> known;
-    for (const CLI::App* subcommand : command.get_subcommands(nullptr)) {
-        known.insert(subcommand->get_name());
-    }
+    const std::map<std::string, std::string> known = commands_by_word(command);
     if (known.empty()) {
         return "the argument " + dbapi::quoted(argument) + " is not expected.";
     }
-    return "there is no command " + dbapi::quoted(argument) + "." +
-           suggestion(nearest_texts(argument, known, 2));
+    std::set<std::string> words;
+    for (const auto& [word, name] : known) {
+        words.insert(word);
+    }
+    std::vector<std::string> near = nearest_texts(argument, words, 2);
+    for (std::string& word : near) {
+        word = known.at(word);
+    }
+    return "there is no command " + dbapi::quoted(argument) + "." + suggestion(near);
 }
 
 /// The name of an option in a message of the parser: all before the given words.
@@ -83,36 +106,78 @@ std::string named_before(const std::string& message, const std::string& words)
     return message.substr(0, message.find(words));
 }
 
+/// What is wrong with a value, behind the option that has it; an argument needs no name before it.
+std::string
+value_fault(const CLI::App& command, const std::string& name, const std::string& message)
+{
+    const CLI::Option* option = command.get_option_no_throw(name);
+    const bool isArgument = option != nullptr && option->get_positional();
+    const std::string text = isArgument ? message.substr(name.size() + 2) : message;
+    return text + (text.ends_with('.') ? "" : ".");
+}
+
+/// What is wrong between two options; empty when the error is another one.
+std::string pair_fault(const CLI::ParseError& error)
+{
+    const std::string message = error.what();
+    if (dynamic_cast<const CLI::RequiresError*>(&error) != nullptr) {
+        const std::string first = named_before(message, " requires ");
+        return first + " needs " + message.substr(first.size() + std::string(" requires ").size()) +
+               ".";
+    }
+    if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
+        const std::string first = named_before(message, " excludes ");
+        return first + " and " + message.substr(first.size() + std::string(" excludes ").size()) +
+               " cannot be combined. Leave one out.";
+    }
+    return {};
+}
+
+/// What is wrong with an option that has too few values, or too many.
+std::string
+count_fault(const CLI::App& command, const std::string& name, const std::string& message)
+{
+    if (!message.ends_with(" missing")) {
+        return name + " is given more than once. Give it once.";
+    }
+    const CLI::Option* option = command.get_option_no_throw(name);
+    return "the option " + name + " takes a value" +
+           (option == nullptr ? "." : ": " + name + " " + option->get_type_name() + ".");
+}
+
+/// The first argument that a command needs and was not given.
+std::string missing_argument(const CLI::App& command, const std::string& message)
+{
+    for (const CLI::Option* option : command.get_options()) {
+        if (option->get_required() && option->count() == 0) {
+            return option->get_name() + " is missing: " + option->get_description() + ".";
+        }
+    }
+    return message;
+}
+
 /// The message of the parser in the words of this program.
 std::string argument_fault(const CLI::App& command, const CLI::ParseError& error)
 {
     const std::string message = error.what();
     const std::string name = named_before(message, ":");
     if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
-        for (const CLI::Option* option : command.get_options()) {
-            if (option->get_required() && option->count() == 0) {
-                return option->get_name() + " is missing: " + option->get_description() + ".";
-            }
-        }
-    } else if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
-        if (message.ends_with(" missing")) {
-            const CLI::Option* option = command.get_option_no_throw(name);
-            return "the option " + name + " takes a value" +
-                   (option == nullptr ? "." : ": " + name + " " + option->get_type_name() + ".");
-        }
-        return name + " is given more than once. Give it once.";
-    } else if (dynamic_cast<const CLI::RequiresError*>(&error) != nullptr) {
-        const std::string first = named_before(message, " requires ");
-        return first + " needs " + message.substr(first.size() + std::string(" requires ").size()) +
-               ".";
-    } else if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
-        const std::string first = named_before(message, " excludes ");
-        return first + " and " + message.substr(first.size() + std::string(" excludes ").size()) +
-               " cannot be combined. Leave one out.";
-    } else if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
-        return "an option has a value that it does not take. " + message + ".";
+        return missing_argument(command, message);
     }
-    return message;
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+        return count_fault(command, name, message);
+    }
+    if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
+        // Only flags convert: all other options take texts and look at them themselves.
+        const std::string before = "Could not convert: ";
+        const std::string flag = named_before(message.substr(before.size()), " = ");
+        return flag + " takes no value. Write it alone.";
+    }
+    if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr) {
+        return value_fault(command, name, message);
+    }
+    const std::string pair = pair_fault(error);
+    return pair.empty() ? message : pair;
 }
 
 /// The program's arguments, and which command they chose.
@@ -190,7 +255,8 @@ private:
             command = command->get_subcommands().front();
             name += " " + command->get_name();
         }
-        const std::vector<std::string> unknown = app_.remaining(true);
+        std::vector<std::string> unknown = app_.remaining(true);
+        std::erase(unknown, "--");
         std::string text = argument_fault(*command, error);
         if (!unknown.empty()) {
             text = unknown_argument(*command, unknown.front());

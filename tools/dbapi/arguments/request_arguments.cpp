@@ -68,30 +68,40 @@ void add_query_option(CLI::App& arguments, std::string* query, const std::string
     arguments.add_option("-q,--query", *query, description)->type_name("QUERY");
 }
 
-void add_format_option(
+CLI::Option* add_choice_option(
     CLI::App& arguments,
+    const std::string& name,
     const std::vector<std::string>& choices,
     const std::function<void(std::size_t)>& choose,
     const std::string& description)
 {
-    const auto placeOf = [choices](const std::string& name) {
-        const auto found = std::find(choices.begin(), choices.end(), name);
+    const auto placeOf = [choices](const std::string& given) {
+        const auto found = std::find(choices.begin(), choices.end(), given);
         return static_cast<std::size_t>(std::distance(choices.begin(), found));
     };
     std::string typeName;
     for (const std::string& choice : choices) {
         typeName += (typeName.empty() ? "" : "|") + choice;
     }
-    arguments
+    return arguments
         .add_option_function<std::string>(
-            "--format", [placeOf, choose](const std::string& name) { choose(placeOf(name)); },
+            name, [placeOf, choose](const std::string& given) { choose(placeOf(given)); },
             description)
         ->type_name(typeName)
-        ->check([placeOf, choices](const std::string& name) {
-            return placeOf(name) < choices.size()
-                       ? std::string()
-                       : dbapi::quoted(name) + " is no format; choose " + listed(choices, " or ");
+        ->check([placeOf, choices](const std::string& given) {
+            return placeOf(given) < choices.size() ? std::string()
+                                                   : "there is no " + dbapi::quoted(given) +
+                                                         "; choose " + listed(choices, " or ");
         });
+}
+
+CLI::Option* add_format_option(
+    CLI::App& arguments,
+    const std::vector<std::string>& choices,
+    const std::function<void(std::size_t)>& choose,
+    const std::string& description)
+{
+    return add_choice_option(arguments, "--format", choices, choose, description);
 }
 
 CLI::Option* add_number_option(

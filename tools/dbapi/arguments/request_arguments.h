@@ -29,9 +29,17 @@ void add_query_option(
     std::string* query,
     const std::string& description = "which records, like 'W=5u;L<=1u'");
 
-/// The option --format, which takes one of the choices and hands its place to `choose`. Its type
-/// name lists the choices ("text|json"), for help and for completion.
-void add_format_option(
+/// An option that takes one of the choices and hands its place to `choose`. Its type name lists the
+/// choices ("text|json"), for help and for completion.
+CLI::Option* add_choice_option(
+    CLI::App& arguments,
+    const std::string& name,
+    const std::vector<std::string>& choices,
+    const std::function<void(std::size_t)>& choose,
+    const std::string& description);
+
+/// The option --format of that kind.
+CLI::Option* add_format_option(
     CLI::App& arguments,
     const std::vector<std::string>& choices,
     const std::function<void(std::size_t)>& choose,

@@ -8,9 +8,11 @@ namespace dbapi::tool {
 CommandRunner declare_connection_add(CLI::App& arguments);
 CommandRunner declare_connection_list(CLI::App& arguments);
 CommandRunner declare_connection_test(CLI::App& arguments);
+CommandRunner declare_connection_edit(CLI::App& arguments);
 CommandRunner declare_connection_rename(CLI::App& arguments);
 CommandRunner declare_connection_remove(CLI::App& arguments);
 CommandRunner declare_connection_manage(CLI::App& arguments);
+CommandRunner declare_info(CLI::App& arguments);
 CommandRunner declare_import(CLI::App& arguments);
 CommandRunner declare_copy(CLI::App& arguments);
 CommandRunner declare_values(CLI::App& arguments);

@@ -20,6 +20,9 @@ std::span<const Command> commands()
             "connection test", "Check that a stored connection works", "dbapi connection test lab",
             declare_connection_test},
         Command{
+            "connection edit", "Change where a stored connection leads",
+            "dbapi connection edit lab --sqlite /data/lab.db", declare_connection_edit},
+        Command{
             "connection rename", "Give a stored connection another name",
             "dbapi connection rename lab old-lab", declare_connection_rename},
         Command{
@@ -28,6 +31,7 @@ std::span<const Command> commands()
         Command{
             "connection manage", "Open the window that manages connections",
             "dbapi connection manage", declare_connection_manage},
+        Command{"info", "Show what a database holds, at a glance", "dbapi info lab", declare_info},
         Command{
             "import", "Import files of annotated CSV into a database, all of them or none",
             "dbapi import lab sweeps/ more.csv", declare_import},

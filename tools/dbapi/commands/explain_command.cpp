@@ -14,9 +14,6 @@
 
 namespace dbapi::tool {
 namespace {
-/// Lines that do not go to a terminal.
-constexpr std::size_t kUsualWidth = 100;
-
 enum class ExplainFormat { Text, Json };
 
 struct ExplainOptions
@@ -59,9 +56,7 @@ ExitCode show_explanation(const ExplainOptions& options)
     write_text(
         options.format == ExplainFormat::Json
             ? explanation_json(explanation)
-            : explanation_text(
-                  explanation, is_terminal(stdout) ? terminal_size(stdout).columns : kUsualWidth,
-                  shows_colours(stdout)));
+            : explanation_text(explanation, line_width(), shows_colours(stdout)));
     return ExitCode::Done;
 }
 } // namespace

@@ -1,17 +1,15 @@
 #include "dbapi/dbapi.h"
-#include "dbif/host/host_number.h"
 
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/commands/command_declarations.h"
 #include "tools/dbapi/output/call_failure.h"
 #include "tools/dbapi/output/data_output.h"
+#include "tools/dbapi/output/key_table.h"
 #include "tools/dbapi/output/note_output.h"
 #include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <iterator>
 #include <memory>
 
 namespace dbapi::tool {
@@ -55,32 +53,9 @@ DataTable key_statistics(const KeysOptions& options)
     if (!db_get_key_statistics(request.connection, options.table, &keys, request.query, &errors)) {
         throw_call_failure(request, errors);
     }
-    const auto number = [](std::optional<double> value) {
-        return value.has_value() ? dbif::double_text(*value) : std::string();
-    };
-    constexpr auto kNumbers = DataColumn::Content::Numbers;
     DataTable table = asked_table(options);
-    const auto add = [&](const char* heading, const auto& textOf,
-                         DataColumn::Content content = DataColumn::Content::Words) {
-        table.columns.push_back({heading, {}, content});
-        std::transform(
-            keys.begin(), keys.end(), std::back_inserter(table.columns.back().values), textOf);
-    };
-    add("key", [](const KeyStatistics& key) { return key.name; });
-    add("table", [&options](const KeyStatistics& /*key*/) { return options.table; });
-    add("category", [](const KeyStatistics& key) { return key.category; });
-    add("datatype", [](const KeyStatistics& key) { return key.datatype; });
-    add(
-        "records", [](const KeyStatistics& key) { return std::to_string(key.records); }, kNumbers);
-    if (options.table == "setup") {
-        add(
-            "points", [](const KeyStatistics& key) { return std::to_string(*key.points); },
-            kNumbers);
-    }
-    add(
-        "minimum", [&number](const KeyStatistics& key) { return number(key.minimum); }, kNumbers);
-    add(
-        "maximum", [&number](const KeyStatistics& key) { return number(key.maximum); }, kNumbers);
+    table.columns = key_columns(options.table == "setup");
+    add_keys(options.table, keys, &table.columns);
     return table;
 }
 

@@ -1,27 +1,24 @@
 #include "dbapi/words/text_rules.h"
-#include "dbexplain/value_reading.h"
 #include "dbsuggest/display_text.h"
 
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/commands/command_declarations.h"
-#include "tools/dbapi/output/call_failure.h"
-#include "tools/dbapi/output/column_contents.h"
 #include "tools/dbapi/output/data_output.h"
 #include "tools/dbapi/output/note_output.h"
 #include "tools/dbapi/output/plot_output.h"
 #include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
+#include "tools/dbapi/output/value_output.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
-#include <utility>
 
 namespace dbapi::tool {
 namespace {
 struct ValuesOptions
 {
     DataRequest request;
-    bool isDistinct = false;
+    ColumnOptions columns;
     OutputOptions output;
     PlotOptions plot;
 };
@@ -56,24 +53,40 @@ ExitCode show_values(const ValuesOptions& options)
         tell_nothing_found(request, true);
         return ExitCode::NothingFound;
     }
-    std::vector<std::vector<std::string>> values;
-    std::string errors;
-    if (!read_values(request, options.isDistinct, &values, &errors)) {
-        throw_call_failure(request, errors);
+    if (options.columns.descending && options.columns.order != ColumnOptions::Order::Sorted) {
+        throw CommandFailure(
+            ExitCode::WrongUsage,
+            "--desc sorts, and --order stored leaves rows as they are. Leave one of them out.");
     }
-    tell_notes(request.query);
-    DataTable table;
-    table.asked = {{"connection", request.connection}, {"query", request.query}};
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        table.columns.push_back({request.keywords[i], std::move(values[i])});
-    }
-    set_contents(request.connection, options.output, &table);
-    write_data(table, options.output);
-    if (table.rows() == 0) {
+    if (write_values(request, options.columns, options.output) == 0) {
         tell_nothing_found(request, false);
         return ExitCode::NothingFound;
     }
     return ExitCode::Done;
+}
+} // namespace
+
+namespace {
+/// Which rows there are, in which order, and what tells them apart.
+void add_order_options(CLI::App& arguments, ColumnOptions* options)
+{
+    CLI::Option* distinct =
+        arguments.add_flag("--distinct", options->distinct, "leave out repeated values or rows");
+    // As places in ColumnOptions::Order.
+    add_choice_option(
+        arguments, "--order", {"sorted", "stored"},
+        [options](std::size_t choice) {
+            options->order =
+                choice == 0 ? ColumnOptions::Order::Sorted : ColumnOptions::Order::Stored;
+        },
+        "by the values, the first keyword first (sorted); or as they were imported, points as "
+        "they were measured (stored)");
+    arguments.add_flag("--desc", options->descending, "sorted the other way round, largest first");
+    arguments
+        .add_flag_callback(
+            "--ids", [options] { options->withIds = options->withPoints = true; },
+            "add the id of each row's record, and of points their setup and their place in it")
+        ->excludes(distinct);
 }
 } // namespace
 
@@ -88,7 +101,7 @@ CommandRunner declare_values(CLI::App& arguments)
             "side by side")
         ->required();
     add_query_option(arguments, &options->request.query);
-    arguments.add_flag("--distinct", options->isDistinct, "leave out repeated values or rows");
+    add_order_options(arguments, &options->columns);
     add_output_options(arguments, &options->output);
     add_plot_options(arguments, &options->plot);
     arguments.footer(

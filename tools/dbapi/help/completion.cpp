@@ -1,9 +1,9 @@
 #include "tools/dbapi/help/completion.h"
 
 #include "dbapi/db_listing.h"
-#include "dbapi/words/builtin_keynames.h"
 #include "dbapi/words/vocabulary.h"
 #include "dbsuggest/known_keys.h"
+#include "dbsuggest/query_completion.h"
 
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/help/program_words.h"
@@ -81,25 +81,6 @@ void step(const std::string& word, Place* place)
 
 using Words = std::vector<std::string>;
 
-/// Keywords for the keys and fixed columns of a table, or of all: a name where it means one key.
-Words keywords_of(const std::string& connectionName, const std::string& table)
-{
-    Words keywords;
-    for (const auto& [name, forms] : function_keywords(open_known(connectionName), table)) {
-        if (forms.size() == 1) {
-            keywords.push_back(name);
-        } else {
-            keywords.insert(keywords.end(), forms.begin(), forms.end());
-        }
-    }
-    for (const auto& [keyname, column] : build_builtin_keywords(false)) {
-        if (table.empty() || column.starts_with(table + ".")) {
-            keywords.push_back(keyname);
-        }
-    }
-    return keywords;
-}
-
 Words key_names_of_setups(const std::string& connectionName)
 {
     Words names;
@@ -127,7 +108,27 @@ std::string resolved_table(const Place& place)
     return name;
 }
 
-Words values_of(const CLI::Option& option, const Place& place)
+/// What the database of the connection that was typed has for a place of that kind.
+Words words_of_database(const std::string& kind, const Place& place, const std::string& begun)
+{
+    auto connection = place.arguments.find("CONNECTION");
+    if (connection == place.arguments.end()) {
+        connection = place.arguments.find("FROM");
+    }
+    if (connection == place.arguments.end()) {
+        return {};
+    }
+    if (kind == "KEYWORD") {
+        return known_keywords(open_known(connection->second), resolved_table(place));
+    }
+    if (kind == "QUERY") {
+        return query_completions(open_known(connection->second), begun);
+    }
+    return kind == "COLUMN" ? key_names_of_setups(connection->second) : Words();
+}
+
+/// The values of an option or argument; `begun` is what was typed of it.
+Words values_of(const CLI::Option& option, const Place& place, const std::string& begun)
 {
     const std::string kind = option.get_positional() ? option.get_name() : option.get_type_name();
     if (Words choices = listed_choices(option); !choices.empty()) {
@@ -150,14 +151,7 @@ Words values_of(const CLI::Option& option, const Place& place)
     if (kind == "TABLE") {
         return table_names();
     }
-    const auto connection = place.arguments.find("CONNECTION");
-    if (connection == place.arguments.end()) {
-        return {};
-    }
-    if (kind == "KEYWORD") {
-        return keywords_of(connection->second, resolved_table(place));
-    }
-    return kind == "COLUMN" ? key_names_of_setups(connection->second) : Words();
+    return words_of_database(kind, place, begun);
 }
 
 Words option_names(const CLI::App& command)
@@ -174,7 +168,7 @@ Words option_names(const CLI::App& command)
 Words candidates(const Place& place, const std::string& begun)
 {
     if (place.option != nullptr) {
-        return values_of(*place.option, place);
+        return values_of(*place.option, place, begun);
     }
     if (begun.starts_with('-')) {
         return option_names(*place.command);
@@ -184,7 +178,7 @@ Words candidates(const Place& place, const std::string& begun)
         return words;
     }
     const CLI::Option* argument = argument_at(*place.command, place.argumentCount);
-    return argument == nullptr ? Words() : values_of(*argument, place);
+    return argument == nullptr ? Words() : values_of(*argument, place, begun);
 }
 } // namespace
 
@@ -196,7 +190,11 @@ std::vector<std::string> completions(const CLI::App& program, const Words& typed
     }
     const std::string begun = typed.empty() ? std::string() : typed.back();
     Words words = candidates(place, begun);
-    std::erase_if(words, [&begun](const std::string& word) { return !word.starts_with(begun); });
+    const bool isQuery = place.option != nullptr && place.option->get_type_name() == "QUERY";
+    std::erase_if(words, [&](const std::string& word) {
+        // A name that several keys have goes on as "Key(name, ...".
+        return !isQuery && !word.starts_with(begun);
+    });
     return words;
 }
 } // namespace dbapi::tool

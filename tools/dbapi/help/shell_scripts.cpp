@@ -30,7 +30,12 @@ _dbapi() {
         _files
     fi
 }
-compdef _dbapi dbapi
+# As a file among zsh's own functions, this is read by the first call.
+if [[ "${funcstack[1]}" == _dbapi ]]; then
+    _dbapi "$@"
+else
+    compdef _dbapi dbapi
+fi
 )";
 
 constexpr std::string_view kFishScript = R"(# Completion of the command dbapi for fish.

@@ -1,242 +1,24 @@
 #include "tools/dbapi/output/data_output.h"
 
 #include "dbapi/words/text_rules.h"
-#include "dbif/host/host_string.h"
 #include "dbsuggest/display_text.h"
 
-#include "tools/dbapi/arguments/command_failure.h"
 #include "tools/dbapi/arguments/request_arguments.h"
+#include "tools/dbapi/output/output_stream.h"
+#include "tools/dbapi/output/row_text.h"
 #include "tools/dbapi/output/table_output.h"
 #include "tools/dbapi/output/terminal.h"
 
-#include <QSaveFile>
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cstdio>
-#include <cstring>
-#include <nlohmann/json.hpp>
+#include <limits>
 #include <string_view>
+#include <utility>
 
 namespace dbapi::tool {
 namespace {
-[[noreturn]] void throw_unwritable(const std::string& what, const std::string& reason)
-{
-    throw CommandFailure(ExitCode::File, what + " cannot be written: " + reason);
-}
-
-/// Collects output, so that a million rows are not a million writes.
-class Output
-{
-    Q_DISABLE_COPY_MOVE(Output)
-
-public:
-    /// To that file, or to standard output when the name is empty.
-    explicit Output(const std::string& file = {}) : name_(file), file_(dbif::to_qt(file))
-    {
-        if (!name_.empty() && !file_.open(QIODevice::WriteOnly)) {
-            throwFault();
-        }
-    }
-
-    ~Output() = default;
-
-    Output& operator<<(std::string_view text)
-    {
-        pending_ += text;
-        if (pending_.size() >= kBlockBytes) {
-            write();
-        }
-        return *this;
-    }
-
-    void finish()
-    {
-        write();
-        if (!name_.empty()) {
-            if (!file_.commit()) {
-                throwFault();
-            }
-        } else if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-            throw_unwritable("standard output", std::strerror(errno));
-        }
-    }
-
-private:
-    static constexpr std::size_t kBlockBytes = 1U << 16U;
-
-    [[noreturn]] void throwFault() const
-    {
-        throw_unwritable(
-            "the file " + dbapi::quoted(name_), dbif::to_utf8(file_.errorString()) + ".");
-    }
-
-    void write()
-    {
-        if (name_.empty()) {
-            std::fwrite(pending_.data(), 1, pending_.size(), stdout);
-        } else if (
-            file_.write(pending_.data(), static_cast<qint64>(pending_.size())) !=
-            static_cast<qint64>(pending_.size())) {
-            throwFault();
-        }
-        pending_.clear();
-    }
-
-    std::string name_;
-    QSaveFile file_;
-    std::string pending_;
-};
-
-void write_csv_cell(std::string_view value, bool isAlone, Output& out)
-{
-    // An empty line would be no row.
-    const bool isBlankLine = isAlone && value.empty();
-    if (!isBlankLine && value.find_first_of(",\"\r\n") == std::string_view::npos) {
-        out << value;
-        return;
-    }
-    out << "\"";
-    for (std::size_t begin = 0; begin <= value.size();) {
-        const std::size_t quote = value.find('"', begin);
-        out << value.substr(begin, quote - begin);
-        if (quote == std::string_view::npos) {
-            break;
-        }
-        out << "\"\"";
-        begin = quote + 1;
-    }
-    out << "\"";
-}
-
-void write_csv(const DataTable& table, std::size_t rows, Output& out)
-{
-    const bool isAlone = table.columns.size() == 1;
-    const auto writeRow = [&](const auto& valueOf) {
-        for (const DataColumn& column : table.columns) {
-            out << (&column == &table.columns.front() ? "" : ",");
-            write_csv_cell(valueOf(column), isAlone, out);
-        }
-        out << "\n";
-    };
-    writeRow([](const DataColumn& column) -> const std::string& { return column.heading; });
-    for (std::size_t row = 0; row < rows; ++row) {
-        writeRow(
-            [row](const DataColumn& column) -> const std::string& { return column.values[row]; });
-    }
-}
-
-void write_line_cell(std::string_view value, Output& out)
-{
-    constexpr std::string_view kBreaks = "\t\r\n";
-    constexpr std::string_view kLetters = "trn";
-    for (std::size_t at = value.find_first_of(kBreaks); at != std::string_view::npos;
-         at = value.find_first_of(kBreaks)) {
-        out << value.substr(0, at) << "\\" << kLetters.substr(kBreaks.find(value[at]), 1);
-        value.remove_prefix(at + 1);
-    }
-    out << value;
-}
-
-void write_lines(const DataTable& table, std::size_t rows, bool hasHeader, Output& out)
-{
-    const auto writeRow = [&](const auto& valueOf) {
-        for (const DataColumn& column : table.columns) {
-            out << (&column == &table.columns.front() ? "" : "\t");
-            write_line_cell(valueOf(column), out);
-        }
-        out << "\n";
-    };
-    if (hasHeader) {
-        writeRow([](const DataColumn& column) -> const std::string& { return column.heading; });
-    }
-    for (std::size_t row = 0; row < rows; ++row) {
-        writeRow(
-            [row](const DataColumn& column) -> const std::string& { return column.values[row]; });
-    }
-}
-
-std::string json_text(const std::string& text)
-{
-    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-}
-
-/// Tells whether a number stands in the text as JSON writes it, not as "nan".
-bool is_json_number(const std::string& text)
-{
-    const std::size_t sign = text.front() == '-' ? 1 : 0;
-    const char* end = text.data() + text.size();
-    double number = 0;
-    const auto read = std::from_chars(text.data(), end, number);
-    return text.find_first_of("0123456789") == sign && read.ec == std::errc() && read.ptr == end;
-}
-
-void write_json_value(const DataColumn& column, std::size_t row, Output& out)
-{
-    const std::string& text = column.values[row];
-    if (text.empty() && column.content != DataColumn::Content::Words) {
-        out << "null";
-    } else if (column.content == DataColumn::Content::Numbers && is_json_number(text)) {
-        out << text;
-    } else {
-        out << json_text(text);
-    }
-}
-
-void write_json_row(const DataTable& table, std::size_t row, Output& out)
-{
-    out << "{";
-    for (const DataColumn& column : table.columns) {
-        out << (&column == &table.columns.front() ? "" : ",") << json_text(column.heading) << ":";
-        write_json_value(column, row, out);
-    }
-    out << "}";
-}
-
-void write_json_rows(
-    const DataTable& table,
-    std::size_t rows,
-    std::string_view between,
-    Output& out)
-{
-    for (std::size_t row = 0; row < rows; ++row) {
-        out << (row == 0 ? "" : between);
-        write_json_row(table, row, out);
-    }
-}
-
-void write_json_columns(const DataTable& table, std::size_t rows, Output& out)
-{
-    for (const DataColumn& column : table.columns) {
-        out << (&column == &table.columns.front() ? "" : ",")
-            << "{\"keyword\":" << json_text(column.heading) << ",\"values\":[";
-        for (std::size_t row = 0; row < rows; ++row) {
-            out << (row == 0 ? "" : ",");
-            write_json_value(column, row, out);
-        }
-        out << "]}";
-    }
-}
-
-/// Written piece by piece: a document in memory would be many times as large as the data.
-void write_json(const DataTable& table, std::size_t rows, Output& out)
-{
-    out << "{";
-    for (const auto& [name, text] : table.asked) {
-        out << json_text(name) << ":" << json_text(text) << ",";
-    }
-    if (table.rowsName.empty()) {
-        out << "\"columns\":[";
-        write_json_columns(table, rows, out);
-    } else {
-        out << json_text(table.rowsName) << ":[";
-        write_json_rows(table, rows, ",", out);
-    }
-    out << "]}\n";
-}
-
 /// The number of rows that fit the height of the terminal.
 std::size_t rows_on_terminal()
 {
@@ -247,24 +29,216 @@ std::size_t rows_on_terminal()
     return std::max(height > kOtherLines ? height - kOtherLines : 0, kFewestRows);
 }
 
-void write_table(
-    const DataTable& table,
-    std::size_t rows,
-    const OutputOptions& options,
-    Output& out)
+/// Tells whether a table shows only what fits the terminal.
+bool is_cut(const OutputOptions& options)
 {
-    const bool isOnTerminal = options.file.empty() && is_terminal(stdout);
-    TableLayout layout{rows, isOnTerminal && shows_colours(stdout)};
-    if (isOnTerminal && !options.all) {
-        layout.shownRows = std::min(rows, rows_on_terminal());
-        layout.isCut = true;
+    return options.file.empty() && is_terminal(stdout) && !options.all;
+}
+
+JsonShape chosen_shape(const DataHeading& heading, const OutputOptions& options)
+{
+    return options.shape.value_or(heading.rowsName.empty() ? JsonShape::Columns : JsonShape::Rows);
+}
+
+/// Writes data that comes batch by batch, in one of the formats.
+class DataWriter
+{
+public:
+    DataWriter(
+        const DataHeading& heading,
+        const std::vector<ValueColumn>& columns,
+        const OutputOptions& options)
+        : heading_(heading),
+          columns_(columns),
+          options_(options),
+          format_(chosen_format(options)),
+          shape_(chosen_shape(heading, options)),
+          out_(options.file),
+          write_([this](std::string_view text) { writeText(text); })
+    {}
+
+    void begin()
+    {
+        if (options_.isCount) {
+            return;
+        }
+        if (format_ == Format::Csv || format_ == Format::Tsv) {
+            out_ << heading_text(columns_, row_form());
+        } else if (format_ == Format::Json) {
+            beginJson();
+        }
     }
-    out << table_text(table, layout);
-    const std::size_t hidden = rows - layout.shownRows;
-    if (hidden > 0) {
-        out << "... and " + counted(hidden, "more row") +
-                   ". See all with --all, or with --format csv.\n";
+
+    /// The first `rows` rows of a batch.
+    void add(const ColumnTable& batch, std::size_t rows)
+    {
+        if (!options_.isCount) {
+            if (format_ == Format::Table) {
+                addToTable(batch, rows);
+            } else if (format_ == Format::Json && shape_ == JsonShape::Columns) {
+                addJsonColumns(batch, rows);
+            } else {
+                write_rows(batch, rows, row_form(), write_);
+            }
+        }
+        rows_ += rows;
     }
+
+    void end()
+    {
+        if (options_.isCount) {
+            out_ << std::to_string(rows_) + "\n";
+        } else if (format_ == Format::Json) {
+            if (shape_ == JsonShape::Columns && !hasColumns_) {
+                addJsonColumns({columns_, 0}, 0);
+            }
+            out_ << "]}\n";
+        } else if (format_ == Format::Table && rows_ > shown_) {
+            out_ << "... and " + counted(rows_ - shown_, "more row") +
+                        ". See all with --all, or with --format csv.\n";
+        }
+        out_.finish();
+    }
+
+    [[nodiscard]] std::size_t rows() const { return rows_; }
+
+private:
+    [[nodiscard]] RowForm row_form() const
+    {
+        switch (format_) {
+        case Format::Csv:
+            return RowForm::Csv;
+        case Format::Json:
+            return RowForm::JsonMember;
+        case Format::JsonLines:
+            return RowForm::JsonLine;
+        default:
+            return RowForm::Lines;
+        }
+    }
+
+    void beginJson()
+    {
+        out_ << "{";
+        for (const auto& [name, text] : heading_.asked) {
+            out_ << json_text(name) << ":" << json_text(text) << ",";
+        }
+        const std::string rowsName = heading_.rowsName.empty() ? "rows" : heading_.rowsName;
+        out_ << json_text(shape_ == JsonShape::Columns ? "columns" : rowsName) << ":[";
+        // Rows come behind a comma each.
+        dropsComma_ = shape_ == JsonShape::Rows;
+    }
+
+    void addJsonColumns(const ColumnTable& batch, std::size_t rows)
+    {
+        hasColumns_ = true;
+        for (const ValueColumn& column : batch.columns) {
+            out_ << (&column == &batch.columns.front() ? "" : ",")
+                 << (heading_.rowsName.empty() ? "{\"keyword\":" : "{\"name\":")
+                 << json_text(column.keyword) << ",\"values\":[";
+            write_json_values(column, rows, write_);
+            out_ << "]}";
+        }
+    }
+
+    void addToTable(const ColumnTable& batch, std::size_t rows)
+    {
+        if (rows_ > 0) {
+            return;
+        }
+        const bool isOnTerminal = options_.file.empty() && is_terminal(stdout);
+        TableLayout layout{rows, isOnTerminal && shows_colours(stdout)};
+        if (is_cut(options_)) {
+            layout.shownRows = std::min(rows, rows_on_terminal());
+            layout.isCut = true;
+        }
+        shown_ = layout.shownRows;
+        out_ << table_text(texts_of(batch, shown_), layout);
+    }
+
+    static DataTable texts_of(const ColumnTable& batch, std::size_t rows)
+    {
+        DataTable table;
+        for (const ValueColumn& column : batch.columns) {
+            DataColumn& texts = table.columns.emplace_back();
+            texts.heading = column.keyword;
+            texts.values.resize(rows);
+            for (std::size_t row = 0; row < rows; ++row) {
+                column.appendText(row, &texts.values[row]);
+            }
+        }
+        return table;
+    }
+
+    void writeText(std::string_view text)
+    {
+        text.remove_prefix(dropsComma_ && !text.empty() ? 1 : 0);
+        dropsComma_ = dropsComma_ && text.empty();
+        out_ << text;
+    }
+
+    const DataHeading& heading_;
+    const std::vector<ValueColumn>& columns_;
+    const OutputOptions& options_;
+    Format format_;
+    JsonShape shape_;
+    OutputStream out_;
+    std::function<void(std::string_view)> write_;
+    bool dropsComma_ = false;
+    bool hasColumns_ = false;
+    std::size_t rows_ = 0;
+    /// The rows of a table that are shown.
+    std::size_t shown_ = 0;
+};
+
+template <typename Number>
+std::optional<Number> read_number(const std::string& text)
+{
+    Number number{};
+    const char* end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, number);
+    return read.ec == std::errc() && read.ptr == end ? std::optional(number) : std::nullopt;
+}
+
+/// Fills `numbers`; false when a text is no number of that kind.
+template <typename Number>
+bool read_numbers(const std::vector<std::string>& texts, Number none, std::vector<Number>* numbers)
+{
+    for (const std::string& text : texts) {
+        const auto number = text.empty() ? std::optional(none) : read_number<Number>(text);
+        if (!number.has_value()) {
+            numbers->clear();
+            return false;
+        }
+        numbers->push_back(*number);
+    }
+    return true;
+}
+
+ValueColumn typed_column(const DataColumn& texts)
+{
+    ValueColumn column;
+    column.keyword = texts.heading;
+    if (texts.content == DataColumn::Content::Numbers) {
+        column.type = ValueColumn::Type::Integer;
+        if (read_numbers(texts.values, ValueColumn::kNoInteger, &column.integers)) {
+            return column;
+        }
+        column.type = ValueColumn::Type::Number;
+        if (read_numbers(texts.values, std::numeric_limits<double>::quiet_NaN(), &column.numbers)) {
+            return column;
+        }
+    }
+    column.type = ValueColumn::Type::Text;
+    for (const std::string& text : texts.values) {
+        const bool isNone = text.empty() && texts.content != DataColumn::Content::Words;
+        column.codes.push_back(
+            isNone ? ValueColumn::kNoText : static_cast<std::int32_t>(column.dictionary.size()));
+        if (!isNone) {
+            column.dictionary.push_back(text);
+        }
+    }
+    return column;
 }
 
 /// The format that a file of that name has; nothing when its name does not tell.
@@ -285,10 +259,19 @@ std::optional<Format> format_of(const std::string& file)
 void add_output_options(CLI::App& arguments, OutputOptions* options)
 {
     // In the order of Format.
-    add_format_option(
+    CLI::Option* format = add_format_option(
         arguments, {"table", "csv", "tsv", "json", "jsonl", "lines"},
         [options](std::size_t choice) { options->format = static_cast<Format>(choice); },
         "the format of the output (default: by the ending of FILE, else table on a terminal and csv elsewhere)");
+    // In the order of JsonShape.
+    add_choice_option(
+        arguments, "--json", {"rows", "columns"},
+        [options](std::size_t choice) {
+            options->format = Format::Json;
+            options->shape = static_cast<JsonShape>(choice);
+        },
+        "JSON with an object per row, or a list per column")
+        ->excludes(format);
     arguments.add_flag("--all", options->all, "show every row of a table on a terminal");
     CLI::Option* limit = add_number_option(
         arguments, "--limit", [options](std::size_t rows) { options->limit = rows; },
@@ -301,7 +284,7 @@ void add_output_options(CLI::App& arguments, OutputOptions* options)
 
 std::vector<std::string> output_option_names()
 {
-    return {"--format", "--all", "--limit", "--count", "--output"};
+    return {"--format", "--json", "--all", "--limit", "--count", "--output"};
 }
 
 Format chosen_format(const OutputOptions& options)
@@ -316,41 +299,51 @@ bool is_typed(Format format)
     return format == Format::Json || format == Format::JsonLines;
 }
 
+bool needs_all_rows(const DataHeading& heading, const OutputOptions& options)
+{
+    const Format format = chosen_format(options);
+    return !options.isCount &&
+           ((format == Format::Table && !is_cut(options)) ||
+            (format == Format::Json && chosen_shape(heading, options) == JsonShape::Columns));
+}
+
 void write_text(const std::string& text)
 {
-    Output out;
+    OutputStream out;
     out << text;
     out.finish();
 }
 
+std::size_t write_batches(
+    const DataHeading& heading,
+    const std::vector<ValueColumn>& columns,
+    const BatchSource& next,
+    const OutputOptions& options)
+{
+    DataWriter writer(heading, columns, options);
+    writer.begin();
+    for (ColumnTable batch; next(&batch);) {
+        const std::size_t allowed = options.limit.value_or(kAllRows) - writer.rows();
+        writer.add(batch, std::min(batch.rows, allowed));
+    }
+    writer.end();
+    return writer.rows();
+}
+
 void write_data(const DataTable& table, const OutputOptions& options)
 {
-    Output out(options.file);
-    const std::size_t rows = std::min(table.rows(), options.limit.value_or(table.rows()));
-    if (options.isCount) {
-        out << std::to_string(rows) + "\n";
-        out.finish();
-        return;
+    std::vector<ValueColumn> columns;
+    for (const DataColumn& column : table.columns) {
+        columns.push_back(typed_column(column));
     }
-    switch (chosen_format(options)) {
-    case Format::Table:
-        write_table(table, rows, options, out);
-        break;
-    case Format::Csv:
-        write_csv(table, rows, out);
-        break;
-    case Format::Tsv:
-    case Format::Lines:
-        write_lines(table, rows, chosen_format(options) == Format::Tsv, out);
-        break;
-    case Format::Json:
-        write_json(table, rows, out);
-        break;
-    case Format::JsonLines:
-        write_json_rows(table, rows, "\n", out);
-        out << (rows > 0 ? "\n" : "");
-        break;
-    }
-    out.finish();
+    bool isGiven = false;
+    const auto give = [&](ColumnTable* batch) {
+        if (std::exchange(isGiven, true)) {
+            return false;
+        }
+        *batch = {columns, table.rows()};
+        return true;
+    };
+    write_batches({table.asked, table.rowsName}, columns, give, options);
 }
 } // namespace dbapi::tool

@@ -18,13 +18,22 @@ struct DataColumn
     Content content = Content::Words;
 };
 
+/// The part of JSON that is not the data.
+struct DataHeading
+{
+    /// Written before the data: what was asked.
+    std::vector<std::pair<std::string, std::string>> asked;
+    /// Unless it is asked for otherwise, the data is one list of columns, {"columns": [{"keyword":
+    /// ..., "values": [...]}]}, or, where this is given, a list of that name with an object per
+    /// row.
+    std::string rowsName;
+};
+
 /// Data in columns of equal length.
 struct DataTable
 {
-    /// Written into JSON before the data: what was asked.
+    /// Both as in `DataHeading`.
     std::vector<std::pair<std::string, std::string>> asked;
-    /// In JSON the data is one list of columns, {"columns": [{"keyword": ..., "values": [...]}]},
-    /// or, where this is given, a list of that name with an object per row.
     std::string rowsName;
     std::vector<DataColumn> columns;
 

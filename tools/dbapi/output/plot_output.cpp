@@ -132,7 +132,9 @@ void add_plot_options(CLI::App& arguments, PlotOptions* options)
         ->needs(plot);
     arguments.add_flag("--logy", options->isYLogarithmic, "with --plot: a logarithmic y axis")
         ->needs(plot);
-    plot->excludes(arguments.get_option("--distinct"));
+    for (const char* other : {"--distinct", "--order", "--desc", "--ids"}) {
+        plot->excludes(arguments.get_option(other));
+    }
     for (const std::string& other : output_option_names()) {
         plot->excludes(arguments.get_option(other));
     }

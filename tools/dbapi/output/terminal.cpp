@@ -82,6 +82,12 @@ TerminalSize terminal_size(std::FILE* stream)
     return size;
 }
 
+std::size_t line_width()
+{
+    constexpr std::size_t kUsualWidth = 100;
+    return is_terminal(stdout) ? terminal_size(stdout).columns : kUsualWidth;
+}
+
 bool shows_colours(std::FILE* stream)
 {
     const char* noColour = std::getenv("NO_COLOR");

@@ -20,6 +20,9 @@ struct TerminalSize
 /// The size of the terminal that the stream is; a usual one where it cannot be told.
 TerminalSize terminal_size(std::FILE* stream);
 
+/// The width of lines for people on standard output: that of the terminal, a usual one elsewhere.
+std::size_t line_width();
+
 /// Tells whether the stream is a terminal that shows colours, and NO_COLOR is not set.
 bool shows_colours(std::FILE* stream);
 
