@@ -6,6 +6,8 @@ namespace dbapi {
 Fault database_fault(const DBIF_Exception& exception)
 {
     Fault fault;
+    fault.kind = exception.error().type() == QSqlError::ConnectionError ? Fault::Kind::Connection
+                                                                        : Fault::Kind::Database;
     dbapi_build_error_string_from_dbif_exception(exception, &fault.text);
     return fault;
 }
