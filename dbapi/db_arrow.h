@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 // The structures of the Arrow C data interface and the Arrow C stream interface, as they are
 // published for everybody to declare: https://arrow.apache.org/docs/format/CDataInterface.html and
@@ -82,6 +83,12 @@ namespace dbapi {
 /// ENOMEM or EIO, and `get_last_error` the text. A stream may be used in any thread, by one at a
 /// time; its arrays are on their own, and stay valid after it.
 void db_export_arrow_stream(std::unique_ptr<ColumnReader> reader, ArrowArrayStream* stream);
+
+/// Columns that others may use beside the stream.
+using SharedColumns = std::vector<std::shared_ptr<const ValueColumn>>;
+
+/// Columns of so many rows as an Arrow stream of one array, which shares them. Otherwise as above.
+void db_export_arrow_columns(SharedColumns columns, std::size_t rows, ArrowArrayStream* stream);
 
 /// A table as one Arrow array, which takes its columns over, and its schema. Both are overwritten,
 /// and whoever uses them calls their `release`.
