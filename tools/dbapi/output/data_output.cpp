@@ -3,10 +3,10 @@
 #include "dbapi/words/text_rules.h"
 #include "dbif/host/host_string.h"
 #include "dbsuggest/display_text.h"
+#include "dbsuggest/table_text.h"
 
 #include "tools/dbapi/arguments/command_failure.h"
 #include "tools/dbapi/arguments/request_arguments.h"
-#include "tools/dbapi/output/table_output.h"
 #include "tools/dbapi/output/terminal.h"
 
 #include <QSaveFile>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/dbapi/output/data_table.h"
+#include "dbsuggest/data_table.h"
 
 #include <cstddef>
 #include <optional>
