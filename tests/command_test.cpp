@@ -58,6 +58,11 @@ TEST_F(Command, KeepsConnectionsFromAddToRemove)
         StartsWith(
             "check,result,detail,advice\nrecord,ok,\"the SQLite file \"\"" + database +
             "\"\"\",\n"));
+    EXPECT_EQ(dbapi({"values", database, "$LOT"}).code, 1);
+    EXPECT_EQ(dbapi({"connection", "remove", database}).code, 3);
+    EXPECT_THAT(
+        dbapi({"import", database, sweep("a.csv", "")}).talk,
+        HasSubstr("which is opened for reading only. To write to it, store it under a name"));
     std::filesystem::rename(database, folder.file("away.db"));
     const Outcome away = dbapi({"connection", "test", "lab", "--format", "json"});
     EXPECT_EQ(away.code, 3);

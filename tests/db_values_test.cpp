@@ -5,7 +5,9 @@
 #include "dbui/connection_registry.h"
 
 #include "tests/support/lab_database.h"
+#include "tests/support/sqlite_file.h"
 
+#include <filesystem>
 #include <memory>
 
 namespace {
@@ -203,6 +205,44 @@ TEST_P(DbValues, SayWhatIsWrong)
     EXPECT_EQ(
         errors, "Error: Database connection name \"nowhere\" was not found.\n"
                 "Failed to create a valid open database connection.\n");
+}
+
+TEST(DbValuesOfAPath, ReadAFileThatIsNotStored)
+{
+    const TempDirectory folder;
+    const std::string file = folder.file("sent.db");
+    {
+        LabDatabase sent(Engine::Sqlite);
+        copy_content(sent.path(), file);
+    }
+    const auto answer = [](const std::string& name) {
+        std::vector<std::string> values;
+        std::string errors;
+        const bool isRead =
+            dbapi::db_get_values_for_keyword_as_text(name, "W", &values, "$LOT=A", &errors);
+        return isRead ? joined(values) : errors;
+    };
+    EXPECT_EQ(answer(file), "5e-06;1e-05;");
+    EXPECT_NE(
+        thrown_by([] {
+            dbapi_get_cached_connection()->query(
+                QStringLiteral("DELETE FROM device"), 0, __FILE__, __LINE__);
+        }).find("readonly"),
+        std::string::npos);
+
+    // The name alone is a path while the file is there, and another file in another folder.
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path());
+    EXPECT_EQ(answer("sent.db"), "5e-06;1e-05;");
+    EXPECT_NE(answer("other.db").find("\"other.db\" was not found"), std::string::npos);
+    std::filesystem::create_directory("below");
+    run_on_file("below/sent.db", "CREATE TABLE t(x)");
+    std::filesystem::current_path("below");
+    EXPECT_NE(answer("sent.db").find("belongs to another program"), std::string::npos);
+    run_on_file("sent.db", "DROP TABLE t");
+    EXPECT_NE(answer("sent.db").find("has no tables"), std::string::npos);
+    std::filesystem::current_path(before);
+    EXPECT_NE(answer(folder.file("gone.db")).find("does not exist"), std::string::npos);
 }
 
 TEST_P(DbValues, KeepTheCallCacheCurrent)

@@ -1,13 +1,16 @@
 #include "dbapi/call/connection_access.h"
 
 #include "dbapi/call/call_cache.h"
+#include "dbapi/words/text_rules.h"
 #include "dbif/host/error_text.h"
 #include "dbui/connection_open.h"
 #include "dbui/connection_registry.h"
 #include "dbui/connections_path.h"
 
+#include <filesystem>
 #include <memory>
 #include <sys/stat.h>
+#include <system_error>
 
 namespace {
 /// A text that changes with every change of the connections file; empty when there is none. The
@@ -34,6 +37,17 @@ bool fail(std::string* error, const std::string& message)
     return false;
 }
 
+bool find_record(const std::string& name, DbuiConnection* record)
+{
+    if (dbui_find_connection_by_name(name, record)) {
+        return true;
+    }
+    if (!dbapi::is_database_path(name)) {
+        return false;
+    }
+    *record = DbuiConnection(name, "QSQLITE", "", "", name, "", "");
+    return true;
+}
 } // namespace
 
 bool dbapi_get_connection_info(const std::string& name, DbuiConnection* record)
@@ -43,7 +57,7 @@ bool dbapi_get_connection_info(const std::string& name, DbuiConnection* record)
     if (stamp.empty() || stamp != cache.fileStamp || name.empty() ||
         cache.storedRecord.get_connectionName() != name) {
         cache.fileStamp = stamp;
-        if (!dbui_find_connection_by_name(name, &cache.storedRecord)) {
+        if (!find_record(name, &cache.storedRecord)) {
             record->clear();
             return false;
         }
@@ -77,6 +91,24 @@ bool dbapi_get_connection_object_by_name(
 }
 
 namespace dbapi {
+bool is_database_path(const std::string& name)
+{
+    if (name.find('/') != std::string::npos) {
+        return true;
+    }
+    const std::string upper = normalised(name);
+    std::error_code ignored;
+    return (upper.ends_with(".DB") || upper.ends_with(".SQLITE") || upper.ends_with(".SQLITE3")) &&
+           std::filesystem::exists(name, ignored);
+}
+
+bool is_unnamed_file(const DbuiConnection& record)
+{
+    // Whoever stores a connection under the very path of its file reads it just as well like this.
+    return record.get_connectionName() == record.get_databaseName() &&
+           is_database_path(record.get_connectionName());
+}
+
 std::string not_opened(const std::string& name, const std::string& detail)
 {
     return "Error: Database connection name \"" + name +
@@ -96,7 +128,9 @@ bool open_connection_of(
     try {
         auto handle = std::make_unique<DBIF_Connection>(dbui::blank_connection());
         std::string reason;
-        if (!dbui::open_connection(record, dbif::MissingFile::Fail, handle.get(), &reason)) {
+        const auto missingFile =
+            is_unnamed_file(record) ? dbif::MissingFile::ReadOnly : dbif::MissingFile::Fail;
+        if (!dbui::open_connection(record, missingFile, handle.get(), &reason)) {
             return fail(error, not_opened(name, reason));
         }
         if (!handle->isValid()) {

@@ -12,7 +12,11 @@
 namespace dbif {
 /// The treatment of an SQLite file that does not exist, or has no content at all, when a connection
 /// is opened.
-enum class MissingFile { Create, Fail };
+enum class MissingFile {
+    Create,
+    Fail,
+    ReadOnly ///< fails too, and a file that exists is opened for reading only
+};
 } // namespace dbif
 
 /// A handle to an open database connection that all its copies share; the connection closes with

@@ -143,7 +143,7 @@ bool DBIF_Connection::ManagedConnection::isFileUsable(dbif::MissingFile missingF
     const QFileInfo file(dbif::to_qt(parameters_.database));
     if (parameters_.database.empty()) {
         lastError_ = connection_error(QStringLiteral("The connection names no SQLite file."));
-    } else if (missingFile == dbif::MissingFile::Fail && !file.exists()) {
+    } else if (missingFile != dbif::MissingFile::Create && !file.exists()) {
         lastError_ = connection_error(
             QStringLiteral("The SQLite file \"%1\" does not exist.").arg(file.filePath()));
     } else if (file.isDir()) {
@@ -154,7 +154,7 @@ bool DBIF_Connection::ManagedConnection::isFileUsable(dbif::MissingFile missingF
         lastError_ =
             connection_error(QStringLiteral("\"%1\" is no regular file, so it is no SQLite file.")
                                  .arg(file.filePath()));
-    } else if (missingFile == dbif::MissingFile::Fail && file.size() == 0) {
+    } else if (missingFile != dbif::MissingFile::Create && file.size() == 0) {
         lastError_ = connection_error(
             QStringLiteral("The SQLite file \"%1\" is empty (0 bytes).").arg(file.filePath()));
     } else {
@@ -273,7 +273,9 @@ void DBIF_Connection::ManagedConnection::initializeSchemaIfMissing()
     if (!isValid()) {
         throw DBIF_Exception(QString(), lastError_, QStringLiteral(__FILE__), __LINE__);
     }
-    dbif::initialize_schema(database_, dialect());
+    dbif::initialize_schema(
+        database_, dialect(),
+        parameters_.isReadOnly ? dbif::EmptyDatabase::Refuse : dbif::EmptyDatabase::Create);
 }
 
 const dbif::SqlDialect& DBIF_Connection::ManagedConnection::dialect() const
@@ -327,7 +329,9 @@ DBIF_Connection::DBIF_Connection(
     int port,
     dbif::MissingFile missingFile)
     : managed_(std::make_shared<ManagedConnection>(
-          dbif::ConnectionParameters{driver, host, database, user, password, port},
+          dbif::ConnectionParameters{
+              driver, host, database, user, password, port,
+              missingFile == dbif::MissingFile::ReadOnly},
           missingFile))
 {}
 

@@ -20,6 +20,8 @@ struct ConnectionParameters
     std::string user;
     std::string password;
     int port = 0;
+    /// SQLite only: whatever writes to the database fails.
+    bool isReadOnly = false;
 };
 
 /// A token that changes whenever the data that a connection would read may have changed. Two equal

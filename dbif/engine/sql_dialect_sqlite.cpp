@@ -47,8 +47,11 @@ public:
     void configure(QSqlDatabase& database, const ConnectionParameters& parameters) const override
     {
         database.setDatabaseName(to_qt(parameters.database));
-        database.setConnectOptions(
-            QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(kBusyMilliseconds));
+        QString options = QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(kBusyMilliseconds);
+        if (parameters.isReadOnly) {
+            options += QStringLiteral(";QSQLITE_OPEN_READONLY");
+        }
+        database.setConnectOptions(options);
     }
 
     [[nodiscard]] QSqlError startSession(QSqlDatabase& database) const override

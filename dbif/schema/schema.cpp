@@ -232,12 +232,20 @@ SchemaState schema_state(QSqlDatabase& database, const SqlDialect& dialect)
                                     : SchemaState{SchemaState::Kind::Damaged};
 }
 
-void initialize_schema(QSqlDatabase& database, const SqlDialect& dialect)
+void initialize_schema(
+    QSqlDatabase& database,
+    const SqlDialect& dialect,
+    EmptyDatabase emptyDatabase)
 {
     SchemaState state = settled_state(database, dialect);
     if (state.kind == SchemaState::Kind::Incomplete && dialect.isServer()) {
         drop_beginning_of_schema(database, dialect);
         state = schema_state(database, dialect);
+    }
+    if (state.kind == SchemaState::Kind::Empty && emptyDatabase == EmptyDatabase::Refuse) {
+        refuse(
+            to_utf8(database.databaseName()) +
+            "\" has no tables, so that there is nothing to read.");
     }
     if (state.kind == SchemaState::Kind::Empty) {
         create_schema(database, dialect);

@@ -24,9 +24,15 @@ struct SchemaState
 /// be read.
 SchemaState schema_state(QSqlDatabase& database, const SqlDialect& dialect);
 
+/// The treatment of a database without tables.
+enum class EmptyDatabase { Create, Refuse };
+
 /// Creates the measurement schema in a database without tables, in one transaction where the engine
 /// can. Accepts a database that holds the schema, and writes nothing to it. Throws `DBIF_Exception`
 /// for a database with other tables, and for one whose schema is newer. Tables that an interrupted
 /// creation left on a server are dropped and created anew, as long as they hold no data.
-void initialize_schema(QSqlDatabase& database, const SqlDialect& dialect);
+void initialize_schema(
+    QSqlDatabase& database,
+    const SqlDialect& dialect,
+    EmptyDatabase emptyDatabase = EmptyDatabase::Create);
 } // namespace dbif

@@ -34,7 +34,9 @@ std::string id_error(const std::string& given)
 
 void add_connection_argument(CLI::App& arguments, std::string* connection)
 {
-    arguments.add_option("CONNECTION", *connection, "a stored connection")->required();
+    arguments
+        .add_option("CONNECTION", *connection, "a stored connection, or the path of an SQLite file")
+        ->required();
 }
 
 void add_table_argument(CLI::App& arguments, std::string* table)

@@ -75,7 +75,7 @@ ExitCode exit_code_of(const std::vector<DiagnosisStep>& steps)
 ExitCode test_connection(const TestOptions& options)
 {
     const std::vector<DiagnosisStep> steps =
-        dbui::diagnose_connection(stored_connection(options.name));
+        dbui::diagnose_connection(known_connection(options.name));
     if (chosen_format(options.output) == Format::Table) {
         write_text(text_of(steps));
     } else {

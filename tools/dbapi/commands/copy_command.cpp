@@ -95,8 +95,8 @@ ExitCode copy(const CopyOptions& options)
             ExitCode::WrongUsage,
             "FROM and TO are the same connection. Name the connection to copy into as TO.");
     }
-    DBIF_Connection source = open_stored(request.connection);
-    DBIF_Connection target = open_stored(options.target);
+    DBIF_Connection source = open_known(request.connection);
+    DBIF_Connection target = open_for_writing(options.target);
     // The source is read as it is now, however long the copy takes.
     DConHelper reading(source);
     source.beginTransaction();

@@ -48,7 +48,7 @@ ExitCode show_explanation(const ExplainOptions& options)
             ExitCode::WrongUsage,
             "there is nothing to explain: give keywords, a query (-q), or both.\nSee: dbapi explain --help");
     }
-    stored_connection(request.connection);
+    known_connection(request.connection);
     Explanation explanation;
     try {
         explanation = explain(request);

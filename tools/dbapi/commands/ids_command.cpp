@@ -23,7 +23,7 @@ struct IdsOptions
 ExitCode show_ids(const IdsOptions& options)
 {
     const DataRequest& request = options.request;
-    stored_connection(request.connection);
+    known_connection(request.connection);
     std::set<int> ids;
     std::string errors;
     if (!dbapi_get_table_ids_from_query_for_tablename(

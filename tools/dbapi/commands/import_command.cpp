@@ -144,7 +144,7 @@ ImportResult import_files(
 
 ExitCode import_paths(const ImportArguments& given)
 {
-    const DBIF_Connection connection = open_stored(given.connection);
+    const DBIF_Connection connection = open_for_writing(given.connection);
     const SweepFiles found = find_sweep_files(given.paths);
     if (!found.faults.empty()) {
         fail_for_paths(found.faults);

@@ -86,7 +86,7 @@ DataTable key_statistics(const KeysOptions& options)
 
 ExitCode show_keys(const KeysOptions& options)
 {
-    stored_connection(options.request.connection);
+    known_connection(options.request.connection);
     const DataTable table = options.isShort ? key_names(options) : key_statistics(options);
     tell_notes(options.request.query);
     write_data(table, options.output);

@@ -27,7 +27,7 @@ struct RecordOptions
 ExitCode show_record(RecordOptions options)
 {
     DataRequest& request = options.request;
-    stored_connection(request.connection);
+    known_connection(request.connection);
     request.keywords = {options.keyword};
     std::vector<std::string> values;
     std::string errors;

@@ -45,7 +45,7 @@ bool is_stored(const SetupOptions& options)
 
 ExitCode show_setup(const SetupOptions& options)
 {
-    stored_connection(options.connection);
+    known_connection(options.connection);
     if (!is_stored(options)) {
         return ExitCode::NothingFound;
     }
@@ -68,7 +68,7 @@ ExitCode show_setup(const SetupOptions& options)
 
 ExitCode show_header(const SetupOptions& options)
 {
-    stored_connection(options.connection);
+    known_connection(options.connection);
     if (!is_stored(options)) {
         return ExitCode::NothingFound;
     }

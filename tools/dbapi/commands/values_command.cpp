@@ -46,7 +46,7 @@ void tell_nothing_found(const DataRequest& request, bool isPlot)
 ExitCode show_values(const ValuesOptions& options)
 {
     const DataRequest& request = options.request;
-    stored_connection(request.connection);
+    known_connection(request.connection);
     if (!options.plot.file.empty()) {
         const bool isDrawn = plot_values(request, options.plot);
         tell_notes(request.query);

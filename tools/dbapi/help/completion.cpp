@@ -85,7 +85,7 @@ using Words = std::vector<std::string>;
 Words keywords_of(const std::string& connectionName, const std::string& table)
 {
     Words keywords;
-    for (const auto& [name, forms] : function_keywords(open_stored(connectionName), table)) {
+    for (const auto& [name, forms] : function_keywords(open_known(connectionName), table)) {
         if (forms.size() == 1) {
             keywords.push_back(name);
         } else {
@@ -103,7 +103,7 @@ Words keywords_of(const std::string& connectionName, const std::string& table)
 Words key_names_of_setups(const std::string& connectionName)
 {
     Words names;
-    for (const auto& [name, forms] : function_keywords(open_stored(connectionName), "setup")) {
+    for (const auto& [name, forms] : function_keywords(open_known(connectionName), "setup")) {
         names.push_back(name);
     }
     return names;

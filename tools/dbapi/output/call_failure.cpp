@@ -26,7 +26,7 @@ std::string default_text(KnownKeys& keys, const DataRequest& request)
 void throw_call_failure(const DataRequest& request, const Fault& fault)
 {
     // First whatever keeps the connection from opening: the rest follows from it.
-    KnownKeys keys(open_stored(request.connection));
+    KnownKeys keys(open_known(request.connection));
     std::string text = dbif::trimmed(fault.text);
     if (text.empty()) {
         text = default_text(keys, request);

@@ -11,7 +11,7 @@ void set_contents(const std::string& connection, const OutputOptions& options, D
     if (!is_typed(chosen_format(options))) {
         return;
     }
-    KnownKeys keys(open_stored(connection));
+    KnownKeys keys(open_known(connection));
     for (DataColumn& column : table->columns) {
         const std::optional<dbif::ValueKind> kind = keys.kindOf(column.heading);
         if (kind.has_value()) {

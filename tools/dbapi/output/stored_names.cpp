@@ -6,6 +6,7 @@
 #include "dbif/host/host_string.h"
 #include "dbsuggest/nearest_text.h"
 #include "dbui/connection_open.h"
+#include "dbui/connection_registry.h"
 #include "dbui/connections_file.h"
 #include "dbui/connections_path.h"
 
@@ -44,12 +45,9 @@ std::set<std::string> stored_names()
     return names;
 }
 
-DbuiConnection stored_connection(const std::string& name)
+namespace {
+[[noreturn]] void fail_for_unknown(const std::string& name)
 {
-    DbuiConnection record;
-    if (dbapi_get_connection_info(name, &record)) {
-        return record;
-    }
     const std::set<std::string> names = stored_names();
     std::string text = "there is no stored connection " + dbapi::quoted(name) + "." +
                        suggestion(nearest_texts(name, names, 3));
@@ -63,13 +61,34 @@ DbuiConnection stored_connection(const std::string& name)
     }
     throw ConnectionFailure(ConnectionFailure::Reason::NoConnection, text);
 }
+} // namespace
 
-DBIF_Connection open_stored(const std::string& name)
+DbuiConnection stored_connection(const std::string& name)
 {
-    const DbuiConnection record = stored_connection(name);
+    DbuiConnection record;
+    if (!dbui_find_connection_by_name(name, &record)) {
+        fail_for_unknown(name);
+    }
+    return record;
+}
+
+DbuiConnection known_connection(const std::string& name)
+{
+    DbuiConnection record;
+    if (!dbapi_get_connection_info(name, &record)) {
+        fail_for_unknown(name);
+    }
+    return record;
+}
+
+DBIF_Connection open_known(const std::string& name)
+{
+    const DbuiConnection record = known_connection(name);
+    const bool isFile = is_unnamed_file(record);
     DBIF_Connection connection = dbui::blank_connection();
     std::string error;
-    if (!dbui::open_connection(record, dbif::MissingFile::Fail, &connection, &error)) {
+    const auto missingFile = isFile ? dbif::MissingFile::ReadOnly : dbif::MissingFile::Fail;
+    if (!dbui::open_connection(record, missingFile, &connection, &error)) {
         throw ConnectionFailure(
             ConnectionFailure::Reason::NoDatabase, "the connection " + dbapi::quoted(name) +
                                                        " opens, but its database cannot be used. " +
@@ -80,8 +99,21 @@ DBIF_Connection open_stored(const std::string& name)
             ConnectionFailure::Reason::NoConnection,
             "the connection " + dbapi::quoted(name) + " does not open. " +
                 dbif::trimmed(convert_sql_error_to_string(connection.lastError()).str()) +
-                "\nWhat keeps it from opening: dbapi connection test " + name);
+                (isFile ? "" : "\nWhat keeps it from opening: dbapi connection test " + name));
     }
     return connection;
+}
+
+DBIF_Connection open_for_writing(const std::string& name)
+{
+    if (is_unnamed_file(known_connection(name))) {
+        throw ConnectionFailure(
+            ConnectionFailure::Reason::NoConnection,
+            dbapi::quoted(name) +
+                " is the path of a file, which is opened for reading only. To write to it, store "
+                "it under a name: dbapi connection add NAME --sqlite " +
+                name);
+    }
+    return open_known(name);
 }
 } // namespace dbapi::tool

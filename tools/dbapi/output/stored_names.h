@@ -39,6 +39,15 @@ std::vector<DbuiConnection> stored_connections();
 /// there is none.
 DbuiConnection stored_connection(const std::string& name);
 
-/// Opens it. Throws `ConnectionFailure` when it does not open, or is no measurement database.
-DBIF_Connection open_stored(const std::string& name);
+/// The connection to read from: a stored one, or the path of an SQLite file. Fails like
+/// `stored_connection`.
+DbuiConnection known_connection(const std::string& name);
+
+/// Opens it; a file that is named by its path for reading only. Throws `ConnectionFailure` when it
+/// does not open, or is no measurement database.
+DBIF_Connection open_known(const std::string& name);
+
+/// Opens a connection to write to. Throws `ConnectionFailure` for a file that is named by its path,
+/// too.
+DBIF_Connection open_for_writing(const std::string& name);
 } // namespace dbapi::tool
