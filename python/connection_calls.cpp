@@ -1,3 +1,4 @@
+#include "dbapi/call/call_cache.h"
 #include "dbapi/call/connection_access.h"
 #include "dbapi/call/public_call.h"
 #include "dbapi/call/selection.h"
@@ -64,6 +65,25 @@ void check_opens(const py::object& connection)
         record_of(name);
         return run_call_without_exceptions(
             name, std::string(), errors, [&name] { connection_for_call(name); });
+    });
+}
+
+/// Closes the database that the library keeps open, if it is this one.
+void close_kept(const std::string& name)
+{
+    DbapiCache& kept = make_cache();
+    if (kept.get_connection_name() == name) {
+        kept.clearDataConnection();
+        kept.clearQueryData();
+    }
+}
+
+void release(const py::object& connection)
+{
+    const std::string name = text_of(connection, "The connection");
+    call_library(name, [&name](std::string*) {
+        close_kept(name);
+        return true;
     });
 }
 
@@ -160,6 +180,8 @@ py::list diagnose(const py::object& name)
 
 DBIF_Connection writing_connection(const std::string& name)
 {
+    // The last to close an SQLite file empties its log, which one that only reads cannot.
+    close_kept(name);
     DBIF_Connection connection = dbui::blank_connection();
     std::string errors;
     if (!dbui::open_connection(record_of(name), dbif::MissingFile::Fail, &connection, &errors)) {
@@ -175,6 +197,7 @@ DBIF_Connection writing_connection(const std::string& name)
 void bind_connections(py::module_& module)
 {
     module.def("check_opens", &check_opens, py::arg("connection"));
+    module.def("release", &release, py::arg("connection"));
     module.def("create_file", &create_file, py::arg("path"));
     module.def("add_sqlite", &add_sqlite, py::arg("name"), py::arg("path"));
     module.def(

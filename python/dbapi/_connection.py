@@ -77,13 +77,16 @@ def connect(
             raise OperationalError(f'There is no file "{whole}". Give create=True to make it.')
         _core.create_file(whole)
     _core.check_opens(whole)
-    return Connection(os.fspath(path), whole)
+    return Connection(path, whole)
 
 
 def _path_of(name: Optional[Union[str, os.PathLike[str]]]) -> Optional[str]:
-    text = os.fspath(name)  # type: ignore[arg-type]
-    is_path = not isinstance(name, str) or "/" in text or text.endswith(_FILE_ENDINGS)
-    return text if is_path else None
+    """The path that a name is; None for one that is stored, or that can only be stored."""
+    if not isinstance(name, str):
+        return None if name is None else os.fspath(name)
+    if "/" not in name and not name.lower().endswith(_FILE_ENDINGS):
+        return None
+    return None if any(record[0] == name for record in _core.stored_connections()) else name
 
 
 class Connection:
@@ -436,9 +439,12 @@ class Connection:
 
     def close(self) -> None:
         """Close the connection and end its batches. Tables and arrays stay valid."""
+        if self._is_closed:
+            return
         self._is_closed = True
         for batches in list(self._readers):
             batches.close()
+        _core.release(self._target)
 
     def __enter__(self) -> Connection:
         return self

@@ -3,8 +3,9 @@
 from __future__ import annotations
 
 from collections.abc import Sequence
-from typing import TYPE_CHECKING, Any, NoReturn, Union, overload
+from typing import TYPE_CHECKING, NoReturn, Union, overload
 
+from . import _core
 from ._table import refuse_pickling
 
 if TYPE_CHECKING:
@@ -69,7 +70,7 @@ class Curves(Sequence[Curve]):
         How many setups sweep something else than x and were left out.
     """
 
-    def __init__(self, found: dict[str, Any]) -> None:
+    def __init__(self, found: _core.FoundCurves) -> None:
         names = [name for name, _ in found["parameters"]]
         kinds = [_kind(name, is_number) for name, is_number in found["parameters"]]
         self.is_swept: bool = found["is_swept"]

@@ -121,8 +121,9 @@ def _complex_text(number: complex) -> str:
 
 def _values(keyword: str, values: Any) -> Sequence[Any]:
     """The values with no value as NaN or None; numbers as an array."""
-    if isinstance(values, np.ma.MaskedArray):
-        values = values.filled(np.nan if values.dtype.kind in "fc" else None)
+    mask = getattr(values, "mask", None)
+    if isinstance(values, np.ndarray) and mask is not None:
+        values = np.where(mask, np.nan if values.dtype.kind in "fciu" else None, np.asarray(values))
     if hasattr(values, "notna"):
         missing = ~values.notna().to_numpy()
         values = values.to_numpy(dtype=object, na_value=None) if missing.any() else values.to_numpy()

@@ -95,12 +95,12 @@ def add(
     """
     if (sqlite is None) == (mysql is None):
         raise ArgumentError("Give either sqlite, the path of a file, or mysql, a database of a server.")
-    if sqlite is not None:
+    if mysql is not None:
+        _core.add_mysql(name, mysql, host, user, password, str(port))
+    elif sqlite is not None:
         if host or user or password or port:
             raise ArgumentError("A file has no host, user, password or port: these go with mysql.")
         _core.add_sqlite(name, os.path.abspath(os.fspath(sqlite)))
-    else:
-        _core.add_mysql(name, mysql, host, user, password, str(port))
 
 
 def list() -> builtins.list[StoredConnection]:  # noqa: A001
