@@ -32,10 +32,14 @@ std::pair<py::capsule, ArrowArrayStream*> empty_capsule()
     return {py::reinterpret_steal<py::capsule>(capsule), stream.release()};
 }
 
-py::capsule table_stream(const std::vector<std::shared_ptr<ValueColumn>>& columns, std::size_t rows)
+py::capsule table_stream(const py::sequence& columns, std::size_t rows)
 {
+    SharedColumns shared;
+    for (const py::handle column : columns) {
+        shared.push_back(py::cast<std::shared_ptr<ValueColumn>>(column));
+    }
     auto [capsule, stream] = empty_capsule();
-    db_export_arrow_columns({columns.begin(), columns.end()}, rows, stream);
+    db_export_arrow_columns(std::move(shared), rows, stream);
     return std::move(capsule);
 }
 } // namespace

@@ -100,6 +100,8 @@ public:
         }
     }
 
+    [[nodiscard]] bool isClosed() const { return *isClosed_; }
+
     /// Hands the reader over as an Arrow stream.
     py::capsule stream()
     {
@@ -194,6 +196,7 @@ void bind_column_reading(py::module_& module)
             py::arg("arguments"))
         .def("next", &BatchReader::next, "The rows of the next batch, none at the end.")
         .def("close", &BatchReader::close, "Ends the read.")
+        .def_property_readonly("closed", &BatchReader::isClosed)
         .def("stream", &BatchReader::stream, "The rest as a capsule of an Arrow stream.");
 }
 } // namespace dbapi::python

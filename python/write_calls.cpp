@@ -51,6 +51,9 @@ void fill(const py::object& objects, const std::string& keyword, dbif::SweepArra
 {
     switch (values->kind) {
     case dbif::ValueKind::Double:
+        if (py::array(objects).dtype().kind() == 'c') {
+            refuse(keyword, "its values are complex. OUTX and INX are columns of complex numbers.");
+        }
         values->numbers = values_of(py::cast<Numbers>(objects), keyword);
         break;
     case dbif::ValueKind::Complex:

@@ -37,6 +37,11 @@ class Batches:
         """End the read. May be called twice, and while another thread reads."""
         self._reader.close()
 
+    @property
+    def closed(self) -> bool:
+        """Whether the read was ended, or is about to be."""
+        return self._reader.closed
+
     def __enter__(self) -> Batches:
         return self
 

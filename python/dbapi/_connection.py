@@ -60,7 +60,7 @@ def connect(
     >>> import dbapi
     >>> with dbapi.connect("lab.db") as lab:
     ...     lab.values("W", query="L<=0.15u", distinct=True)["W"].max()
-    7e-06
+    2.5e-05
     """
     if (name is None) == (sqlite is None):
         raise ArgumentError("Give either the name of a stored connection or a path, or sqlite=PATH.")
@@ -168,11 +168,13 @@ class Connection:
         >>> sweep = "$DEVNAME=nfet_01v8_w7u_l0p15u_m1;$SUBSITE=8434;$DEVID=10_11;IND.VD=0.1;IND.VB=0"
         >>> t = lab.values("IND.VG", "OUTD.ID", query=sweep, order="stored")
         >>> len(t), t["OUTD.ID"].dtype
-        (37, dtype('float64'))
+        (43, dtype('float64'))
         >>> lab.values("Ws")
         Traceback (most recent call last):
             ...
-        dbapi.QueryError: Failed to resolve keyword "Ws" to a valid database key.
+        dbapi.QueryError: Failed to resolve keywords to valid database unique key names.
+        Error(s) reported:
+        Error: Failed to resolve keyword "Ws" to a valid database key.
         No matching key could be found in the database for the given keyword.
           Ws
           ^^
@@ -211,7 +213,7 @@ class Connection:
         --------
         >>> with lab.batches("IND.VG", "OUTD.ID", rows=10_000) as batches:
         ...     sum(len(batch) for batch in batches)
-        62197
+        65564
         """
         arguments = _core.ReadArguments(
             order, distinct, limit, all_data, ids, max_bytes, callable_progress(progress, "Reading")
@@ -233,7 +235,7 @@ class Connection:
         --------
         >>> family = lab.curves("IND.VG", "OUTD.ID", query="$DEVNAME=nfet_01v8_w0p36u_l0p15u_m1")
         >>> len(family), family[0].parameters["VD"], family[0].y.max()
-        (6, 0.1, 4.40...e-05)
+        (6, 0.1, 4.1243e-05)
         """
         return Curves(_core.curves(self._open(), _some(keywords), query))
 
@@ -273,7 +275,7 @@ class Connection:
         Examples
         --------
         >>> lab.ids("device", "W=[5u,10u];L<=0.15u").size
-        4
+        21
         """
         return _core.ids(self._open(), table, query)
 
@@ -283,11 +285,11 @@ class Connection:
         Examples
         --------
         >>> lab.keys("device", "L<=0.15u")
-        name     category  datatype  records  points  minimum  maximum
-        L        PHYSICAL  DOUBLE         21          1.5e-07  1.5e-07
-        M        PHYSICAL  DOUBLE         21                1        1
-        W        PHYSICAL  DOUBLE         21          3.6e-07    7e-06
-        process  PHYSICAL  TEXT           21
+        name     category    datatype  records  points  minimum  maximum
+        L        PHYSICAL    DOUBLE         64          1.5e-07  1.5e-07
+        M        PHYSICAL    DOUBLE         64                1     2280
+        W        PHYSICAL    DOUBLE         64          3.6e-07  2.5e-05
+        process  TECHNOLOGY  TEXT           64
         """
         return Keys(Key(*key) for key in _core.keys(self._open(), table, query))
 
@@ -302,7 +304,7 @@ class Connection:
         Examples
         --------
         >>> lab.record("device", 17)["$DEVNAME"]
-        'nfet_01v8_w0p36u_l0p15u_m1'
+        'nfet_01v8_w0p39u_l0p15u_m1'
         """
         return read_record(self._open(), table, id)
 
@@ -312,7 +314,7 @@ class Connection:
         Examples
         --------
         >>> lab.setup(42).points.keys()
-        ['VB', 'VD', 'VG', 'IB', 'ID', 'IG', 'IS']
+        ['VB', 'VD', 'VG', 'IB', 'ID', 'IG']
         """
         return read_setup(self._open(), id)
 
@@ -324,6 +326,8 @@ class Connection:
         >>> print(lab.explain("$DEVNAME", query="W=5u;L<=0.15u").as_dict()["suggestions"][0])
         Stored under W: 17 values from 3.6e-07 to 40; next to 5e-06 stand 3e-06 and 7e-06.
         """
+        if not keywords and not query:
+            raise ArgumentError("There is nothing to explain: give keywords, a query, or both.")
         return Explanation(*_core.explanation(self._open(), keywords, query))
 
     def import_files(

@@ -123,10 +123,13 @@ def _values(keyword: str, values: Any) -> Sequence[Any]:
     """The values with no value as NaN or None; numbers as an array."""
     mask = getattr(values, "mask", None)
     if isinstance(values, np.ndarray) and mask is not None:
-        values = np.where(mask, np.nan if values.dtype.kind in "fciu" else None, np.asarray(values))
-    if hasattr(values, "notna"):
-        missing = ~values.notna().to_numpy()
-        values = values.to_numpy(dtype=object, na_value=None) if missing.any() else values.to_numpy()
+        values = np.array(values, dtype=object)
+        values[np.asarray(mask)] = None
+    if hasattr(values, "isna"):
+        missing = np.asarray(values.isna())
+        values = np.array(values, dtype=object) if missing.any() else np.asarray(values)
+        if missing.any():
+            values[missing] = None
     array = np.asarray(values, dtype=object) if isinstance(values, np.ndarray) and values.dtype.kind in "US" else values
     if isinstance(array, np.ndarray) and array.dtype.kind in "mM":
         raise TypeError(f"{keyword}: times cannot be stored in a sweep; give seconds as numbers.")
