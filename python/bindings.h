@@ -5,6 +5,12 @@
 namespace dbapi::python {
 namespace py = pybind11;
 
+/// The metaclass of all types of the module: Python's own, as their stubs say.
+inline py::metaclass plain_metaclass()
+{
+    return py::metaclass(reinterpret_cast<PyObject*>(&PyType_Type));
+}
+
 // Each adds its functions and types to the module.
 
 void bind_column_reading(py::module_& module);

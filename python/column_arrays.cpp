@@ -1,5 +1,6 @@
 #include "python/column_arrays.h"
 
+#include "python/bindings.h"
 #include "python/python_texts.h"
 
 #include <algorithm>
@@ -210,7 +211,8 @@ py::list column_list(ColumnTable* table)
 void bind_columns(py::module_& module)
 {
     py::class_<ValueColumn, std::shared_ptr<ValueColumn>> type(
-        module, "Column", "One column of a result: its values, and what its keyword stands for.");
+        module, "Column", "One column of a result: its values, and what its keyword stands for.",
+        plain_metaclass());
     const auto add_text = [&type](const char* name, std::string ValueColumn::*member) {
         type.def_property_readonly(
             name, [member](const ValueColumn& column) { return text_object(column.*member); });

@@ -180,14 +180,16 @@ ReadArguments read_arguments(
 
 void bind_column_reading(py::module_& module)
 {
-    py::class_<ReadArguments>(module, "ReadArguments", "How a read is asked for.")
+    py::class_<ReadArguments>(
+        module, "ReadArguments", "How a read is asked for.", plain_metaclass())
         .def(
             py::init(&read_arguments), py::arg("order"), py::arg("distinct"), py::arg("limit"),
             py::arg("all_data"), py::arg("ids"), py::arg("max_bytes"), py::arg("progress"));
     module.def(
         "read_columns", &read_columns, py::arg("connection"), py::arg("keywords"), py::arg("query"),
         py::arg("arguments"), "All rows: how many, and their columns.");
-    py::class_<BatchReader>(module, "BatchReader", "A read whose rows come batch by batch.")
+    py::class_<BatchReader>(
+        module, "BatchReader", "A read whose rows come batch by batch.", plain_metaclass())
         .def(
             py::init<
                 const py::object&, const py::sequence&, const py::object&, std::size_t,

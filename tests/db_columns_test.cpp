@@ -238,6 +238,14 @@ TEST_P(DbColumns, FailWithAFault)
     EXPECT_EQ(read({"ID", "VG"}, "", options), "Error: The read was cancelled.\n");
     ASSERT_TRUE(dbapi::db_get_last_fault(&fault));
     EXPECT_EQ(fault.kind, Fault::Kind::Cancelled);
+    options = {};
+    int asked = 0;
+    options.interrupted = [&asked] {
+        return ++asked == 2;
+    };
+    EXPECT_EQ(read({"ID", "VG"}, "", options), "Error: The read was cancelled.\n");
+    EXPECT_EQ(asked, 2);
+    options.interrupted = nullptr;
     options.progress = [](const dbapi::ReadProgress&) -> bool {
         throw 7;
     };

@@ -1,14 +1,18 @@
 """The library behind the package dbapi, which is what programs use."""
 
 from collections.abc import Callable, Sequence
-from typing import Any, Optional, TypedDict
+from typing import Any, Optional
 
 import numpy as np
 from numpy.typing import NDArray
 
+from ._core_data import FoundCurves as _FoundCurves, ImportedFiles as _ImportedFiles, KeyFacts as _KeyFacts
+from ._core_data import WriteArguments as _WriteArguments, WrittenMeasurements as _WrittenMeasurements
+
 class Column:
     """One column of a result: its values, and what its keyword stands for."""
 
+    def __init__(self, *args: Any, **kwargs: Any) -> None: ...
     @property
     def keyword(self) -> str: ...
     @property
@@ -52,39 +56,6 @@ class BatchReader:
     def closed(self) -> bool: ...
     def stream(self) -> object: ...
 
-class CurveAxis(TypedDict):
-    labels: tuple[str, ...]
-    is_magnitude: bool
-
-class FoundCurves(TypedDict):
-    curves: list[tuple[NDArray[np.float64], NDArray[np.float64], tuple[str, ...], int]]
-    parameters: list[tuple[str, bool]]
-    x: CurveAxis
-    y: CurveAxis
-    is_swept: bool
-    setups_left_out: int
-
-class ImportedFiles(TypedDict):
-    files: int
-    setups: int
-    points: int
-    devices: int
-    superseded_setups: int
-    superseding: list[tuple[str, str]]
-    new_keys: list[tuple[str, str, str, str]]
-    faults: list[tuple[str, int, str]]
-    fault_count: int
-    faulty_files: int
-    anonymous_files: int
-
-class WrittenMeasurements(TypedDict):
-    written: list[tuple[int, int, int, int, int, int, int]]
-    superseded: list[tuple[int, int, int, int]]
-    new_keys: list[tuple[str, str, str, str]]
-
-WriteArguments = tuple[list[tuple[str, str]], list[tuple[str, Any, str]], str]
-KeyFacts = tuple[str, str, str, int, Optional[int], Optional[float], Optional[float]]
-
 def read_columns(
     connection: str, keywords: Sequence[str], query: str, arguments: ReadArguments
 ) -> tuple[int, list[Column]]: ...
@@ -97,10 +68,10 @@ def add_mysql(name: str, database: str, host: str, user: str, password: str, por
 def remove_connection(name: str) -> None: ...
 def stored_connections() -> list[tuple[str, str, str, str, str, str]]: ...
 def diagnose(name: str) -> list[tuple[str, str, str, str]]: ...
-def curves(connection: str, keywords: Sequence[str], query: str) -> FoundCurves: ...
+def curves(connection: str, keywords: Sequence[str], query: str) -> _FoundCurves: ...
 def picture(connection: str, keywords: Sequence[str], query: str, logx: bool, logy: bool) -> dict[str, Any]: ...
 def ids(connection: str, table: str, query: str) -> NDArray[np.int64]: ...
-def keys(connection: str, table: str, query: str) -> list[KeyFacts]: ...
+def keys(connection: str, table: str, query: str) -> list[_KeyFacts]: ...
 def record(connection: str, table: str, id: int) -> tuple[int, list[Column]]: ...
 def setup(connection: str, id: int) -> tuple[int, list[Column], list[str]]: ...
 def explanation(connection: str, keywords: Sequence[str], query: str) -> tuple[str, str]: ...
@@ -109,7 +80,7 @@ def import_files(
     paths: Sequence[str],
     allow_anonymous: bool,
     progress: Optional[Callable[[int, int], Any]],
-) -> ImportedFiles: ...
+) -> _ImportedFiles: ...
 def write(
-    connection: str, measurements: Sequence[WriteArguments], allow_anonymous: bool
-) -> WrittenMeasurements: ...
+    connection: str, measurements: Sequence[_WriteArguments], allow_anonymous: bool
+) -> _WrittenMeasurements: ...

@@ -5,10 +5,10 @@ from __future__ import annotations
 from collections.abc import Sequence
 from typing import TYPE_CHECKING, NoReturn, Union, overload
 
-from . import _core
 from ._table import refuse_pickling
 
 if TYPE_CHECKING:
+    from ._core_data import FoundCurves
     import numpy as np
     from numpy.typing import NDArray
 
@@ -70,7 +70,7 @@ class Curves(Sequence[Curve]):
         How many setups sweep something else than x and were left out.
     """
 
-    def __init__(self, found: _core.FoundCurves) -> None:
+    def __init__(self, found: FoundCurves) -> None:
         names = [name for name, _ in found["parameters"]]
         kinds = [_kind(name, is_number) for name, is_number in found["parameters"]]
         self.is_swept: bool = found["is_swept"]

@@ -7,6 +7,7 @@ from collections.abc import Iterable
 from typing import NamedTuple, Union
 
 from . import _core
+from ._core_data import ImportedFiles
 from ._errors import DataError
 from ._progress import Progress, callable_progress
 
@@ -71,7 +72,7 @@ def import_files(
     )
 
 
-def _raise_faults(found: _core.ImportedFiles) -> None:
+def _raise_faults(found: ImportedFiles) -> None:
     faults = tuple(ImportFault(*fault) for fault in found["faults"])
     lines = [f"Nothing was imported: {found['faulty_files']} of {found['files']} files have faults."]
     lines += [f"{fault.file}{f':{fault.line}' if fault.line else ''}: {fault.text}" for fault in faults[:20]]

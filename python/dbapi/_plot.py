@@ -52,6 +52,9 @@ def _label(axis: Any, set_title: Any, description: dict[str, Any]) -> None:
     if description["labels"]:
         labels = [_plain(label) for label in description["labels"]]
         axis.set_ticks(range(len(labels)), labels=labels)
+    else:
+        # Currents are told in powers of ten, and not by zeros.
+        axis.get_major_formatter().set_powerlimits((-3, 4))
 
 
 def _plain(text: str) -> str:
@@ -62,9 +65,10 @@ def _plain(text: str) -> str:
 def _notes(picture: dict[str, Any], keywords: Sequence[str]) -> list[str]:
     notes = []
     if picture["setups_left_out"]:
-        notes.append(f"{picture['setups_left_out']} setups left out: they do not sweep {keywords[0]}.")
+        notes.append(f"{_counted(picture['setups_left_out'], 'setup')} left out, without a sweep of {keywords[0]}.")
     if picture["points_left_out"]:
-        notes.append(f"{picture['points_left_out']} points left out: a logarithmic axis shows only what is above 0.")
+        points = _counted(picture["points_left_out"], "point")
+        notes.append(f"{points} left out: a logarithmic axis shows only what is above 0.")
     if picture["points_shown"] < picture["points"]:
         notes.append(
             f"{picture['points_shown']} of {picture['points']} points drawn: of each short stretch the first, "
@@ -75,3 +79,7 @@ def _notes(picture: dict[str, Any], keywords: Sequence[str]) -> list[str]:
     if not picture["series"]:
         notes.append("Nothing is found to draw; explain() with the same query tells which term leaves nothing.")
     return notes
+
+
+def _counted(count: int, thing: str) -> str:
+    return f"{count} {thing}" if count == 1 else f"{count} {thing}s"

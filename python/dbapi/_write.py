@@ -9,6 +9,7 @@ from typing import Any, NamedTuple, Optional
 import numpy as np
 
 from . import _core
+from ._core_data import WriteArguments
 from ._errors import ArgumentError
 from ._import import NewKey
 
@@ -80,7 +81,7 @@ def write_measurements(
     return written
 
 
-def _arguments(measurement: Measurement, place: int) -> _core.WriteArguments:
+def _arguments(measurement: Measurement, place: int) -> WriteArguments:
     facts = [(keyword, _fact(keyword, value)) for keyword, value in measurement.facts.items() if not _is_missing(value)]
     headers = dict(measurement.headers)
     columns = []

@@ -48,6 +48,18 @@ def test_the_page(shop_window):
     assert result.failed == 0 and result.attempted > 10
 
 
+def test_the_notebook(tmp_path, monkeypatch):
+    """It runs, and the page and its pictures are what it shows."""
+    pytest.importorskip("nbclient")
+    monkeypatch.setenv("MPLBACKEND", "Agg")  # what the page sets is taken back
+    monkeypatch.syspath_prepend(str(ROOT / "examples"))
+    notebook_page = importlib.import_module("notebook_page")
+    made = notebook_page.page(notebook_page.run(), tmp_path)
+    assert made == (ROOT / "docs" / "first-steps.md").read_text(encoding="utf8")
+    assert [picture.name for picture in sorted(tmp_path.glob("*.png"))] == ["first-steps-1.png", "first-steps-2.png"]
+    assert all(picture.stat().st_size > 10_000 for picture in tmp_path.glob("*.png"))
+
+
 def test_everything_public_is_documented():
     for name in dbapi.__all__:
         thing = getattr(dbapi, name)
