@@ -1,6 +1,7 @@
 #pragma once
 
-#include "dbapi/db_arrow.h"
+#include "dbapi/arrow_structures.h"
+#include "dbapi/read/value_column.h"
 
 #include <cstddef>
 #include <vector>

@@ -347,7 +347,7 @@ TEST_P(DbColumns, EndWhenCancelledOrCutOff)
         MariaDbServer::instance().execute("KILL " + ids.substr(0, ids.size() - 1));
         EXPECT_THAT(rest(*cut), HasSubstr("rror"));
     }
-    EXPECT_EQ(cut->fault()->kind, Fault::Kind::Database);
+    EXPECT_EQ(cut->fault()->kind, Fault::Kind::Connection);
 }
 
 /// The value of a cell of a column of numbers or texts, by its buffers.

@@ -30,7 +30,8 @@ from __future__ import annotations
 
 from . import connections
 from ._batches import Batches
-from ._connection import Connection, connect
+from ._connect import connect
+from ._connection import Connection
 from ._curves import Curve, Curves
 from ._errors import (
     ArgumentError,

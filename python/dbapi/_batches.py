@@ -2,16 +2,16 @@
 
 from __future__ import annotations
 
-from types import TracebackType
-from typing import NoReturn, Optional
+from typing import NoReturn
 
 from . import _core
+from ._closing import Closing
 from ._table import Table, refuse_pickling
 
 __all__ = ["Batches"]
 
 
-class Batches:
+class Batches(Closing):
     """The rows of a read, a `Table` at a time; what `Connection.batches` gives.
 
     Iterate over it once. It holds a connection and a read transaction of its own, so that all
@@ -41,17 +41,6 @@ class Batches:
     def closed(self) -> bool:
         """Whether the read was ended, or is about to be."""
         return self._reader.closed
-
-    def __enter__(self) -> Batches:
-        return self
-
-    def __exit__(
-        self,
-        exc_type: Optional[type[BaseException]],
-        exc_value: Optional[BaseException],
-        traceback: Optional[TracebackType],
-    ) -> None:
-        self.close()
 
     def __arrow_c_stream__(self, requested_schema: object = None) -> object:
         """The batches that are left, as an Arrow C stream (PyCapsule interface).

@@ -2,14 +2,13 @@
 
 from __future__ import annotations
 
-import os
 import weakref
 from collections.abc import Iterable, Mapping, Sequence
-from types import TracebackType
 from typing import TYPE_CHECKING, Any, Literal, NoReturn, Optional, Union
 
 from . import _core
 from ._batches import Batches
+from ._closing import Closing
 from ._curves import Curves
 from ._errors import ArgumentError, OperationalError
 from ._import import ImportResult, Path, import_files
@@ -22,74 +21,12 @@ if TYPE_CHECKING:
     import numpy as np
     from numpy.typing import NDArray
 
-__all__ = ["Connection", "connect"]
+__all__ = ["Connection"]
 
 Order = Optional[Literal["sorted", "stored"]]
-_FILE_ENDINGS = (".db", ".sqlite", ".sqlite3")
 
 
-def connect(
-    name: Optional[Union[str, os.PathLike[str]]] = None,
-    *,
-    sqlite: Optional[Union[str, os.PathLike[str]]] = None,
-    create: bool = False,
-) -> Connection:
-    """Open a database of measurements.
-
-    Parameters
-    ----------
-    name : str or path
-        The name of a stored connection, or the path of an SQLite file: a text with a "/" in it, or
-        that ends in ".db", ".sqlite" or ".sqlite3".
-    sqlite : path
-        Instead of it, the path of a file, whatever it looks like.
-    create : bool
-        Make the file, with an empty database in it, where there is none.
-
-    Returns
-    -------
-    Connection
-
-    Raises
-    ------
-    OperationalError
-        When no connection has the name, there is no such file, or the database does not open.
-
-    Examples
-    --------
-    >>> import dbapi
-    >>> with dbapi.connect("lab.db") as lab:
-    ...     lab.values("W", query="L<=0.15u", distinct=True)["W"].max()
-    2.5e-05
-    """
-    if (name is None) == (sqlite is None):
-        raise ArgumentError("Give either the name of a stored connection or a path, or sqlite=PATH.")
-    path = _path_of(name) if sqlite is None else os.fspath(sqlite)
-    if path is None:
-        if create:
-            raise ArgumentError("Only a file is created: give its path. dbapi.connections.add() stores a connection.")
-        stored = str(name)
-        _core.check_opens(stored)
-        return Connection(stored, stored)
-    whole = os.path.abspath(path)
-    if not os.path.exists(whole):
-        if not create:
-            raise OperationalError(f'There is no file "{whole}". Give create=True to make it.')
-        _core.create_file(whole)
-    _core.check_opens(whole)
-    return Connection(path, whole)
-
-
-def _path_of(name: Optional[Union[str, os.PathLike[str]]]) -> Optional[str]:
-    """The path that a name is; None for one that is stored, or that can only be stored."""
-    if not isinstance(name, str):
-        return None if name is None else os.fspath(name)
-    if "/" not in name and not name.lower().endswith(_FILE_ENDINGS):
-        return None
-    return None if any(record[0] == name for record in _core.stored_connections()) else name
-
-
-class Connection:
+class Connection(Closing):
     """A database of measurements; `connect` makes one.
 
     Keywords name keys ("W", "IND.VG") or are builtin keynames ("$DEVNAME"); a query string such as
@@ -263,8 +200,6 @@ class Connection:
         -------
         matplotlib.axes.Axes
         """
-        if logx and logy and len(keywords) == 0:
-            raise ArgumentError("Give a keyword to draw.")
         from ._plot import draw
 
         return draw(self._open(), _some(keywords), query, ax, logx, logy)
@@ -449,17 +384,6 @@ class Connection:
         for batches in list(self._readers):
             batches.close()
         _core.release(self._target)
-
-    def __enter__(self) -> Connection:
-        return self
-
-    def __exit__(
-        self,
-        exc_type: Optional[type[BaseException]],
-        exc_value: Optional[BaseException],
-        traceback: Optional[TracebackType],
-    ) -> None:
-        self.close()
 
     def __repr__(self) -> str:
         return f"<dbapi.Connection {self.name!r}{' (closed)' if self._is_closed else ''}>"
