@@ -9,7 +9,7 @@
 #include "dbsuggest/fault_lines.h"
 #include "dbsuggest/known_keys.h"
 
-#include "python/python_texts.h"
+#include "python/text_objects.h"
 
 #include <algorithm>
 #include <atomic>
