@@ -14,6 +14,19 @@ constexpr const char* kKeyOfAll = R"(
 SELECT number FROM device_value WHERE key_id = (SELECT id FROM device_key WHERE name = 'VTH')
 ORDER BY number)";
 
+constexpr const char* kFourNumbersOfAll = R"(
+SELECT w.number, l.number, vth.number, idsat.number
+FROM device
+LEFT JOIN device_value w ON w.device_id = device.id
+    AND w.key_id = (SELECT id FROM device_key WHERE name = 'W')
+LEFT JOIN device_value l ON l.device_id = device.id
+    AND l.key_id = (SELECT id FROM device_key WHERE name = 'L')
+LEFT JOIN device_value vth ON vth.device_id = device.id
+    AND vth.key_id = (SELECT id FROM device_key WHERE name = 'VTH')
+LEFT JOIN device_value idsat ON idsat.device_id = device.id
+    AND idsat.key_id = (SELECT id FROM device_key WHERE name = 'IDSAT')
+ORDER BY 1, 2, 3, 4)";
+
 constexpr const char* kFourKeysOfAll = R"(
 SELECT w.number, l.number, vth.number, model.text
 FROM device
@@ -153,6 +166,15 @@ std::vector<Comparison> device_rows(const DataStore& store, std::size_t devices,
                 *values = database->values(std::vector<std::string>{"W", "L", "VTH", "MODEL"});
             },
             [=](Values* values) { *values = database->peer().texts(kFourKeysOfAll); }),
+        timed<Numbers>(
+            row("four_device_keys_numbers", "four device keys side by side, sorted, as numbers",
+                {0.25, 1.2}),
+            1,
+            [=](Numbers* numbers) {
+                *numbers = database->numbers(
+                    {"W", "L", "VTH", "IDSAT"}, dbapi::ColumnOptions::Order::Sorted);
+            },
+            [=](Numbers* numbers) { *numbers = database->peer().numbers(kFourNumbersOfAll); }),
         ids_of_batches(
             row("ids_by_key", "ids of devices where key = v (about 100)", {3, 3}), database,
             DevicePopulation(devices).batches()),

@@ -38,6 +38,31 @@ Comparison read_numbers(
         std::move(row), 1, [=](Numbers* numbers) { *numbers = database->numbers(keywords, order); },
         [=](Numbers* numbers) { *numbers = database->peer().numbers(sql); });
 }
+
+/// The same beside a number of values a second.
+Comparison read_rate(
+    Comparison row,
+    const Database& database,
+    const std::vector<std::string>& keywords,
+    double valuesPerSecond)
+{
+    const auto values = std::make_shared<double>(0);
+    const auto read = [=] {
+        const double start = seconds_now();
+        const Numbers numbers = database->numbers(keywords, dbapi::ColumnOptions::Order::Stored);
+        const double seconds = seconds_now() - start;
+        *values = static_cast<double>(numbers.size() * numbers.front().size());
+        return seconds;
+    };
+    row.ours = read;
+    row.peer = [=] {
+        if (*values == 0) {
+            read();
+        }
+        return *values / valuesPerSecond;
+    };
+    return row;
+}
 } // namespace
 
 std::vector<Comparison> point_rows(const DataStore& store, std::size_t points)
@@ -59,6 +84,13 @@ std::vector<Comparison> point_rows(const DataStore& store, std::size_t points)
     const auto shown = [&row](const char* id, const char* title) {
         Comparison comparison = row(id, title, {});
         comparison.target.reset();
+        return comparison;
+    };
+    const auto rated = [&](const char* id, const char* title) {
+        Comparison comparison = shown(id, title);
+        if (!store.engine().isServer()) {
+            comparison.target = 1.0;
+        }
         return comparison;
     };
     return {
@@ -83,6 +115,16 @@ std::vector<Comparison> point_rows(const DataStore& store, std::size_t points)
                 "three_setup_keys_numbers", "three setup keys side by side, as stored, as numbers"),
             database, {"VG", "VD", "ID"}, dbapi::ColumnOptions::Order::Stored,
             "SELECT vg, vd, i_d FROM point"),
+        read_rate(
+            rated(
+                "setup_key_rate",
+                "one setup key, as stored, as numbers, beside 50 million values a second"),
+            database, {"IB"}, 50e6),
+        read_rate(
+            rated(
+                "three_setup_keys_rate",
+                "three setup keys, as stored, as numbers, beside 60 million values a second"),
+            database, {"VG", "VD", "ID"}, 60e6),
         read_row(
             row("setup_key_where", "one setup key where another key = v, all setups", {0.2, 1.2}),
             database, {"ID"}, "VG=0.6", "SELECT i_d FROM point WHERE vg = 0.6 ORDER BY i_d"),

@@ -4,7 +4,6 @@
 #include "dbif/connection/managed_connection.h"
 #include "dbif/engine/native_statement.h"
 
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -28,11 +27,7 @@ public:
     [[nodiscard]] int integer(int column) { return static_cast<int>(statement_->integer(column)); }
 
     /// The number in the column; NaN when there is none.
-    [[nodiscard]] double number(int column)
-    {
-        return isNull(column) ? std::numeric_limits<double>::quiet_NaN()
-                              : statement_->number(column);
-    }
+    [[nodiscard]] double number(int column) { return statement_->number(column); }
 
     /// The bytes in the column, valid until `next`; empty when there are none.
     [[nodiscard]] std::string_view text(int column) { return statement_->text(column); }

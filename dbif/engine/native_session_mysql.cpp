@@ -11,6 +11,7 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <map>
 #include <mysql.h>
 #include <optional>
@@ -136,7 +137,7 @@ public:
     {
         const Cell& c = cell(column);
         if (c.isNull != 0) {
-            return 0;
+            return std::numeric_limits<double>::quiet_NaN();
         }
         if (c.kind == Cell::Kind::Bytes) {
             return read_engineering_number(text(column));

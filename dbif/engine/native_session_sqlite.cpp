@@ -7,6 +7,7 @@
 #include <QSqlDriver>
 #include <QVariant>
 
+#include <limits>
 #include <sqlite3.h>
 
 namespace dbif {
@@ -88,6 +89,9 @@ public:
     {
         // SQLite stores a text in a column of numbers as it is, and would read it as 0.
         const int type = sqlite3_column_type(statement_, column);
+        if (type == SQLITE_NULL) {
+            return std::numeric_limits<double>::quiet_NaN();
+        }
         if (type == SQLITE_TEXT || type == SQLITE_BLOB) {
             throw_error(
                 "The database is damaged: its column \"" +

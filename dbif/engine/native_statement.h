@@ -25,7 +25,7 @@ public:
     virtual void reset() = 0;
 
     /// The cells of the current row. Texts and blobs stay valid until the next `step` or `reset`;
-    /// NULL reads as 0 or as an empty text.
+    /// NULL reads as 0, as the number NaN or as an empty text.
     virtual bool isNull(int column) = 0;
     virtual long long integer(int column) = 0;
     virtual double number(int column) = 0;

@@ -15,6 +15,7 @@ namespace dbif {
 namespace {
 /// Records that are selected at a time where the rows are given part by part.
 constexpr std::size_t kRecordsPerPart = 1U << 17U;
+constexpr std::size_t kAllRows = std::numeric_limits<std::size_t>::max();
 
 bool has_points(const std::vector<TableColumn>& columns)
 {
@@ -116,9 +117,7 @@ ColumnStream::ColumnStream(ColumnRead read, Parts parts)
       parts_(parts),
       transaction_(read_.connection),
       base_(meeting_table(tables_of(read_.columns))),
-      left_(
-          read_.limit < 0 ? std::numeric_limits<std::size_t>::max()
-                          : static_cast<std::size_t>(read_.limit))
+      left_(read_.limit < 0 ? kAllRows : static_cast<std::size_t>(read_.limit))
 {}
 
 ColumnStream::~ColumnStream() = default;
@@ -175,7 +174,7 @@ QueryResult ColumnStream::next(std::size_t rows)
         const TraceStep step(read_.connection.inner().trace(), "read the records");
         begin();
         const bool needsAll = read_.needsAllRows();
-        while ((needsAll || available() < rows) && readOn()) {
+        while ((needsAll || available() < rows) && readOn(needsAll ? kAllRows : rows)) {
             report();
         }
         holdPoints();
@@ -202,11 +201,11 @@ void ColumnStream::report() const
     }
 }
 
-bool ColumnStream::readOn()
+bool ColumnStream::readOn(std::size_t wanted)
 {
     while (points_ != nullptr || nextId_ <= highestId_) {
         if (points_ != nullptr) {
-            if (points_->readOn()) {
+            if (points_->readOn(wanted)) {
                 return true;
             }
             holdPoints();
@@ -308,6 +307,6 @@ QueryResult ColumnStream::take(std::size_t rows)
 QueryResult read_columns(ColumnRead read)
 {
     ColumnStream stream(std::move(read), ColumnStream::Parts::One);
-    return stream.next(std::numeric_limits<std::size_t>::max());
+    return stream.next(kAllRows);
 }
 } // namespace dbif

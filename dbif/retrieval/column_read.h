@@ -82,7 +82,8 @@ private:
     void begin();
     [[nodiscard]] std::size_t available() const;
     void report() const;
-    bool readOn();
+    /// Reads some more rows, of the number that is wanted; false when none is left.
+    bool readOn(std::size_t wanted);
     [[nodiscard]] ConditionTree nextCondition();
     void holdPoints();
     void hold(QueryResult rows);

@@ -4,14 +4,17 @@
 #include "dbif/connection/bulk_cursor.h"
 #include "dbif/connection/managed_connection.h"
 #include "dbif/engine/read_trace.h"
+#include "dbif/host/background_task.h"
 #include "dbif/retrieval/rows_by_id.h"
 #include "dbif/value/complex_values.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <iterator>
 #include <limits>
 #include <map>
+#include <utility>
 
 namespace dbif {
 namespace {
@@ -55,6 +58,57 @@ ResultColumn empty_column(Kind kind, std::size_t rows)
     return column;
 }
 
+/// Puts values beside the rows of their records. They come in any order of rows, and each step to
+/// another row waits for memory, so that many values are placed while the next are read.
+template <typename T>
+class ValuePlacer
+{
+public:
+    ValuePlacer(const RowsById& rows, std::vector<T>* values, RowMask* hasValue)
+        : rows_(rows), values_(values), hasValue_(hasValue)
+    {}
+
+    void add(int id, T value)
+    {
+        Batch& batch = batches_.at(current_);
+        batch.emplace_back(id, std::move(value));
+        if (batch.size() == kBatchValues) {
+            placing_.begin([this, &batch] { place(&batch); });
+            current_ = 1 - current_;
+        }
+    }
+
+    void finish()
+    {
+        placing_.finish();
+        place(&batches_.at(current_));
+    }
+
+private:
+    using Batch = std::vector<std::pair<int, T>>;
+
+    static constexpr std::size_t kBatchValues = 1U << 16U;
+
+    void place(Batch* batch)
+    {
+        for (std::pair<int, T>& entry : *batch) {
+            rows_.forRows(entry.first, [&](std::uint32_t row) {
+                (*hasValue_)[row] = 1;
+                (*values_)[row] = entry.second;
+            });
+        }
+        batch->clear();
+    }
+
+    const RowsById& rows_;
+    std::vector<T>* values_;
+    RowMask* hasValue_;
+    std::array<Batch, 2> batches_;
+    std::size_t current_ = 0;
+    /// Ends before the batches do.
+    BackgroundTask placing_;
+};
+
 /// Puts the values of a statement of ids and values beside the rows; `read` gives the value of the
 /// cursor's row.
 template <typename T, typename Read>
@@ -65,16 +119,31 @@ void place_values(
     std::vector<T>* values,
     RowMask* hasValue)
 {
+    ValuePlacer<T> placer(rows, values, hasValue);
     while (cursor.next()) {
-        if (cursor.isNull(1)) {
-            continue;
+        if (!cursor.isNull(1)) {
+            placer.add(cursor.integer(0), read());
         }
-        const T value = read();
-        rows.forRows(cursor.integer(0), [&](std::uint32_t row) {
-            (*hasValue)[row] = 1;
-            (*values)[row] = value;
-        });
     }
+    placer.finish();
+}
+
+/// The same for numbers, which say themselves whether they are a value: each question to a cursor
+/// costs a good part of a step.
+void place_numbers(
+    BulkCursor& cursor,
+    const RowsById& rows,
+    std::vector<double>* numbers,
+    RowMask* hasValue)
+{
+    ValuePlacer<double> placer(rows, numbers, hasValue);
+    while (cursor.next()) {
+        const double number = cursor.number(1);
+        if (!std::isnan(number)) {
+            placer.add(cursor.integer(0), number);
+        }
+    }
+    placer.finish();
 }
 
 void place_values(
@@ -96,10 +165,7 @@ void place_values(
         };
         place_values(cursor, rows, number, &column->complexNumbers, hasValue);
     } else {
-        const auto number = [&] {
-            return cursor.number(1);
-        };
-        place_values(cursor, rows, number, &column->numbers, hasValue);
+        place_numbers(cursor, rows, &column->numbers, hasValue);
     }
 }
 } // namespace
@@ -206,6 +272,11 @@ ResultColumn read_key_beside(
         if (width_of(ids) < highest / 2) {
             sql << " AND " << SqlName(f.linkColumn()) << " BETWEEN " << ids.front() << " AND "
                 << ids.back();
+        }
+        const SqlText value = value_column(definition);
+        if (!connection.inner().dialect().whereHasValue(SqlName(value.utf8())).isEmpty()) {
+            // Texts are then read from their own index, which holds all that is asked.
+            sql << " AND " << value << " IS NOT NULL";
         }
         place_values(connection, sql, rows, &column, hasValue);
         return column;

@@ -63,33 +63,38 @@ class WeakTerms
 {
 public:
     explicit WeakTerms(DBIF_Connection& connection)
-        : connection_(connection), most_(highest_id(connection, RecordTable::Setup) / 8 * 7)
+        : connection_(connection), all_(highest_id(connection, RecordTable::Setup))
     {}
 
     [[nodiscard]] bool has(const ConditionTree& term)
     {
         return term.kind() == Kind::Comparison && term.comparison().isOnPoints() &&
-               term.comparison().comparator != IS_NULL && doNearlyAllSatisfy(term.comparison());
+               term.comparison().comparator != IS_NULL && doSatisfy(term.comparison(), kNearlyAll);
     }
 
-    [[nodiscard]] bool has(const KeyDefinition& key)
+    /// Tells whether so many eighths of all setups have the key.
+    [[nodiscard]] bool has(const KeyDefinition& key, std::size_t eighths)
     {
         ColumnComparison presence(TableColumn(RecordTable::Setup, key));
         presence.comparator = NOT_NULL;
-        return doNearlyAllSatisfy(presence);
+        return doSatisfy(presence, eighths);
     }
 
+    /// In eighths.
+    static constexpr std::size_t kNearlyAll = 7;
+
 private:
-    bool doNearlyAllSatisfy(const ColumnComparison& comparison)
+    bool doSatisfy(const ColumnComparison& comparison, std::size_t eighths)
     {
         constexpr std::size_t kFewSetups = 1000;
+        const std::size_t most = all_ / 8 * eighths;
         SqlText sql = records_with_key("1", comparison, connection_);
-        sql << " LIMIT 1 OFFSET " << static_cast<long long>(most_);
-        return most_ > kFewSetups && BulkCursor(connection_, sql).next();
+        sql << " LIMIT 1 OFFSET " << static_cast<long long>(most);
+        return most > kFewSetups && BulkCursor(connection_, sql).next();
     }
 
     DBIF_Connection& connection_;
-    std::size_t most_;
+    std::size_t all_;
 };
 
 /// The condition by which SQL selects the setups. Where nothing but points selects them, terms that
@@ -98,8 +103,12 @@ private:
 ConditionTree selecting_condition(
     DBIF_Connection& connection,
     const std::vector<KeyDefinition>& keys,
+    bool readsRecords,
     const ConditionTree& condition)
 {
+    // A setup without the key costs little where nothing is read beside it: less than to look the
+    // key up for each of the others.
+    const std::size_t enough = readsRecords ? WeakTerms::kNearlyAll : 2;
     std::vector<ConditionTree> terms = condition.conjuncts();
     const bool isAllOnPoints =
         !condition.any([](const ColumnComparison& comparison) { return !comparison.isOnPoints(); });
@@ -109,8 +118,8 @@ ConditionTree selecting_condition(
         std::erase_if(terms, [&weak](const ConditionTree& term) { return weak.has(term); });
         // A remaining term selects only some setups, so that counting all of them is pointless.
         isKeyWeak = ConditionTree::joined(Kind::And, terms).kind() == Kind::True &&
-                    std::any_of(keys.begin(), keys.end(), [&weak](const KeyDefinition& key) {
-                        return weak.has(key);
+                    std::any_of(keys.begin(), keys.end(), [&](const KeyDefinition& key) {
+                        return weak.has(key, enough);
                     });
     }
     if (!keys.empty() && !isKeyWeak) {
@@ -144,8 +153,8 @@ SelectedSetups::SelectedSetups(
 {
     const TraceStep step(trace_, "select the setups");
     select(
-        connection, sources, uncounted, selecting_condition(connection, keys, condition),
-        latestOnly);
+        connection, sources, uncounted,
+        selecting_condition(connection, keys, !sources.empty(), condition), latestOnly);
 }
 
 SelectedSetups::~SelectedSetups()

@@ -12,6 +12,9 @@ namespace dbif {
 namespace {
 using Kind = ResultColumn::Kind;
 
+/// So many rows grow step by step.
+constexpr std::size_t kFewRows = 10'000;
+
 /// Collects the rows of points.
 class RowCollector
 {
@@ -52,6 +55,7 @@ public:
             }
         }
         listKept();
+        reserveRows(points.place);
         for (Output& output : outputs_) {
             output.record != nullptr ? appendRecord(points.place, &output)
                                      : appendPoints(points.columns[output.column], &output.values);
@@ -59,6 +63,9 @@ public:
     }
 
     [[nodiscard]] std::size_t size() const { return outputs_.front().values.size(); }
+
+    /// Sets the number of rows that are going to be collected, if there are as many.
+    void setWanted(std::size_t rows) { wanted_ = rows; }
 
     /// Hands the rows over, and begins anew.
     QueryResult take()
@@ -71,6 +78,7 @@ public:
             next.dictionary = output.values.dictionary;
             result.columns.push_back(std::exchange(output.values, std::move(next)));
         }
+        capacity_ = 0;
         return result;
     }
 
@@ -124,9 +132,14 @@ private:
         }
     }
 
-    /// The loop has no branches, which a processor could not predict.
+    /// Lists the points that are kept, unless all are.
     void listKept()
     {
+        areAllKept_ = std::find(isKept_.begin(), isKept_.end(), 0) == isKept_.end();
+        if (areAllKept_) {
+            return;
+        }
+        // The loop has no branches, which a processor could not predict.
         kept_.resize(isKept_.size());
         std::size_t count = 0;
         for (std::size_t point = 0; point < isKept_.size(); ++point) {
@@ -134,6 +147,37 @@ private:
             count += isKept_[point];
         }
         kept_.resize(count);
+    }
+
+    [[nodiscard]] std::size_t keptCount() const
+    {
+        return areAllKept_ ? isKept_.size() : kept_.size();
+    }
+
+    template <typename Use>
+    void forKept(const Use& use) const
+    {
+        for (std::size_t i = 0; i < keptCount(); ++i) {
+            use(areAllKept_ ? i : kept_[i]);
+        }
+    }
+
+    /// Makes room for the rows of all setups when there is none for those of this one, supposing
+    /// that the others have as many as those so far: columns that grow step by step are copied, and
+    /// their memory is touched twice. Memory that is reserved in vain costs nothing.
+    void reserveRows(std::size_t place)
+    {
+        const std::size_t rows = size() + keptCount();
+        if (rows < kFewRows || rows <= capacity_) {
+            return;
+        }
+        const double all = static_cast<double>(rows) / static_cast<double>(place + 1) *
+                           static_cast<double>(setups_.ids().size());
+        const std::size_t expected = std::min(wanted_, static_cast<std::size_t>(1.02 * all));
+        capacity_ = expected > rows ? expected : 2 * rows;
+        for (Output& output : outputs_) {
+            output.values.reserve(capacity_);
+        }
     }
 
     void appendRecord(std::size_t place, Output* output) const
@@ -153,7 +197,7 @@ private:
     template <typename T>
     void appendSame(const T& value, std::vector<T>* values) const
     {
-        values->insert(values->end(), kept_.size(), value);
+        values->insert(values->end(), keptCount(), value);
     }
 
     void appendPoints(const SweepSlice& points, ResultColumn* column) const
@@ -170,9 +214,9 @@ private:
                 : appendSame(kNoComplex, &column->complexNumbers);
             return;
         default:
-            for (const std::size_t point : kept_) {
+            forKept([&](std::size_t point) {
                 column->texts.push_back(points.isPresent() ? points.text(point) : std::string());
-            }
+            });
         }
     }
 
@@ -180,8 +224,9 @@ private:
     void appendKept(const std::vector<T>& from, std::size_t first, std::vector<T>* values) const
     {
         const auto begin = from.begin() + static_cast<std::ptrdiff_t>(first);
-        if (kept_.size() == isKept_.size()) {
-            values->insert(values->end(), begin, begin + static_cast<std::ptrdiff_t>(kept_.size()));
+        if (areAllKept_) {
+            values->insert(
+                values->end(), begin, begin + static_cast<std::ptrdiff_t>(isKept_.size()));
             return;
         }
         for (const std::size_t point : kept_) {
@@ -191,9 +236,13 @@ private:
 
     SelectedSetups& setups_;
     std::vector<Output> outputs_;
-    /// The points of the setup being added that give a row, by mark and by place.
+    /// The points of the setup being added that give a row, by mark and, unless all do, by place.
     PointMask isKept_;
     std::vector<std::size_t> kept_;
+    bool areAllKept_ = false;
+    std::size_t wanted_ = 0;
+    /// The number of rows that the columns have room for.
+    std::size_t capacity_ = 0;
 };
 } // namespace
 
@@ -216,8 +265,9 @@ public:
 
     ~Reading() = default;
 
-    bool readOn()
+    bool readOn(std::size_t wanted)
     {
+        collector_.setWanted(wanted);
         return reader_.next([this](const SweepPoints& points) { collector_.add(points); });
     }
 
@@ -265,9 +315,9 @@ SweepRows::SweepRows(
 
 SweepRows::~SweepRows() = default;
 
-bool SweepRows::readOn()
+bool SweepRows::readOn(std::size_t wanted)
 {
-    return reading_->readOn();
+    return reading_->readOn(wanted);
 }
 
 std::size_t SweepRows::size() const

@@ -28,8 +28,9 @@ public:
         bool latestOnly);
     ~SweepRows();
 
-    /// Collects the rows of some more setups; false when none is left.
-    bool readOn();
+    /// Collects the rows of some more setups; false when none is left. `wanted` is the number of
+    /// rows that the caller is going to collect, if there are as many.
+    bool readOn(std::size_t wanted);
     /// The number of rows that are collected.
     [[nodiscard]] std::size_t size() const;
     /// Hands the collected rows over.

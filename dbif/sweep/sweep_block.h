@@ -36,23 +36,37 @@ public:
     /// naming the setup when there cannot be that many.
     void note(std::size_t place, int key, long long points);
 
+    /// Notes that a setup has the key at a place among the columns; its chunks tell how many
+    /// points.
+    void expect(std::size_t place, std::size_t column);
+
     /// Drops setups at the end, so that those before them have about this many points in all; at
     /// least one stays. Returns those that are left.
     std::span<const int> limitPoints(std::size_t points);
 
     [[nodiscard]] bool has(std::size_t place, std::size_t column) const
     {
-        return slices_[place * columns_.size() + column].isPresent();
+        return slices_[slot(place, column)].isPresent();
     }
 
-    /// Adds the next chunk of a column. Chunks come setup by setup, in the order of the values.
-    void store(std::size_t place, std::size_t column, std::string_view chunk);
+    /// Adds the next chunk of a column, by its number. Chunks come setup by setup, in the order of
+    /// the values.
+    void store(std::size_t place, std::size_t column, int number, std::string_view chunk);
+
+    /// Drops the setups from a place on, whatever is stored of them.
+    std::span<const int> limitSetups(std::size_t count);
+
+    /// Takes the number of points of each setup from its chunks. Returns the setups whose chunks do
+    /// not prove that none is missing; the number is to be noted for these.
+    [[nodiscard]] std::vector<int> countStored();
 
     /// Unpacks all chunks; any thread may do so. Throws `DBIF_Exception` naming setup and key when
     /// the stored data are damaged.
     void unpack();
 
     [[nodiscard]] std::size_t size() const { return setups_.size(); }
+
+    [[nodiscard]] std::span<const int> setups() const { return setups_; }
 
     /// The points of a setup. A setup with none of the columns counts as one point, as all its
     /// points are alike.
@@ -66,6 +80,15 @@ private:
         std::size_t size;
     };
 
+    /// The chunks of a column of one setup, as far as their heads tell.
+    struct StoredValues
+    {
+        std::size_t count = 0;
+        int chunks = 0;
+        /// A chunk is missing before the last one, or may be missing behind it.
+        bool isOpen = true;
+    };
+
     /// One column of all setups of the block.
     struct Column
     {
@@ -73,6 +96,11 @@ private:
         std::string bytes;
         SweepArray array;
     };
+
+    [[nodiscard]] std::size_t slot(std::size_t place, std::size_t column) const
+    {
+        return place * columns_.size() + column;
+    }
 
     void unpack(std::size_t column);
 
@@ -83,5 +111,7 @@ private:
     std::vector<std::size_t> points_;
     /// The slices, by place and column.
     std::vector<SweepSlice> slices_;
+    /// The same for the chunks that they are unpacked from.
+    std::vector<StoredValues> storedValues_;
 };
 } // namespace dbif

@@ -55,6 +55,22 @@ struct Header
 
 static_assert(sizeof(Header) == kChunkHeadBytes);
 
+/// The most values of a size that a chunk of so many bytes takes.
+constexpr std::size_t values_in(std::size_t chunkBytes, std::size_t valueBytes)
+{
+    return (chunkBytes - kChunkHeadBytes) / valueBytes;
+}
+
+/// The head of a chunk; one that is too short has none, and counts as an empty text.
+Header head_of(std::string_view chunk)
+{
+    Header header{kPlain, kind_code(ValueKind::Text), 0, 0, 0};
+    if (chunk.size() >= kChunkHeadBytes) {
+        std::memcpy(&header, chunk.data(), kChunkHeadBytes);
+    }
+    return header;
+}
+
 std::uint64_t checksum_of(Header header, std::string_view values)
 {
     header.format = kPlain;
@@ -142,7 +158,7 @@ private:
         std::size_t chunkBytes,
         const Use& use)
     {
-        const std::size_t most = (chunkBytes - kChunkHeadBytes) / valueBytes * valueBytes;
+        const std::size_t most = values_in(chunkBytes, valueBytes) * valueBytes;
         for (; !values.empty(); values.remove_prefix(std::min(most, values.size()))) {
             use(values.substr(0, most));
         }
@@ -410,6 +426,24 @@ void unpack(std::string_view chunk, const SweepPlace& place, SweepArray* array)
         append_sized(reader, place, read_packed_text, &array->texts);
         break;
     }
+}
+
+std::size_t value_count(std::string_view chunk)
+{
+    return head_of(chunk).count;
+}
+
+bool may_go_on(std::string_view chunk)
+{
+    const Header header = head_of(chunk);
+    const auto isFull = [&header](std::size_t valueBytes) {
+        return header.count == values_in(kRowBytes, valueBytes) ||
+               header.count == values_in(kChunkBytes, valueBytes);
+    };
+    if (header.kind == kind_code(ValueKind::Double)) {
+        return isFull(sizeof(double));
+    }
+    return header.kind != kind_code(ValueKind::Complex) || isFull(sizeof(std::complex<double>));
 }
 
 std::string SweepPlace::text() const

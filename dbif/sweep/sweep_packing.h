@@ -39,6 +39,13 @@ struct SweepPlace
 /// chunk is damaged, was written by a newer version or holds another kind.
 void unpack(std::string_view chunk, const SweepPlace& place, SweepArray* array);
 
+/// The number of values in a chunk, as its head says; 0 for a chunk without a head.
+std::size_t value_count(std::string_view chunk);
+
+/// Tells whether the values of a key may go on in a further chunk behind this one: a chunk of
+/// numbers that is not full is the last one.
+bool may_go_on(std::string_view chunk);
+
 /// Throws `DBIF_Exception` naming `place` when the chunks of a key had another number of points
 /// than its setup.
 void check_length(const SweepPlace& place, std::size_t found, std::size_t expected);

@@ -4,9 +4,12 @@
 #include "dbif/connection/managed_connection.h"
 #include "dbif/engine/read_trace.h"
 #include "dbif/host/background_task.h"
+#include "dbif/sweep/key_presence.h"
+#include "dbif/sweep/sweep_packing.h"
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <span>
 #include <utility>
 
@@ -55,12 +58,19 @@ private:
 class BlockReader
 {
 public:
+    /// All setups that will be read, and the columns.
     BlockReader(
         DBIF_Connection& connection,
+        const std::vector<int>& setups,
         const std::vector<KeyDefinition>& columns,
         SetupsWithoutColumns others)
         : connection_(connection), columns_(columns), others_(others)
-    {}
+    {
+        if (others == SetupsWithoutColumns::Empty &&
+            KeyPresence::isWorthwhile(connection, setups)) {
+            presence_.emplace(connection, setups, columns);
+        }
+    }
 
     /// Reads as many of the setups, from place `first` on, as fit.
     void read(std::span<const int> setups, std::size_t first, SweepBlock* block) const
@@ -69,25 +79,52 @@ public:
         setups = setups.subspan(first);
         setups = setups.first(std::min(setups.size(), kMostSetupsPerBlock));
         block->begin(setups, first);
-        readAssociations(setups, block);
-        setups = block->limitPoints(kMostPointsPerBlock);
+        if (presence_.has_value()) {
+            expectColumns(setups, block);
+        } else {
+            readAssociations(setups, block);
+            setups = block->limitPoints(kMostPointsPerBlock);
+        }
         for (std::size_t column = 0; column < columns_.size(); ++column) {
-            readColumn(column, setups, block);
+            setups = readColumn(column, setups, block);
+        }
+        if (presence_.has_value()) {
+            checkNumbersOfPoints(block);
         }
     }
 
 private:
-    /// Reads which keys each setup has, and how many points.
-    void readAssociations(std::span<const int> setups, SweepBlock* block) const
+    void expectColumns(std::span<const int> setups, SweepBlock* block) const
+    {
+        for (std::size_t place = 0; place < setups.size(); ++place) {
+            for (std::size_t column = 0; column < columns_.size(); ++column) {
+                if (presence_->has(setups[place], column)) {
+                    block->expect(place, column);
+                }
+            }
+        }
+    }
+
+    /// Reads the numbers of points of those setups only whose chunks leave them open.
+    void checkNumbersOfPoints(SweepBlock* block) const
+    {
+        const std::vector<int> open = block->countStored();
+        if (!open.empty()) {
+            readAssociations(open, block);
+        }
+    }
+
+    /// Notes which keys some of the block's setups have, and how many points.
+    void readAssociations(std::span<const int> some, SweepBlock* block) const
     {
         SqlText sql = "SELECT setup_id, setup_column_id, points FROM setup_association WHERE ";
-        sql << is_one_of(setups);
+        sql << is_one_of(some);
         if (others_ == SetupsWithoutColumns::Empty) {
             // The sign keeps the databases from using the index of the columns, which is a detour.
             sql << " AND +setup_column_id IN (" << listed(columns_, &KeyDefinition::id) << ")";
         }
         BulkCursor cursor(connection_, sql << " ORDER BY setup_id");
-        SetupFinder finder(setups);
+        SetupFinder finder(block->setups());
         while (cursor.next()) {
             const std::size_t place = finder.find(cursor.integer(0));
             if (place != kAbsent) {
@@ -96,24 +133,38 @@ private:
         }
     }
 
-    void readColumn(std::size_t column, std::span<const int> setups, SweepBlock* block) const
+    /// Reads a column of the setups, as many of them as fit; returns these.
+    std::span<const int>
+    readColumn(std::size_t column, std::span<const int> setups, SweepBlock* block) const
     {
-        SqlText sql = "SELECT setup_id, payload FROM setup_data WHERE setup_column_id = ";
+        SqlText sql = "SELECT setup_id, chunk, payload FROM setup_data WHERE setup_column_id = ";
         BulkCursor cursor(
             connection_, sql << columns_[column].id << " AND " << is_one_of(setups)
                              << " ORDER BY setup_id, chunk");
         SetupFinder finder(setups);
+        std::size_t points = 0;
+        std::size_t last = 0;
         while (cursor.next()) {
             const std::size_t place = finder.find(cursor.integer(0));
-            if (place != kAbsent && block->has(place, column)) {
-                block->store(place, column, cursor.text(1));
+            if (place == kAbsent || !block->has(place, column)) {
+                continue;
             }
+            if (place != last && points >= kMostPointsPerBlock) {
+                return block->limitSetups(place);
+            }
+            last = place;
+            const std::string_view chunk = cursor.text(2);
+            points += value_count(chunk);
+            block->store(place, column, cursor.integer(1), chunk);
         }
+        return setups;
     }
 
     DBIF_Connection& connection_;
     const std::vector<KeyDefinition>& columns_;
     SetupsWithoutColumns others_;
+    /// Where it pays, tells which keys the setups have.
+    std::optional<KeyPresence> presence_;
 };
 
 void use_block(
@@ -143,7 +194,7 @@ public:
         SetupsWithoutColumns others)
         : trace_(connection.inner().trace()),
           setups_(setups),
-          reader_(connection, columns, others),
+          reader_(connection, setups, columns, others),
           blocks_{SweepBlock(columns), SweepBlock(columns)}
     {}
 
