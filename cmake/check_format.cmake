@@ -11,7 +11,7 @@ if(NOT found MATCHES "version ${version}\\.")
 endif()
 
 set(patterns)
-foreach(folder dbif dbui dbapi dbsuggest dbexplain dbimport dbplot tools tests examples benchmarks)
+foreach(folder dbif dbui dbapi dbsuggest dbexplain dbimport dbplot python tools tests examples benchmarks)
     list(APPEND patterns ${ROOT}/${folder}/*.h ${ROOT}/${folder}/*.cpp)
 endforeach()
 file(GLOB_RECURSE files ${patterns})

@@ -1,66 +1,11 @@
 #pragma once
 
+#include "dbapi/arrow_structures.h"
 #include "dbapi/db_columns.h"
 
-#include <cstdint>
+#include <cstddef>
 #include <memory>
-
-// The structures of the Arrow C data interface and the Arrow C stream interface, as they are
-// published for everybody to declare: https://arrow.apache.org/docs/format/CDataInterface.html and
-// CStreamInterface.html. The macros are those that keep a program from declaring them twice.
-
-// NOLINTBEGIN(readability-identifier-naming): published names
-extern "C" {
-#ifndef ARROW_C_DATA_INTERFACE
-#define ARROW_C_DATA_INTERFACE
-
-#define ARROW_FLAG_DICTIONARY_ORDERED 1
-#define ARROW_FLAG_NULLABLE 2
-#define ARROW_FLAG_MAP_KEYS_SORTED 4
-
-struct ArrowSchema
-{
-    const char* format;
-    const char* name;
-    const char* metadata;
-    int64_t flags;
-    int64_t n_children;
-    struct ArrowSchema** children;
-    struct ArrowSchema* dictionary;
-    void (*release)(struct ArrowSchema*);
-    void* private_data;
-};
-
-struct ArrowArray
-{
-    int64_t length;
-    int64_t null_count;
-    int64_t offset;
-    int64_t n_buffers;
-    int64_t n_children;
-    const void** buffers;
-    struct ArrowArray** children;
-    struct ArrowArray* dictionary;
-    void (*release)(struct ArrowArray*);
-    void* private_data;
-};
-#endif
-
-#ifndef ARROW_C_STREAM_INTERFACE
-#define ARROW_C_STREAM_INTERFACE
-
-struct ArrowArrayStream
-{
-    int (*get_schema)(struct ArrowArrayStream*, struct ArrowSchema* out);
-    int (*get_next)(struct ArrowArrayStream*, struct ArrowArray* out);
-    const char* (*get_last_error)(struct ArrowArrayStream*);
-    void (*release)(struct ArrowArrayStream*);
-    void* private_data;
-};
-#endif
-}
-
-// NOLINTEND(readability-identifier-naming)
+#include <vector>
 
 namespace dbapi {
 // A table is an Arrow struct with a field for each column, by its keyword:
@@ -82,6 +27,9 @@ namespace dbapi {
 /// ENOMEM or EIO, and `get_last_error` the text. A stream may be used in any thread, by one at a
 /// time; its arrays are on their own, and stay valid after it.
 void db_export_arrow_stream(std::unique_ptr<ColumnReader> reader, ArrowArrayStream* stream);
+
+/// Columns of so many rows as an Arrow stream of one array, which shares them. Otherwise as above.
+void db_export_arrow_columns(SharedColumns columns, std::size_t rows, ArrowArrayStream* stream);
 
 /// A table as one Arrow array, which takes its columns over, and its schema. Both are overwritten,
 /// and whoever uses them calls their `release`.

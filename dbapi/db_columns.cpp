@@ -154,7 +154,9 @@ class ProgressReport
 {
 public:
     explicit ProgressReport(const ColumnOptions& options)
-        : call_(options.progress), allowedBytes_(options.mostBytes)
+        : call_(options.progress),
+          interrupted_(options.interrupted),
+          allowedBytes_(options.mostBytes)
     {}
 
     /// Before the first row.
@@ -165,6 +167,7 @@ public:
         std::size_t batchRows)
     {
         if (!call_ && allowedBytes_ == 0) {
+            tell(0);
             return;
         }
         progress_.mostRows = stream->mostRows();
@@ -187,13 +190,14 @@ public:
     void tell(std::size_t rows)
     {
         progress_.rows = rows;
-        if (call_ && !call_(progress_)) {
+        if ((interrupted_ && interrupted_()) || (call_ && !call_(progress_))) {
             throw FaultError(cancelled_fault());
         }
     }
 
 private:
     std::function<bool(const ReadProgress&)> call_;
+    std::function<bool()> interrupted_;
     std::size_t allowedBytes_;
     ReadProgress progress_;
 };
@@ -251,7 +255,7 @@ bool db_get_columns(
             const std::vector<ValueColumn> columns = described_columns(read, keywords);
             const bool isOrdered = read.needsAllRows();
             ProgressReport report(options);
-            if (options.progress) {
+            if (options.progress || options.interrupted) {
                 read.progress = [&report](std::size_t rows) {
                     report.tell(rows);
                 };

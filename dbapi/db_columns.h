@@ -56,11 +56,16 @@ struct ColumnOptions
     /// false cancels the read. Costs a statement that counts the rows. What it throws passes to the
     /// caller.
     std::function<bool(const ReadProgress&)> progress;
+    /// Asked from time to time, in the thread that made the call; true cancels the read. Costs
+    /// nothing beside the calls, and changes nothing in how the read is made. What it throws passes
+    /// to the caller.
+    std::function<bool()> interrupted;
 };
 
 /// Reads all rows. `table` is emptied first and filled on success only. On failure `errors`
 /// receives the text, or the standard error stream does when it is null, and `db_get_last_fault`
-/// tells the fault: of the kind `Cancelled` when `progress` ended the read, `Memory` when there is
+/// tells the fault: of the kind `Cancelled` when `progress` or `interrupted` ended
+/// the read, `Memory` when there is
 /// too little memory, and database errors too are faults here.
 bool db_get_columns(
     const std::string& connectionName,

@@ -101,6 +101,13 @@ std::string fault_of_key(
 }
 } // namespace
 
+bool names_device(const Annotations& annotations)
+{
+    const dbif::DeviceFields& device = annotations.device.fields;
+    return device.name.has_value() || device.parent_subsite_name.has_value() ||
+           device.position_within_subsite.has_value();
+}
+
 void AnnotationReader::addLine(std::size_t line, const std::string& text)
 {
     std::string reason;

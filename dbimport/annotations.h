@@ -35,6 +35,9 @@ struct Annotations
     RecordParts<dbif::SetupFields> setup;
 };
 
+/// Tells whether they tell the device from others. What it is made on alone does not.
+bool names_device(const Annotations& annotations);
+
 /// Reads the annotation lines of one file.
 class AnnotationReader
 {
@@ -44,11 +47,13 @@ public:
     /// One line that begins with "#"; the line end does not belong to it.
     void addLine(std::size_t line, const std::string& text);
 
+    /// The keyword and the value of one, where they stand apart: `line` is named in its faults.
+    void addKeyword(std::size_t line, const std::string& keyword, const std::string& value);
+
     /// The records that the lines tell of, once they are all read.
     [[nodiscard]] Annotations take();
 
 private:
-    void addKeyword(std::size_t line, const std::string& keyword, const std::string& value);
     void addBuiltin(
         std::size_t line,
         const std::string& builtin,

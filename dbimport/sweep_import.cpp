@@ -35,14 +35,6 @@ std::map<std::string, std::string> catalogue_texts(const CatalogEntryParts& entr
     return texts;
 }
 
-/// Tells whether the file tells its device from others. What it is made on alone does not.
-bool names_device(const Annotations& annotations)
-{
-    const dbif::DeviceFields& device = annotations.device.fields;
-    return device.name.has_value() || device.parent_subsite_name.has_value() ||
-           device.position_within_subsite.has_value();
-}
-
 /// A record that the last file named; the next one often names it again.
 template <typename Fields>
 struct SharedRecord

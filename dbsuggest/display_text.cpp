@@ -169,4 +169,9 @@ std::string counted(std::size_t count, const std::string& thing)
 {
     return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
 }
+
+std::string bold_text(const std::string& text)
+{
+    return "\x1b[1m" + text + "\x1b[0m";
+}
 } // namespace dbapi

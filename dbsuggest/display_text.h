@@ -22,6 +22,9 @@ std::size_t display_width(std::string_view text);
 /// The longest beginning of the text that takes at most `width` columns.
 std::string_view display_prefix(std::string_view text, std::size_t width);
 
+/// The text between the escapes that make it bold on a terminal.
+std::string bold_text(const std::string& text);
+
 /// The text as `display_text` gives it, cut to `width` columns, with "..." at its end, when it is
 /// wider.
 std::string display_cut(std::string_view text, std::size_t width);

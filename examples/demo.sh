@@ -1,7 +1,7 @@
 #!/bin/bash
 # The command line tool on the shipped measurements, from an empty database to the first answers.
 # Run from the root of the tree with the directory of the `dbapi` command in PATH: `./setup demo` does both.
-# It writes into demo/ only, which each run deletes first.
+# Where the Python package is in PYTHONPATH, it is shown, too. It writes into demo/ only, which each run deletes first.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -48,6 +48,11 @@ show '... so that a question finds the latest measurement only ...' \
     "dbapi values demo '\$DEVNAME' '\$MEASDBID' '\$MEASTIME' -q '$setup' --format table"
 show '... unless it asks for all of them. Nothing is ever overwritten.' \
     "dbapi values demo '\$DEVNAME' '\$MEASDBID' '\$MEASTIME' -q 'ALLDATA: $setup' --format table"
+
+if python3=$(command -v /usr/bin/python3) && "$python3" -c 'import dbapi.connections' 2>/dev/null; then
+    show 'The same in Python, as NumPy arrays: the widths, and the largest current of each.' \
+        "$python3 examples/first_steps.py"
+fi
 
 cat <<'END'
 

@@ -229,6 +229,14 @@ TEST_P(DbColumns, FailWithAFault)
     EXPECT_EQ(read({"ID", "VG"}, "", options), "Error: The read was cancelled.\n");
     ASSERT_TRUE(dbapi::db_get_last_fault(&fault));
     EXPECT_EQ(fault.kind, Fault::Kind::Cancelled);
+    options = {};
+    int asked = 0;
+    options.interrupted = [&asked] {
+        return ++asked == 2;
+    };
+    EXPECT_EQ(read({"ID", "VG"}, "", options), "Error: The read was cancelled.\n");
+    EXPECT_EQ(asked, 2);
+    options.interrupted = nullptr;
     options.progress = [](const dbapi::ReadProgress&) -> bool {
         throw 7;
     };
@@ -330,7 +338,7 @@ TEST_P(DbColumns, EndWhenCancelledOrCutOff)
         MariaDbServer::instance().execute("KILL " + ids.substr(0, ids.size() - 1));
         EXPECT_THAT(rest(*cut), HasSubstr("rror"));
     }
-    EXPECT_EQ(cut->fault()->kind, Fault::Kind::Database);
+    EXPECT_EQ(cut->fault()->kind, Fault::Kind::Connection);
 }
 
 /// The value of a cell of a column of numbers or texts, by its buffers.

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -68,6 +69,9 @@ struct ValueColumn
                                      : dictionary[static_cast<std::size_t>(codes[row])];
     }
 };
+
+/// Columns that several hold.
+using SharedColumns = std::vector<std::shared_ptr<const ValueColumn>>;
 
 /// Columns side by side, all with a value, or 'no value', for each row.
 struct ColumnTable

@@ -4,6 +4,6 @@
 #include "dbif/host/exception.h"
 
 namespace dbapi {
-/// The fault of a statement that the database refused.
+/// The fault of a statement that the database refused, or of a connection that was lost.
 Fault database_fault(const DBIF_Exception& exception);
 } // namespace dbapi

@@ -28,7 +28,7 @@ struct Fault
         UnknownKey,        ///< no stored key agrees with the keyword
         AmbiguousKey,      ///< several stored keys agree with the keyword
         Argument,          ///< another argument of the call that cannot be right
-        Connection,        ///< a connection that is not stored, or does not open
+        Connection,        ///< a connection that is not stored, does not open, or was lost
         Cancelled,         ///< a read that its caller ended
         Memory,            ///< a result that is larger than memory, or than it was allowed to be
         Database           ///< a statement that the database refused, or damaged data

@@ -290,7 +290,7 @@ void ColumnStream::checkFile() const
     if (parts_ == Parts::Many && read_.connection.inner().fileState() != FileState::Same) {
         throw_error(
             "The database file was replaced or overwritten while it was read. Read it anew.",
-            __FILE__, __LINE__);
+            __FILE__, __LINE__, QSqlError::ConnectionError);
     }
 }
 

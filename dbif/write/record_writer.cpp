@@ -224,7 +224,10 @@ public:
         superseded_ = supersede_setups(connection_, firstSetup_);
         for (const auto& [id, context] : measurements_) {
             if (context.setups == 0) {
-                supersede_measurements(connection_, id, context.digest);
+                const std::vector<SupersedingLink> links =
+                    supersede_measurements(connection_, id, context.digest);
+                supersededMeasurements_.insert(
+                    supersededMeasurements_.end(), links.begin(), links.end());
             }
         }
         transaction_.commit(
@@ -247,6 +250,7 @@ public:
     std::map<std::string, std::string> setups_;
     int firstSetup_ = 0;
     std::vector<SupersededSetup> superseded_;
+    std::vector<SupersedingLink> supersededMeasurements_;
 
 private:
     [[noreturn]] static void throwMissing(RecordTable table, int id)
@@ -406,5 +410,10 @@ const std::vector<NewKey>& RecordWriter::newKeys() const
 const std::vector<SupersededSetup>& RecordWriter::supersededSetups() const
 {
     return work_->superseded_;
+}
+
+const std::vector<SupersedingLink>& RecordWriter::supersededMeasurements() const
+{
+    return work_->supersededMeasurements_;
 }
 } // namespace dbif

@@ -67,6 +67,8 @@ public:
     [[nodiscard]] const std::vector<NewKey>& newKeys() const;
     /// The setups that were the latest of their identity until `commit`; none before it.
     [[nodiscard]] const std::vector<SupersededSetup>& supersededSetups() const;
+    /// The same of measurements without setups, each with the one that supersedes it.
+    [[nodiscard]] const std::vector<SupersedingLink>& supersededMeasurements() const;
 
 private:
     class Work;

@@ -141,14 +141,22 @@ latest_twins(DBIF_Connection& connection, const std::vector<int>& setups)
     return twins;
 }
 
-void supersede_measurements(DBIF_Connection& connection, int newer, const std::string& identity)
+std::vector<SupersedingLink>
+supersede_measurements(DBIF_Connection& connection, int newer, const std::string& identity)
 {
     SqlText sql;
-    sql << "UPDATE measurement SET superseded_by = " << newer
-        << " WHERE superseded_by IS NULL AND id < " << newer
+    sql << "SELECT id FROM measurement WHERE superseded_by IS NULL AND id < " << newer
         << " AND identity = " << SqlBlob(identity)
         << " AND NOT EXISTS (SELECT 1 FROM setup JOIN measurement_condition ON measurement_condition.id = "
            "setup.measurement_condition_id WHERE measurement_condition.measurement_id = measurement.id)";
-    connection.inner().execute(sql, __FILE__, __LINE__);
+    std::vector<SupersedingLink> links;
+    {
+        BulkCursor cursor(connection, sql);
+        while (cursor.next()) {
+            links.push_back({cursor.integer(0), newer});
+        }
+    }
+    write_superseding_links(connection, "measurement", links);
+    return links;
 }
 } // namespace dbif

@@ -23,9 +23,6 @@ void mark_superseded(DBIF_Connection& connection, const std::vector<SupersededSe
 /// new setups; nothing when `firstNew` is 0.
 std::vector<SupersededSetup> supersede_setups(DBIF_Connection& connection, int firstNew);
 
-/// A measurement without setups supersedes older ones of its identity that have none either.
-void supersede_measurements(DBIF_Connection& connection, int newer, const std::string& identity);
-
 /// The setups among those of the ids that are latest beside another latest one of their identity,
 /// or are that other one: each of the older with the newest, by time.
 std::vector<SupersededSetup>
@@ -37,6 +34,11 @@ struct SupersedingLink
     int id = 0;
     int by = 0;
 };
+
+/// A measurement without setups supersedes older ones of its identity that have none either: these
+/// are marked and returned.
+std::vector<SupersedingLink>
+supersede_measurements(DBIF_Connection& connection, int newer, const std::string& identity);
 
 /// Sets the link of setups or of measurements.
 void write_superseding_links(

@@ -1,10 +1,10 @@
+#include "dbsuggest/wrapped_text.h"
 #include "dbui/diagnosis/connection_diagnosis.h"
 
 #include "tools/dbapi/commands/command_declarations.h"
 #include "tools/dbapi/output/data_output.h"
 #include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
-#include "tools/dbapi/output/wrapped_text.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

@@ -1,11 +1,11 @@
 #include "dbexplain/explain.h"
+#include "dbexplain/explanation_json.h"
+#include "dbexplain/explanation_text.h"
 
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/commands/command_declarations.h"
 #include "tools/dbapi/output/call_failure.h"
 #include "tools/dbapi/output/data_output.h"
-#include "tools/dbapi/output/explanation_json.h"
-#include "tools/dbapi/output/explanation_text.h"
 #include "tools/dbapi/output/stored_names.h"
 #include "tools/dbapi/output/terminal.h"
 

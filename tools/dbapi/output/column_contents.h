@@ -2,8 +2,11 @@
 
 #include <string>
 
-namespace dbapi::tool {
+namespace dbapi {
 struct DataTable;
+}
+
+namespace dbapi::tool {
 struct OutputOptions;
 
 /// Tells of each column, whose heading is its keyword, whether the database holds numbers or texts

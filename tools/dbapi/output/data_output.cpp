@@ -2,11 +2,11 @@
 
 #include "dbapi/words/text_rules.h"
 #include "dbsuggest/display_text.h"
+#include "dbsuggest/table_text.h"
 
 #include "tools/dbapi/arguments/request_arguments.h"
 #include "tools/dbapi/output/output_stream.h"
 #include "tools/dbapi/output/row_text.h"
-#include "tools/dbapi/output/table_output.h"
 #include "tools/dbapi/output/terminal.h"
 
 #include <CLI/CLI.hpp>

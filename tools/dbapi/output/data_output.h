@@ -1,8 +1,7 @@
 #pragma once
 
 #include "dbapi/read/value_column.h"
-
-#include "tools/dbapi/output/data_table.h"
+#include "dbsuggest/data_table.h"
 
 #include <cstddef>
 #include <functional>

@@ -2,13 +2,13 @@
 
 #include "dbapi/words/text_rules.h"
 #include "dbif/host/host_number.h"
+#include "dbsuggest/data_table.h"
 #include "dbsuggest/display_text.h"
+#include "dbsuggest/table_text.h"
+#include "dbsuggest/wrapped_text.h"
 
-#include "tools/dbapi/output/data_table.h"
 #include "tools/dbapi/output/key_table.h"
-#include "tools/dbapi/output/table_output.h"
 #include "tools/dbapi/output/terminal.h"
-#include "tools/dbapi/output/wrapped_text.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "dbapi/key/key_statistics.h"
-
-#include "tools/dbapi/output/data_table.h"
+#include "dbsuggest/data_table.h"
 
 #include <string>
 #include <vector>

@@ -96,11 +96,6 @@ bool shows_colours(std::FILE* stream)
            terminal != nullptr && std::string_view(terminal) != "dumb";
 }
 
-std::string bold_text(const std::string& text)
-{
-    return "\x1b[1m" + text + "\x1b[0m";
-}
-
 std::string styled(const std::string& text, Style style, std::FILE* stream)
 {
     if (style == Style::Plain || !shows_colours(stream)) {

@@ -26,9 +26,6 @@ std::size_t line_width();
 /// Tells whether the stream is a terminal that shows colours, and NO_COLOR is not set.
 bool shows_colours(std::FILE* stream);
 
-/// The text between the escapes that make it bold on a terminal.
-std::string bold_text(const std::string& text);
-
 enum class Style { Plain, Bold, Alert };
 
 /// The text in a style, where the stream is a terminal that shows colours and NO_COLOR is not set.

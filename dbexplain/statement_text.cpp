@@ -1,14 +1,13 @@
-#include "tools/dbapi/output/statement_text.h"
+#include "dbexplain/statement_text.h"
 
 #include "dbsuggest/display_text.h"
-
-#include "tools/dbapi/output/wrapped_text.h"
+#include "dbsuggest/wrapped_text.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// Numbers of a list that are shown, and that make it too long to show.
 constexpr std::size_t kShownNumbers = 5;
@@ -116,4 +115,4 @@ std::string time_text(double seconds)
     std::snprintf(buffer.data(), buffer.size(), value < 10 ? "%.1f" : "%.0f", value);
     return buffer.data() + std::string(unit);
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "tools/dbapi/output/data_table.h"
+#include "dbsuggest/data_table.h"
 
 #include <cstddef>
 #include <limits>
 #include <string>
 
-namespace dbapi::tool {
+namespace dbapi {
 inline constexpr std::size_t kAllRows = std::numeric_limits<std::size_t>::max();
 
 struct TableLayout
@@ -21,4 +21,4 @@ struct TableLayout
 
 /// The data as a table for people, or nothing when it has no rows. Columns of numbers stand right.
 std::string table_text(const DataTable& table, const TableLayout& layout);
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// The whole explanation as one JSON object on one line. Times are in seconds.
 std::string explanation_json(const Explanation& explanation);
-} // namespace dbapi::tool
+} // namespace dbapi

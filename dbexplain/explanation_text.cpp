@@ -1,18 +1,16 @@
-#include "tools/dbapi/output/explanation_text.h"
+#include "dbexplain/explanation_text.h"
 
 #include "dbapi/words/text_rules.h"
+#include "dbexplain/statement_text.h"
 #include "dbexplain/term_text.h"
 #include "dbsuggest/display_text.h"
 #include "dbsuggest/query_notes.h"
-
-#include "tools/dbapi/output/statement_text.h"
-#include "tools/dbapi/output/table_output.h"
-#include "tools/dbapi/output/terminal.h"
-#include "tools/dbapi/output/wrapped_text.h"
+#include "dbsuggest/table_text.h"
+#include "dbsuggest/wrapped_text.h"
 
 #include <algorithm>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// A term that is longer is cut.
 constexpr std::size_t kWidestTerm = 60;
@@ -275,4 +273,4 @@ std::string explanation_text(const Explanation& explanation, std::size_t width, 
            layout.wrapped(explanation.whyLatest) + points_text(explanation, layout) +
            statements_text(explanation, layout) + times_text(explanation, layout);
 }
-} // namespace dbapi::tool
+} // namespace dbapi

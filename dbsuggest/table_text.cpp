@@ -1,14 +1,12 @@
-#include "tools/dbapi/output/table_output.h"
+#include "dbsuggest/table_text.h"
 
 #include "dbif/host/host_number.h"
 #include "dbsuggest/display_text.h"
 
-#include "tools/dbapi/output/terminal.h"
-
 #include <algorithm>
 #include <cmath>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 /// A value longer than this is cut in a shortened table.
 constexpr std::size_t kWidestValue = 60;
@@ -68,4 +66,4 @@ std::string table_text(const DataTable& table, const TableLayout& layout)
     }
     return text;
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// One column of data, as text.
 struct DataColumn
 {
@@ -42,4 +42,4 @@ struct DataTable
         return columns.empty() ? 0 : columns.front().values.size();
     }
 };
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -1,10 +1,10 @@
-#include "tools/dbapi/output/wrapped_text.h"
+#include "dbsuggest/wrapped_text.h"
 
 #include "dbsuggest/display_text.h"
 
 #include <algorithm>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 std::string wrapped_line(const std::string& line, const std::string& blanks, std::size_t width)
 {
@@ -37,4 +37,4 @@ std::string wrapped_text(std::string_view text, std::size_t indent, std::size_t 
     }
     return wrapped;
 }
-} // namespace dbapi::tool
+} // namespace dbapi

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace dbapi::tool {
+namespace dbapi {
 /// The indexes that serve a statement, each once; "primary key" is one of a table.
 std::vector<std::string> indexes_of(const dbif::TracedStatement& statement);
 
@@ -19,4 +19,4 @@ std::string statement_text(const dbif::TracedStatement& statement, std::size_t w
 
 /// A time as "420 us", "4.2 ms" or "1.3 s".
 std::string time_text(double seconds);
-} // namespace dbapi::tool
+} // namespace dbapi

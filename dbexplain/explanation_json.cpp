@@ -1,12 +1,11 @@
-#include "tools/dbapi/output/explanation_json.h"
+#include "dbexplain/explanation_json.h"
 
+#include "dbexplain/statement_text.h"
 #include "dbsuggest/query_notes.h"
-
-#include "tools/dbapi/output/statement_text.h"
 
 #include <nlohmann/json.hpp>
 
-namespace dbapi::tool {
+namespace dbapi {
 namespace {
 using Json = nlohmann::ordered_json;
 using Kind = QueryNode::Kind;
@@ -147,4 +146,4 @@ std::string explanation_json(const Explanation& explanation)
     json["suggestions"] = explanation.nothing.suggestions;
     return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
-} // namespace dbapi::tool
+} // namespace dbapi
