@@ -12,7 +12,8 @@ from ._closing import Closing
 from ._curves import Curves
 from ._errors import ArgumentError, OperationalError
 from ._import import ImportResult, Path, import_files
-from ._progress import Progress, callable_progress
+from ._progress import Progress
+from ._read_arguments import read_arguments
 from ._records import Explanation, Key, Keys, Record, Setup, read_record, read_setup
 from ._table import Table, refuse_pickling
 from ._write import Measurement, Written, write_measurements
@@ -109,17 +110,13 @@ class Connection(Closing):
         >>> lab.values("Ws")
         Traceback (most recent call last):
             ...
-        dbapi.QueryError: Failed to resolve keywords to valid database unique key names.
-        Error(s) reported:
-        Error: Failed to resolve keyword "Ws" to a valid database key.
+        dbapi.QueryError: Failed to resolve keyword "Ws" to a valid database key.
         No matching key could be found in the database for the given keyword.
           Ws
           ^^
         Did you mean VS, W or vs?
         """
-        arguments = _core.ReadArguments(
-            order, distinct, limit, all_data, ids, max_bytes, callable_progress(progress, "Reading")
-        )
+        arguments = read_arguments(order, distinct, limit, all_data, ids, max_bytes, progress)
         return Table(*_core.read_columns(self._open(), _some(keywords), query, arguments))
 
     def batches(
@@ -152,9 +149,7 @@ class Connection(Closing):
         ...     sum(len(batch) for batch in batches)
         65564
         """
-        arguments = _core.ReadArguments(
-            order, distinct, limit, all_data, ids, max_bytes, callable_progress(progress, "Reading")
-        )
+        arguments = read_arguments(order, distinct, limit, all_data, ids, max_bytes, progress)
         if not isinstance(rows, int) or rows < 1:
             raise ArgumentError("The rows of a batch are an int from 1 on.")
         batches = Batches(_core.BatchReader(self._open(), _some(keywords), query, rows, arguments))
