@@ -304,6 +304,36 @@ Kind fixed_column_kind(const FixedColumnInfo& fixed)
 }
 } // namespace
 
+namespace {
+std::size_t record_count(DBIF_Connection& connection, RecordTable table)
+{
+    SqlText sql = "SELECT COUNT(*) FROM ";
+    BulkCursor cursor(connection, sql << SqlName(table_info(table).name));
+    return static_cast<std::size_t>(cursor.next() ? cursor.integer(0) : 0);
+}
+} // namespace
+
+std::optional<QueryResult> read_keys_of_all(
+    DBIF_Connection& connection,
+    RecordTable table,
+    const std::vector<TableColumn>& keys,
+    RowMask* hasValue)
+{
+    const std::size_t records = record_count(connection, table);
+    const std::size_t highest = records > kIdsPerStatement ? highest_id(connection, table) : 0;
+    if (highest == 0 || highest > 2 * records) {
+        return std::nullopt;
+    }
+    QueryResult result;
+    result.rows = highest;
+    hasValue->assign(highest, 0);
+    const RowsById rows = RowsById::consecutive(highest);
+    for (const TableColumn& key : keys) {
+        result.columns.push_back(read_key_beside(connection, table, key.key(), rows, hasValue));
+    }
+    return result;
+}
+
 RecordCells::RecordCells(const std::vector<TableColumn>& sources, std::size_t uncounted)
     : sources_(sources), counted_(sources.size() - uncounted)
 {

@@ -7,6 +7,7 @@
 #include "dbif/value/table_column.h"
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -33,6 +34,15 @@ ResultColumn read_key_values(
     RecordTable table,
     const KeyDefinition& definition,
     const SqlText& idSelect);
+
+/// Keys of all records of a table, where that saves a statement for the records themselves: a row
+/// for each id up to the highest, marked in `hasValue` when it has a value. Nothing where the
+/// records are few, or their ids have many gaps.
+std::optional<QueryResult> read_keys_of_all(
+    DBIF_Connection& connection,
+    RecordTable table,
+    const std::vector<TableColumn>& keys,
+    RowMask* hasValue);
 
 /// Reads result columns that stand at records: one statement gives the fixed columns and the ids of
 /// the records that have keys, then each key is read beside the rows.

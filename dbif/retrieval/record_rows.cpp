@@ -53,6 +53,13 @@ QueryResult read_records(
     return result;
 }
 
+/// Tells whether all columns are keys of a table.
+bool are_keys_of(RecordTable table, const std::vector<TableColumn>& columns)
+{
+    return std::all_of(columns.begin(), columns.end(), [table](const TableColumn& column) {
+        return column.isKey() && column.table() == table;
+    });
+}
 } // namespace
 
 QueryResult read_record_rows(
@@ -70,6 +77,14 @@ QueryResult read_record_rows(
     if (columns.size() == 1 && columns.front().isIdOf(records.base())) {
         RowMask hasValue;
         return read_cells(connection, records.selectIds(), {Kind::Integer}, {true}, &hasValue);
+    }
+    if (records.selectsAll() && are_keys_of(records.base(), columns)) {
+        RowMask hasValue;
+        auto result = read_keys_of_all(connection, records.base(), columns, &hasValue);
+        if (result.has_value()) {
+            drop_rows_without_value(hasValue, &*result);
+            return std::move(*result);
+        }
     }
     return read_records(connection, columns, uncounted, records, isDistinct);
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace dbif {
 RowsById::RowsById(const std::vector<double>& ids)
@@ -37,6 +38,18 @@ RowsById::RowsById(const std::vector<double>& ids)
         }
         first_[place] = static_cast<std::uint32_t>(row);
     }
+}
+
+RowsById RowsById::consecutive(std::size_t highest)
+{
+    RowsById rows;
+    rows.ids_.resize(highest);
+    std::iota(rows.ids_.begin(), rows.ids_.end(), 1);
+    rows.first_.resize(highest);
+    std::iota(rows.first_.begin(), rows.first_.end(), 0U);
+    rows.lowest_ = 1;
+    rows.isDense_ = true;
+    return rows;
 }
 
 std::uint32_t RowsById::searchFirstRow(int id) const

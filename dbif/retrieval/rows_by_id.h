@@ -12,6 +12,9 @@ public:
     /// `ids`: the record's id of each row; NaN for none.
     explicit RowsById(const std::vector<double>& ids);
 
+    /// A row for each id from 1 to `highest`, in their order.
+    static RowsById consecutive(std::size_t highest);
+
     /// The ids, ascending, each once.
     [[nodiscard]] const std::vector<int>& distinctIds() const { return ids_; }
 
@@ -25,6 +28,8 @@ public:
     }
 
 private:
+    RowsById() = default;
+
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
     [[nodiscard]] std::uint32_t firstRow(int id) const

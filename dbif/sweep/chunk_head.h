@@ -1,6 +1,5 @@
 #pragma once
 
-#include "dbif/sweep/sweep_packing.h"
 #include "dbif/value/data_type.h"
 
 #include <bit>
@@ -53,20 +52,18 @@ struct ChunkHead
     std::uint64_t checksum;
 };
 
-static_assert(sizeof(ChunkHead) == kChunkHeadBytes);
-
 /// The most values of a size that a chunk of so many bytes takes.
 constexpr std::size_t values_in(std::size_t chunkBytes, std::size_t valueBytes)
 {
-    return (chunkBytes - kChunkHeadBytes) / valueBytes;
+    return (chunkBytes - sizeof(ChunkHead)) / valueBytes;
 }
 
 /// The head of a chunk; one that is too short has none, and counts as an empty text.
 inline ChunkHead head_of(std::string_view chunk)
 {
     ChunkHead header{kPlain, kind_code(ValueKind::Text), 0, 0, 0};
-    if (chunk.size() >= kChunkHeadBytes) {
-        std::memcpy(&header, chunk.data(), kChunkHeadBytes);
+    if (chunk.size() >= sizeof(ChunkHead)) {
+        std::memcpy(&header, chunk.data(), sizeof(ChunkHead));
     }
     return header;
 }

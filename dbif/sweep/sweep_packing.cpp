@@ -8,6 +8,8 @@
 #include <lz4.h>
 
 namespace dbif {
+static_assert(sizeof(ChunkHead) == kChunkHeadBytes);
+
 namespace {
 /// A chunk with fewer bytes is not worth compressing.
 constexpr std::size_t kFewBytes = 64;
