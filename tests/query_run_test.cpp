@@ -70,6 +70,26 @@ protected:
 };
 } // namespace
 
+TEST_P(ManyRecords, GiveSeveralKeysOfAllDevices)
+{
+    database.write([](dbif::RecordWriter& writer) {
+        writer.findOrAddDevice(0, {.name = "bare"});
+        writer.findOrAddDevice(0, {.name = "named"}, {text_key("model", "n", "ID")});
+        writer.findOrAddDevice(
+            0, {.name = "last"}, {text_key("model", "m", "ID"), number_key("W", 5000, "ID")});
+    });
+    database.execute("DELETE FROM device_data WHERE device_id = 7");
+    std::string expected = "|n;";
+    for (int i = 1; i <= kDevices; ++i) {
+        expected += i == 7 ? "" : std::to_string(i) + "|;";
+    }
+    EXPECT_EQ(
+        rows(
+            {{"device_data", "ID|DOUBLE|W"}, {"device_data", "ID|TEXT|model"}},
+            DBIF_TrueCondition()),
+        expected + "5000|m;");
+}
+
 TEST_P(ManyRecords, AreFoundByTheirPoints)
 {
     std::string expected;
